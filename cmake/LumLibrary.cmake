@@ -1,0 +1,49 @@
+# lum_add_library(<target> [STATIC|SHARED])
+#
+# The library: its files and how they are compiled. The tests build it again under other flags.
+function(lum_add_library target)
+  add_library(${target} ${ARGN})
+  target_sources(
+    ${target}
+    PRIVATE "${PROJECT_SOURCE_DIR}/geometry/EigenAlgorithms.cpp"
+            "${PROJECT_SOURCE_DIR}/geometry/GlobalObjectPool.cpp"
+            "${PROJECT_SOURCE_DIR}/geometry/Matrix.cpp"
+            "${PROJECT_SOURCE_DIR}/geometry/Plane.cpp"
+            "${PROJECT_SOURCE_DIR}/geometry/Quaternion.cpp"
+            "${PROJECT_SOURCE_DIR}/geometry/TrilinearInterpolation.cpp"
+            "${PROJECT_SOURCE_DIR}/geometry/Vector.cpp"
+    PUBLIC FILE_SET
+           HEADERS
+           BASE_DIRS
+           "${PROJECT_SOURCE_DIR}"
+           FILES
+           "${PROJECT_SOURCE_DIR}/Utility/Lazy.h"
+           "${PROJECT_SOURCE_DIR}/Utility/optional.h"
+           "${PROJECT_SOURCE_DIR}/geometry/Export.h"
+           "${PROJECT_SOURCE_DIR}/geometry/GlobalObjectPool.h"
+           "${PROJECT_SOURCE_DIR}/geometry/Handle.h"
+           "${PROJECT_SOURCE_DIR}/geometry/LinearInterpolation.h"
+           "${PROJECT_SOURCE_DIR}/geometry/Matrix.h"
+           "${PROJECT_SOURCE_DIR}/geometry/ObjectPool.h"
+           "${PROJECT_SOURCE_DIR}/geometry/ObjectPoolBlock.h"
+           "${PROJECT_SOURCE_DIR}/geometry/ObjectPoolDeleter.h"
+           "${PROJECT_SOURCE_DIR}/geometry/ObjectPoolPolicy.h"
+           "${PROJECT_SOURCE_DIR}/geometry/Plane.h"
+           "${PROJECT_SOURCE_DIR}/geometry/Point.h"
+           "${PROJECT_SOURCE_DIR}/geometry/Quaternion.h"
+           "${PROJECT_SOURCE_DIR}/geometry/Range.h"
+           "${PROJECT_SOURCE_DIR}/geometry/TrilinearInterpolation.h"
+           "${PROJECT_SOURCE_DIR}/geometry/Vector.h")
+  target_compile_features(${target} PUBLIC cxx_std_20)
+  target_link_libraries(${target} PUBLIC Eigen3::Eigen Threads::Threads)
+  set_target_properties(
+    ${target}
+    PROPERTIES CXX_EXTENSIONS OFF
+               CXX_VISIBILITY_PRESET hidden
+               VISIBILITY_INLINES_HIDDEN ON
+               POSITION_INDEPENDENT_CODE ON
+               VERSION ${PROJECT_VERSION}
+               SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
+  lum_keep_order_of_operations(${target})
+  lum_warnings(${target})
+endfunction()

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <concepts>
+#include <cstddef>
+#include <type_traits>
+
+#include "geometry/Point.h"
+#include "geometry/Vector.h"
+
+namespace lum {
+
+/// b t + (1 - t) a: exactly a at t = 0 and b at t = 1 for finite ends. t is not clamped: outside [0, 1] it
+/// extrapolates.
+template <std::floating_point T>
+constexpr T LinearInterpolation(T i_a, T i_b, T i_t) noexcept {
+  return i_b * i_t + (1 - i_t) * i_a;
+}
+
+/// Component by component.
+template <class T, std::size_t N>
+constexpr Vector<T, N> LinearInterpolation(Vector<T, N> const& i_a, Vector<T, N> const& i_b,
+                                           std::type_identity_t<T> i_t) noexcept {
+  return i_b * i_t + (1 - i_t) * i_a;
+}
+
+/// Coordinate by coordinate.
+template <class T, std::size_t N>
+constexpr Point<T, N> LinearInterpolation(Point<T, N> const& i_a, Point<T, N> const& i_b,
+                                          std::type_identity_t<T> i_t) noexcept {
+  return Point<T, N>(Origin) + LinearInterpolation(i_a - Origin, i_b - Origin, i_t);
+}
+
+}  // namespace lum

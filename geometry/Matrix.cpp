@@ -1,0 +1,350 @@
+#include "geometry/Matrix.h"
+
+#include <algorithm>
+#include <array>
+#include <cassert>
+#include <cmath>
+#include <cstddef>
+#include <cstring>
+#include <limits>
+#include <stdexcept>
+#include <utility>
+
+#include "Utility/NeverDestroyed.h"
+#include "geometry/EigenAlgorithms.h"
+#include "geometry/StrictArithmetic.h"
+
+namespace lum {
+namespace {
+
+constexpr char const* no_inverse_message = "attempt to get inverse of non-invertible matrix";
+
+template <class T>
+using Values = std::array<T, 16>;
+
+template <class T>
+typename MatrixPoolTypes<T>::ObjectHandle CreateHandle(Values<T> const& i_values) {
+  auto handle = CreateGlobalObject<MatrixObject<T>>();
+  std::copy(i_values.begin(), i_values.end(), handle->data());
+  return handle;
+}
+
+template <class T>
+typename MatrixPoolTypes<T>::ObjectHandle CreateInverse(T const* ip_values) {
+  auto handle = CreateGlobalObject<MatrixObject<T>>();
+  internal::InvertMatrix(ip_values, handle->data());
+  return handle;
+}
+
+template <class T>
+typename MatrixPoolTypes<T>::ObjectHandle CreateIdentity() {
+  return CreateHandle<T>({1, 0, 0, 0,  //
+                          0, 1, 0, 0,  //
+                          0, 0, 1, 0,  //
+                          0, 0, 0, 1});
+}
+
+// Constant-initialised and never destroyed: valid before main and until the process is gone.
+template <class T>
+constinit NeverDestroyed<Lazy<typename MatrixPoolTypes<T>::ObjectHandle>> identity(&CreateIdentity<T>);
+
+template <class T>
+Values<T> MakeScale(T i_x, T i_y, T i_z) {
+  return {i_x, 0,   0,   0,  //
+          0,   i_y, 0,   0,  //
+          0,   0,   i_z, 0,  //
+          0,   0,   0,   1};
+}
+
+template <class T>
+Values<T> MakeTranslation(T i_x, T i_y, T i_z) {
+  return {1,   0,   0,   0,  //
+          0,   1,   0,   0,  //
+          0,   0,   1,   0,  //
+          i_x, i_y, i_z, 1};
+}
+
+template <class T>
+Values<T> MakeRotation(Vector<T, 3> const& i_axis, T i_sine, T i_cosine) {
+  auto const [x, y, z] = i_axis;
+  T const s = i_sine;
+  T const c = i_cosine;
+  T const t = 1 - c;
+  // clang-format off
+  return {x * (x * t) + c,     z * s + y * (x * t), z * (x * t) - y * s, 0,
+          y * (x * t) - z * s, y * (y * t) + c,     x * s + z * (y * t), 0,
+          y * s + z * (x * t), z * (y * t) - x * s, (t * z) * z + c,     0,
+          0,                   0,                   0,                   1};
+  // clang-format on
+}
+
+// The transpose of a transform: row 3 becomes column 3, and the translation is dropped.
+template <class T>
+Values<T> MakeTranspose(T const* s) {
+  return {s[0], s[4], s[8],  0,  //
+          s[1], s[5], s[9],  0,  //
+          s[2], s[6], s[10], 0,  //
+          s[3], s[7], s[11], 1};
+}
+
+template <class T>
+Values<T> MakeProduct(T const* a, T const* b) {
+  Values<T> product;
+  for (std::size_t column = 0; column < 16; column += 4) {
+    for (std::size_t row = 0; row < 4; ++row) {
+      product[row + column] =
+          ((b[column] * a[row] + b[column + 1] * a[row + 4]) + b[column + 2] * a[row + 8]) +
+          b[column + 3] * a[row + 12];
+    }
+  }
+  return product;
+}
+
+template <class T>
+bool IsFinite(T i_value) {
+  constexpr T infinity = std::numeric_limits<T>::infinity();
+  return -infinity < i_value && i_value < infinity;
+}
+
+// Throws rather than multiply by an object that is not there.
+template <class T>
+T const* GetInverseValues(typename MatrixPoolTypes<T>::ObjectHandle const& i_inverse, char const* i_message) {
+  if (!i_inverse) throw std::domain_error(i_message);
+  return i_inverse->data();
+}
+
+template <class T>
+typename MatrixPoolTypes<T>::Object* MakeMutable(typename MatrixPoolTypes<T>::ObjectHandle& io_handle) {
+  assert(io_handle && "a moved-from matrix, or the inverse of a matrix without one");
+  if (io_handle.GetReferenceCount() != 1) {
+    auto copy = CreateGlobalObject<MatrixObject<T>>();
+    std::copy_n(io_handle->data(), 16, copy->data());
+    io_handle = std::move(copy);
+  }
+  return io_handle.Get();
+}
+
+template <class T, class U>
+typename MatrixPoolTypes<T>::ObjectHandle Convert(typename MatrixPoolTypes<U>::ObjectHandle const& i_handle) {
+  auto handle = CreateGlobalObject<MatrixObject<T>>();
+  std::transform(i_handle->data(), i_handle->data() + 16, handle->data(),
+                 [](U i_value) { return static_cast<T>(i_value); });
+  return handle;
+}
+
+}  // namespace
+
+template <class T>
+constinit Lazy<typename Matrix<T>::ObjectHandle> const& Matrix<T>::mgh_identity = identity<T>.m_value;
+
+template <class T>
+Matrix<T>::Matrix() : m_transform(mgh_identity.GetValue()), m_inverse(mgh_identity.GetValue()) {}
+
+template <class T>
+Matrix<T>::Matrix(ObjectHandle i_transform, ObjectHandle i_inverse) noexcept
+    : m_transform(std::move(i_transform)), m_inverse(std::move(i_inverse)) {}
+
+template <class T>
+Matrix<T>::Matrix(T const* ip_values) : m_transform(CreateGlobalObject<Object>()) {
+  std::copy_n(ip_values, 16, m_transform->data());
+  m_inverse = CreateInverse(m_transform->data());
+}
+
+template <class T>
+Matrix<T>::Matrix(Point<T, 3> const& i_origin, Vector<T, 3> const& i_x, Vector<T, 3> const& i_y,
+                  Vector<T, 3> const& i_z)
+    : Matrix(Values<T>{i_x[0], i_x[1], i_x[2], 0,  //
+                       i_y[0], i_y[1], i_y[2], 0,  //
+                       i_z[0], i_z[1], i_z[2], 0,  //
+                       i_origin[0], i_origin[1], i_origin[2], 1}
+                 .data()) {}
+
+template <class T>
+template <class U>
+requires(!std::same_as<T, U>) Matrix<T>::Matrix(Matrix<U> const& i_other) { *this = i_other; }
+
+template <class T>
+template <class U>
+requires(!std::same_as<T, U>) Matrix<T>
+const& Matrix<T>::operator=(Matrix<U> const& i_other) {
+  assert(i_other.GetMatrix());
+  m_transform = Convert<T, U>(i_other.GetMatrix());
+  m_inverse = i_other.HasInverse() ? Convert<T, U>(i_other.GetMatrixInverse()) : ObjectHandle();
+  return *this;
+}
+
+template <class T>
+Matrix<T> Matrix<T>::Scale(T i_x, T i_y, T i_z) {
+  ObjectHandle transform = CreateHandle(MakeScale(i_x, i_y, i_z));
+  T const x = 1 / i_x;
+  T const y = 1 / i_y;
+  T const z = 1 / i_z;
+  if (!IsFinite(x) || !IsFinite(y) || !IsFinite(z)) return Matrix(std::move(transform), ObjectHandle());
+  return Matrix(std::move(transform), CreateHandle(MakeScale(x, y, z)));
+}
+
+template <class T>
+Matrix<T> Matrix<T>::Scale(T i_factor) {
+  return Scale(i_factor, i_factor, i_factor);
+}
+
+template <class T>
+Matrix<T> Matrix<T>::Translate(T i_x, T i_y, T i_z) {
+  ObjectHandle transform = CreateHandle(MakeTranslation(i_x, i_y, i_z));
+  return Matrix(std::move(transform), CreateHandle(MakeTranslation(-i_x, -i_y, -i_z)));
+}
+
+template <class T>
+Matrix<T> Matrix<T>::Translate(Vector<T, 3> const& i_offset) {
+  return Translate(i_offset[0], i_offset[1], i_offset[2]);
+}
+
+template <class T>
+Matrix<T> Matrix<T>::Rotate(Vector<T, 3> const& i_axis, T i_angle) {
+  if (i_angle == 0) return Matrix();
+  T const cosine = std::cos(i_angle);
+  ObjectHandle transform = CreateHandle(MakeRotation(i_axis, std::sin(i_angle), cosine));
+  return Matrix(std::move(transform), CreateHandle(MakeRotation(i_axis, std::sin(-i_angle), cosine)));
+}
+
+template <class T>
+Matrix<T> Matrix<T>::Normalize(T i_width, T i_height, T i_depth) {
+  if (0 >= i_width) throw std::invalid_argument("i_width must be strictly positive");
+  if (0 >= i_height) throw std::invalid_argument("i_height must be strictly positive");
+  if (0 >= i_depth) throw std::invalid_argument("i_depth must be strictly positive");
+  return Scale(2 / i_width, 2 / i_height, 2 / i_depth);
+}
+
+template <class T>
+T const* Matrix<T>::GetAsPtr() const noexcept {
+  assert(m_transform);
+  return m_transform->data();
+}
+
+template <class T>
+T Matrix<T>::operator()(int i_row, int i_column) const {
+  if ((static_cast<unsigned int>(i_row) | static_cast<unsigned int>(i_column)) > 3) {
+    throw std::invalid_argument("matrix element index out of bounds");
+  }
+  return GetAsPtr()[i_row + 4 * i_column];
+}
+
+template <class T>
+bool Matrix<T>::operator==(Matrix const& i_other) const noexcept {
+  // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison): byte for byte on purpose
+  return std::memcmp(GetAsPtr(), i_other.GetAsPtr(), sizeof(Values<T>)) == 0;
+}
+
+template <class T>
+bool Matrix<T>::IsKnownIdentity() const {
+  assert(m_transform);
+  return m_transform.Get() == mgh_identity.GetValue().Get();
+}
+
+template <class T>
+Matrix<T> Matrix<T>::GetInverse() const {
+  assert(m_transform);
+  if (!m_inverse) throw std::domain_error(no_inverse_message);
+  return Matrix(m_inverse, m_transform);
+}
+
+template <class T>
+Matrix<T> Matrix<T>::GetTranspose() const {
+  if (IsKnownIdentity()) return *this;
+  ObjectHandle transform = CreateHandle(MakeTranspose(GetAsPtr()));
+  if (!m_inverse) return Matrix(std::move(transform), ObjectHandle());
+  return Matrix(std::move(transform), CreateHandle(MakeTranspose<T>(m_inverse->data())));
+}
+
+// Complementary 2x2 minors of columns 0 and 1 against columns 2 and 3.
+template <class T>
+T Matrix<T>::GetDeterminant() const {
+  if (IsKnownIdentity()) return 1;
+  T const* const m = GetAsPtr();
+  T const a = (m[13] * m[8] - m[9] * m[12]) * (m[2] * m[7] - m[6] * m[3]);
+  T const b = (m[15] * m[8] - m[11] * m[12]) * (m[1] * m[6] - m[5] * m[2]);
+  T const c = (m[14] * m[9] - m[10] * m[13]) * (m[0] * m[7] - m[4] * m[3]);
+  T const d = (m[10] * m[15] - m[11] * m[14]) * (m[0] * m[5] - m[1] * m[4]);
+  T const e = (m[15] * m[9] - m[11] * m[13]) * (m[0] * m[6] - m[4] * m[2]);
+  T const f = (m[14] * m[8] - m[10] * m[12]) * (m[1] * m[7] - m[5] * m[3]);
+  return a + ((b + c + (d - e)) - f);
+}
+
+template <class T>
+Matrix<T> Matrix<T>::GetNormalTransform() const {
+  if (IsKnownIdentity()) return *this;
+  T const* const inverse = GetInverseValues<T>(m_inverse, "GetNormalTransform assumes an invertible matrix");
+  ObjectHandle transform = CreateHandle(MakeTranspose(inverse));
+  return Matrix(std::move(transform), CreateHandle(MakeTranspose(GetAsPtr())));
+}
+
+template <class T>
+Matrix<T> Matrix<T>::operator*(Matrix const& i_right) const {
+  assert(i_right.m_transform);
+  if (IsKnownIdentity()) return i_right;
+  if (i_right.IsKnownIdentity()) return *this;
+  ObjectHandle transform = CreateHandle(MakeProduct(GetAsPtr(), i_right.GetAsPtr()));
+  if (!m_inverse || !i_right.m_inverse) return Matrix(std::move(transform), ObjectHandle());
+  return Matrix(std::move(transform),
+                CreateHandle(MakeProduct<T>(i_right.m_inverse->data(), m_inverse->data())));
+}
+
+template <class T>
+Matrix<T>& Matrix<T>::operator*=(Matrix const& i_right) {
+  return *this = *this * i_right;
+}
+
+template <class T>
+Vector<T, 3> Matrix<T>::operator*(Vector<T, 3> const& i_vector) const {
+  if (IsKnownIdentity()) return i_vector;
+  T const* const m = GetAsPtr();
+  auto const [x, y, z] = i_vector;
+  return {((m[0] * x + m[4] * y) + m[8] * z) + m[12] * 0,  //
+          ((m[1] * x + m[5] * y) + m[9] * z) + m[13] * 0,  //
+          ((m[2] * x + m[6] * y) + m[10] * z) + m[14] * 0};
+}
+
+template <class T>
+Point<T, 3> Matrix<T>::operator*(Point<T, 3> const& i_point) const {
+  if (IsKnownIdentity()) return i_point;
+  T const* const m = GetAsPtr();
+  auto const [x, y, z] = i_point;
+  return {((m[0] * x + m[4] * y) + m[8] * z) + m[12],  //
+          ((m[1] * x + m[5] * y) + m[9] * z) + m[13],  //
+          ((m[2] * x + m[6] * y) + m[10] * z) + m[14]};
+}
+
+// A plane is carried by the transpose of the inverse, applied to its homogeneous row (a, b, c, -d).
+template <class T>
+Plane<T> Matrix<T>::operator*(Plane<T> const& i_plane) const {
+  if (IsKnownIdentity()) return i_plane;
+  T const* const m = GetInverseValues<T>(m_inverse, no_inverse_message);
+  T const a = i_plane.GetA();
+  T const b = i_plane.GetB();
+  T const c = i_plane.GetC();
+  T const d = -i_plane.GetD();
+  return Plane<T>(((m[0] * a + m[1] * b) + m[2] * c) + m[3] * d,    //
+                  ((m[4] * a + m[5] * b) + m[6] * c) + m[7] * d,    //
+                  ((m[8] * a + m[9] * b) + m[10] * c) + m[11] * d,  //
+                  -(((m[12] * a + m[13] * b) + m[14] * c) + m[15] * d));
+}
+
+template <class T>
+typename Matrix<T>::Object* Matrix<T>::GetMutableInternal() {
+  return MakeMutable<T>(m_transform);
+}
+
+template <class T>
+typename Matrix<T>::Object* Matrix<T>::GetMutableInverseInternal() {
+  return MakeMutable<T>(m_inverse);
+}
+
+template class Matrix<float>;
+template class Matrix<double>;
+
+template Matrix<float>::Matrix(Matrix<double> const&);
+template Matrix<double>::Matrix(Matrix<float> const&);
+template Matrix<float> const& Matrix<float>::operator=(Matrix<double> const&);
+template Matrix<double> const& Matrix<double>::operator=(Matrix<float> const&);
+
+}  // namespace lum

@@ -1,0 +1,152 @@
+#pragma once
+
+#include <concepts>
+
+#include "Utility/Lazy.h"
+#include "geometry/Export.h"
+#include "geometry/GlobalObjectPool.h"
+#include "geometry/Plane.h"
+#include "geometry/Point.h"
+#include "geometry/Vector.h"
+
+namespace lum {
+
+/// The types behind `Matrix<T>`: `Object`, `ObjectPool` and `ObjectHandle`.
+template <class T>
+using MatrixPoolTypes = PoolTypes<MatrixObject<T>>;
+
+/// A 4x4 transform that carries its own inverse.
+///
+/// Column vectors: in (A * B) * p, B is applied to p first. Values are numbered column by column: value
+/// r + 4 c stands at row r, column c. Angles are in radians, rotations right-handed.
+///
+/// A matrix is two handles onto pooled objects: the transform, and its inverse or nothing. Copying shares
+/// both. A shared object is never written: every operation builds fresh objects, and its inverse in closed
+/// form beside it, so that inverting swaps two handles. An inverse is kept as it was built; it is never
+/// recomputed and never checked.
+///
+/// A default-constructed matrix shares the one identity object. That object is recognised by its address (a
+/// *known identity*); operations with it share instead of computing.
+///
+/// A moved-from matrix may be destroyed and assigned to; any other use is caught by an assertion in builds
+/// without NDEBUG.
+///
+/// Thread safety: one matrix must not be written while another thread uses it. Matrices that merely share
+/// objects may be used on different threads freely.
+///
+/// Errors: whatever takes a pooled object passes on what the pool throws (`std::bad_alloc`) and leaves its
+/// operands as they were.
+///
+/// \tparam T  `float` or `double`, which is also the precision of all arithmetic
+template <class T>
+class Matrix {
+ public:
+  using Object = typename MatrixPoolTypes<T>::Object;
+  using ObjectHandle = typename MatrixPoolTypes<T>::ObjectHandle;
+
+  /// The known identity.
+  Matrix();
+  Matrix(Matrix const&) = default;
+  Matrix(Matrix&&) noexcept = default;
+  /// Shares the objects of two handles, the second of which may be empty. Nothing is checked.
+  Matrix(ObjectHandle i_transform, ObjectHandle i_inverse) noexcept;
+  /// Copies 16 values, column by column, and inverts them. A singular matrix gets an inverse of infinities
+  /// and NaNs.
+  explicit Matrix(T const* ip_values);
+  /// The frame that maps the unit axes onto the three vectors, taken as they are, and (0, 0, 0) onto the
+  /// origin; inverted like the matrix from values.
+  Matrix(Point<T, 3> const& i_origin, Vector<T, 3> const& i_x, Vector<T, 3> const& i_y,
+         Vector<T, 3> const& i_z);
+  /// Converts transform and inverse value by value: rounded to the nearest float, or widened exactly. Shares
+  /// nothing, so the result is never a known identity. Without an inverse there, there is none here.
+  template <class U>
+  requires(!std::same_as<T, U>) Matrix(Matrix<U> const& i_other);
+
+  Matrix& operator=(Matrix const&) = default;
+  Matrix& operator=(Matrix&&) noexcept = default;
+  /// Converts as the constructor does. If taking the second object fails, this matrix has its new transform
+  /// and its old inverse. Returns a reference to const.
+  template <class U>
+  requires(!std::same_as<T, U>) Matrix const& operator=(Matrix<U> const& i_other);
+
+  /// Scales along the axes. Without an inverse when a reciprocal is infinite or NaN.
+  static Matrix Scale(T i_x, T i_y, T i_z);
+  static Matrix Scale(T i_factor);
+  static Matrix Translate(T i_x, T i_y, T i_z);
+  static Matrix Translate(Vector<T, 3> const& i_offset);
+  /// Rotates about an axis through the origin. The axis is taken as it is: one that is not of unit length
+  /// does not give a rigid motion. The inverse turns through the negated angle. An angle of zero gives the
+  /// known identity.
+  static Matrix Rotate(Vector<T, 3> const& i_axis, T i_angle);
+  /// Maps a box of these extents, centred on the origin, onto the cube from -1 to 1.
+  ///
+  /// The first extent that is not strictly positive throws `std::invalid_argument`. A NaN is let through and
+  /// gives a matrix without inverse.
+  static Matrix Normalize(T i_width, T i_height, T i_depth);
+
+  /// The handles onto the transform and onto the inverse; the latter is empty when there is none.
+  ObjectHandle const& GetMatrix() const noexcept { return m_transform; }
+  ObjectHandle const& GetMatrixInverse() const noexcept { return m_inverse; }
+  /// The 16 values of the transform, column by column; valid as long as something holds the object.
+  T const* GetAsPtr() const noexcept;
+  /// The value at a row and a column; an index outside 0 to 3 throws `std::invalid_argument`.
+  T operator()(int i_row, int i_column) const;
+  /// Compares the transforms byte for byte: zeros of opposite sign differ, equal NaNs do not. The inverses
+  /// are not compared.
+  bool operator==(Matrix const& i_other) const noexcept;
+  bool IsKnownIdentity() const;
+
+  bool HasInverse() const noexcept { return static_cast<bool>(m_inverse); }
+  /// Always true: every matrix is taken to be affine; row 3 is not looked at.
+  bool IsAffine() const noexcept { return true; }
+  /// Swaps the two handles. Without an inverse throws `std::domain_error`.
+  Matrix GetInverse() const;
+  /// The transpose of the upper-left 3x3 block, with row 3 moved into column 3 and row 3 set to (0, 0, 0, 1):
+  /// the translation is dropped. Has an inverse when this matrix has one.
+  Matrix GetTranspose() const;
+  /// The determinant of all 4x4 values; exactly 1 for the known identity.
+  T GetDeterminant() const;
+  /// The matrix that carries normals along: the transpose of the inverse. Without an inverse throws
+  /// `std::domain_error`.
+  Matrix GetNormalTransform() const;
+
+  /// The full 4x4 product, with the product of the inverses when both factors have one. A known identity as
+  /// a factor gives a copy of the other factor.
+  Matrix operator*(Matrix const& i_right) const;
+  Matrix& operator*=(Matrix const& i_right);
+  /// Component i is ((M(i,0) x + M(i,1) y) + M(i,2) z) + M(i,3) 0: a translation that is not finite shows.
+  Vector<T, 3> operator*(Vector<T, 3> const& i_vector) const;
+  /// Component i is ((M(i,0) x + M(i,1) y) + M(i,2) z) + M(i,3). Row 3 is not used; nothing is divided.
+  Point<T, 3> operator*(Point<T, 3> const& i_point) const;
+  /// The plane through the images of the plane's points, normalised.
+  ///
+  /// Without an inverse throws `std::domain_error`; an image normal whose squared length is below the
+  /// smallest normal value throws `std::invalid_argument`, like the constructor of `Plane`.
+  Plane<T> operator*(Plane<T> const& i_plane) const;
+
+  /// The transform for writing: this matrix's own object, or a fresh copy if it was shared. The other handle
+  /// is left alone: whoever writes one of the two keeps the other in step.
+  Object* GetMutableInternal();
+  /// The same for the inverse, which must exist: an assertion holds the caller to it.
+  Object* GetMutableInverseInternal();
+
+  /// The handle onto the identity object, which is made on first use and never written. Valid from before
+  /// `main` to the end of the process.
+  static Lazy<ObjectHandle> const& mgh_identity;
+
+ private:
+  // Never empty, except in a moved-from matrix.
+  ObjectHandle m_transform;
+  // Destroyed first, as members are in reverse order.
+  ObjectHandle m_inverse;
+};
+
+extern template class LUM_EXPORT Matrix<float>;
+extern template class LUM_EXPORT Matrix<double>;
+
+extern template LUM_EXPORT Matrix<float>::Matrix(Matrix<double> const&);
+extern template LUM_EXPORT Matrix<double>::Matrix(Matrix<float> const&);
+extern template LUM_EXPORT Matrix<float> const& Matrix<float>::operator=(Matrix<double> const&);
+extern template LUM_EXPORT Matrix<double> const& Matrix<double>::operator=(Matrix<float> const&);
+
+}  // namespace lum

@@ -1,0 +1,150 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <type_traits>
+
+#include "Utility/optional.h"
+#include "geometry/ObjectPoolPolicy.h"
+
+namespace lum {
+
+/// A block of `Size` objects of T, with the ring of its free slots and a reference count for each object.
+///
+/// The ring hands slots out first in, first out. Takes read it in the same cyclic order in which returns
+/// write it:
+///
+///     ring entry    0    1    2    3   ...  31        a slot index, or kTaken
+///                        ^              ^
+///         m_take_position mod 32        m_return_position mod 32
+///
+///     use count     bit 63: superseded, bits 0 to 62: objects handed out and reservations in flight
+///
+/// A take exchanges the entry that it reads for kTaken. A return claims its position, stores its slot and
+/// only then lowers the use count. The pool lets one take in at a time, so return n claims its position after
+/// take n has read there: no return overwrites an entry that is still to be read. A take that finds kTaken
+/// has met a return between its claim and its store; it takes nothing and calls the block full.
+///
+/// The block frees nothing itself: whoever brings the use count to "superseded, none in use" is told so by
+/// the call that did it, and is the only one to be told.
+///
+/// Objects are raw storage. No constructor or destructor of T ever runs, and a recycled slot still holds the
+/// bytes of its previous object.
+///
+/// Thread safety: `ReturnSlot` from any number of threads at once. `TakeSlot` and `Supersede` are serialised
+/// by the caller (the pool's current-block mutex, or a block that no other thread knows yet).
+///
+/// \tparam Size       objects in the block; a power of two, so that the ring goes on without a gap when a
+///                    position wraps
+/// \tparam Alignment  the least alignment of the objects in bytes
+template <class T, std::size_t Size, std::size_t Alignment, class Policy = ObjectPoolPolicy>
+class ObjectPoolBlock {
+  static_assert(std::is_trivially_destructible_v<T>, "a pool never runs a destructor of its objects");
+  static_assert(sizeof(unsigned long) == 8, "positions and marks are 64-bit words");
+  static_assert(Size > 0 && Alignment > 0 && (Alignment & (Alignment - 1)) == 0);
+
+ public:
+  using ReferenceCount = typename Policy::template Atomic<unsigned long>;
+
+  ObjectPoolBlock() noexcept;
+  ObjectPoolBlock(ObjectPoolBlock const&) = delete;
+  ObjectPoolBlock& operator=(ObjectPoolBlock const&) = delete;
+
+  /// Reserves a slot and takes it from the ring; empty when the block is full.
+  optional<std::size_t> TakeSlot() noexcept;
+
+  /// Puts the slot of an object back on the ring. Lock-free.
+  /// \return true when this left the superseded block empty: the caller frees it. Otherwise the caller must
+  /// not touch the block again, since another thread may free it at any time.
+  [[nodiscard]] bool ReturnSlot(T const* ip_object) noexcept;
+
+  /// Marks the block as no longer current; from now on its last return frees it.
+  /// \return true when no slot is in use: the caller frees the block.
+  [[nodiscard]] bool Supersede() noexcept;
+
+  T* GetObject(std::size_t i_slot) noexcept { return m_objects + i_slot; }
+  ReferenceCount* GetReferenceCount(std::size_t i_slot) noexcept { return &m_reference_counts[i_slot]; }
+
+ private:
+  friend struct ObjectPoolTestAccess;
+
+  using Counter = typename Policy::template Atomic<unsigned long>;
+  using Entry = typename Policy::template AtomicRef<unsigned long>;
+
+  // Enumerators, since static data members of an exported template would be exported too.
+  enum : unsigned long {
+    kSuperseded = 1UL << 63,
+    kTaken = ~0UL,
+    kLastPosition = ~0UL,
+    // Objects stand on cache lines of their own where their size allows. Callers may also be compiled for
+    // wide vectors and then use aligned accesses of up to 64 bytes on the objects that they are handed.
+    kPlacement = Alignment > 64 ? Alignment : 64
+  };
+
+  static std::size_t ClaimPosition(Counter& io_position) noexcept;
+
+  // Changed only by atomic read-modify-writes, so the one that reaches kSuperseded alone is unique.
+  Counter m_use_count{0};
+  // Running count of takes, advanced by the one take that the caller lets in; atomic all the same.
+  Counter m_take_position{0};
+  // Plain words, accessed only through atomic references once the block is shared: a take may look at an
+  // entry that a return is about to store.
+  std::array<unsigned long, Size> m_free_slots;
+  // Running count of returns; each return owns the position that it claimed here.
+  Counter m_return_position{0};
+  // 0 while a slot is free; afterwards changed by the handles onto the slot's object.
+  std::array<ReferenceCount, Size> m_reference_counts{};
+  // The layout must not depend on alignof(T), which varies with the caller's vector flags: raw bytes with
+  // room to move the first object up, and a pointer to it, set once before the block is shared.
+  std::array<unsigned char, Size * sizeof(T) + kPlacement> m_storage;
+  T* m_objects;
+};
+
+template <class T, std::size_t Size, std::size_t Alignment, class Policy>
+ObjectPoolBlock<T, Size, Alignment, Policy>::ObjectPoolBlock() noexcept {
+  auto const address = reinterpret_cast<std::uintptr_t>(m_storage.data());
+  m_objects = reinterpret_cast<T*>(m_storage.data() + (kPlacement - address % kPlacement) % kPlacement);
+  for (std::size_t slot = 0; slot < Size; ++slot) m_free_slots[slot] = slot;
+}
+
+template <class T, std::size_t Size, std::size_t Alignment, class Policy>
+optional<std::size_t> ObjectPoolBlock<T, Size, Alignment, Policy>::TakeSlot() noexcept {
+  if (m_use_count.fetch_add(1) >= Size) {
+    m_use_count.fetch_sub(1);
+    return nullopt;
+  }
+  Entry entry(m_free_slots[m_take_position.load() % Size]);
+  unsigned long const slot = entry.exchange(kTaken);
+  if (slot == kTaken) {
+    m_use_count.fetch_sub(1);
+    return nullopt;
+  }
+  ClaimPosition(m_take_position);
+  return slot;
+}
+
+template <class T, std::size_t Size, std::size_t Alignment, class Policy>
+bool ObjectPoolBlock<T, Size, Alignment, Policy>::ReturnSlot(T const* ip_object) noexcept {
+  auto const slot = static_cast<unsigned long>(ip_object - m_objects);
+  Entry(m_free_slots[ClaimPosition(m_return_position)]).store(slot);
+  return m_use_count.fetch_sub(1) == (kSuperseded | 1);
+}
+
+template <class T, std::size_t Size, std::size_t Alignment, class Policy>
+bool ObjectPoolBlock<T, Size, Alignment, Policy>::Supersede() noexcept {
+  return m_use_count.fetch_or(kSuperseded) == 0;
+}
+
+// At their last value the positions are reset rather than left to wrap in the add; the plain load first
+// keeps a compare-exchange that would fail off every other call.
+template <class T, std::size_t Size, std::size_t Alignment, class Policy>
+std::size_t ObjectPoolBlock<T, Size, Alignment, Policy>::ClaimPosition(Counter& io_position) noexcept {
+  unsigned long last = kLastPosition;
+  if (io_position.load() == kLastPosition && io_position.compare_exchange_strong(last, 0)) {
+    return kLastPosition % Size;
+  }
+  return io_position.fetch_add(1) % Size;
+}
+
+}  // namespace lum

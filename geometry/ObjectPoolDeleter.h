@@ -1,0 +1,22 @@
+#pragma once
+
+namespace lum {
+
+/// Returns an object to the block that holds it. Callable when both pointers are set.
+///
+/// Thread safety: any number of deleters may be called at once for distinct objects.
+template <class T, class Pool, class Block>
+struct ObjectPoolDeleter {
+  Pool* mp_pool = nullptr;    ///< the pool that handed the object out
+  Block* mp_block = nullptr;  ///< the block that holds the object
+
+  explicit operator bool() const noexcept { return mp_pool != nullptr && mp_block != nullptr; }
+
+  /// Puts the object's slot back on its block's ring, and frees the block if that was the last return to a
+  /// block that is no longer current.
+  void operator()(T* ip_object) const noexcept {
+    if (mp_block->ReturnSlot(ip_object)) delete mp_block;
+  }
+};
+
+}  // namespace lum

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "geometry/Export.h"
+#include "geometry/Vector.h"
+
+namespace lum {
+
+/// The points (x, y, z) with a x + b y + c z = d, where (a, b, c) is a unit normal and d the signed distance
+/// of the plane from the origin along it.
+///
+/// A plain value without shared state.
+///
+/// \tparam T  `float` or `double`
+template <class T>
+class Plane {
+ public:
+  /// Divides all four values by the length of (i_a, i_b, i_c).
+  ///
+  /// A squared length below the smallest normal value of T throws `std::invalid_argument`; one that is NaN
+  /// does not, and gives NaNs.
+  Plane(T i_a, T i_b, T i_c, T i_d);
+
+  constexpr T GetA() const noexcept { return m_a; }
+  constexpr T GetB() const noexcept { return m_b; }
+  constexpr T GetC() const noexcept { return m_c; }
+  constexpr T GetD() const noexcept { return m_d; }
+  constexpr Vector<T, 3> GetNormal() const noexcept { return {m_a, m_b, m_c}; }
+
+  /// Numeric comparison of the four values.
+  friend constexpr bool operator==(Plane const&, Plane const&) noexcept = default;
+
+ private:
+  T m_a = 0;
+  T m_b = 0;
+  T m_c = 0;
+  T m_d = 0;
+};
+
+extern template class LUM_EXPORT Plane<float>;
+extern template class LUM_EXPORT Plane<double>;
+
+}  // namespace lum

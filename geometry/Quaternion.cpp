@@ -1,0 +1,141 @@
+#include "geometry/Quaternion.h"
+
+#include <algorithm>
+#include <cassert>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+#include "Utility/NeverDestroyed.h"
+#include "geometry/EigenAlgorithms.h"
+#include "geometry/StrictArithmetic.h"
+
+namespace lum {
+namespace {
+
+using Coefficients = std::array<float, 4>;
+
+Quaternionf::ObjectHandle CreateHandle(Coefficients const& i_coefficients) {
+  auto handle = CreateGlobalObject<QuaternionObject>();
+  std::copy(i_coefficients.begin(), i_coefficients.end(), handle->coeffs().data());
+  return handle;
+}
+
+Quaternionf::ObjectHandle CreateIdentity() { return CreateHandle({0, 0, 0, 1}); }
+
+// Constant-initialised and never destroyed: valid before main and until the process is gone.
+constinit NeverDestroyed<Lazy<Quaternionf::ObjectHandle>> identity(&CreateIdentity);
+
+Coefficients MakeRotation(Vector<float, 3> const& i_axis, float i_angle) {
+  float const half = i_angle * 0.5F;
+  float const cosine = std::cos(half);
+  float const sine = std::sin(half);
+  return {i_axis[0] * sine, i_axis[1] * sine, i_axis[2] * sine, cosine};
+}
+
+// Dot products of coefficients are summed in pairs.
+float DotInPairs(float const* a, float const* b) {
+  return (a[0] * b[0] + a[1] * b[1]) + (a[2] * b[2] + a[3] * b[3]);
+}
+
+}  // namespace
+
+constinit Lazy<Quaternionf::ObjectHandle> const& Quaternionf::mgh_identity = identity.m_value;
+
+Quaternionf::Quaternionf() : m_handle(mgh_identity.GetValue()) {}
+
+Quaternionf::Quaternionf(Matrix<float> const& i_matrix)
+    : m_handle(CreateHandle(internal::ExtractRotation(i_matrix.GetAsPtr()))) {}
+
+Quaternionf::Quaternionf(Vector<float, 3> i_axis, float i_angle)
+    : m_handle(CreateHandle(MakeRotation(i_axis, i_angle))) {}
+
+Quaternionf::Quaternionf(ObjectHandle i_handle) noexcept : m_handle(std::move(i_handle)) {}
+
+Quaternionf Quaternionf::operator*(Quaternionf const& i_right) const {
+  auto const [x1, y1, z1, w1] = GetCoefficients();
+  auto const [x2, y2, z2, w2] = i_right.GetCoefficients();
+  return Quaternionf(CreateHandle({w1 * x2 + x1 * w2 + y1 * z2 - z1 * y2,  //
+                                   w1 * y2 + y1 * w2 + z1 * x2 - x1 * z2,  //
+                                   w1 * z2 + z1 * w2 + x1 * y2 - y1 * x2,  //
+                                   w1 * w2 - x1 * x2 - y1 * y2 - z1 * z2}));
+}
+
+Matrix<float> Quaternionf::GetAsMatrix() const {
+  if (IsKnownIdentity()) return {};
+  auto const [x, y, z, w] = GetCoefficients();
+  float const X = 2 * x;
+  float const Y = 2 * y;
+  float const Z = 2 * z;
+  // clang-format off
+  std::array<float, 16> const values = {
+      1 - (Y * y + Z * z), x * Y + w * Z,       x * Z - Y * w,       0,
+      x * Y - w * Z,       1 - (Z * z + x * X), y * Z + X * w,       0,
+      x * Z + Y * w,       y * Z - X * w,       1 - (Y * y + x * X), 0,
+      0,                   0,                   0,                   1};
+  // clang-format on
+  return Matrix<float>(values.data());
+}
+
+bool Quaternionf::IsKnownIdentity() const {
+  assert(m_handle);
+  return m_handle.Get() == mgh_identity.GetValue().Get();
+}
+
+std::array<float, 4> Quaternionf::GetCoefficients() const {
+  float const* const values = GetValues();
+  return {values[0], values[1], values[2], values[3]};
+}
+
+Vector<float, 3> Quaternionf::Transform(Vector<float, 3> const& i_vector) const {
+  auto const [x, y, z, w] = GetCoefficients();
+  auto const [a, b, c] = i_vector;
+  float const ux = 2 * (y * c - z * b);
+  float const uy = 2 * (z * a - x * c);
+  float const uz = 2 * (x * b - y * a);
+  return {(a + w * ux) + (y * uz - z * uy),  //
+          (b + w * uy) + (z * ux - x * uz),  //
+          (c + w * uz) + (x * uy - y * ux)};
+}
+
+Vector<float, 3> Quaternionf::InverseTransform(Vector<float, 3> const& i_vector) const {
+  return GetAsMatrix().GetInverse() * i_vector;
+}
+
+// NOLINTNEXTLINE(performance-unnecessary-value-param): by value is the signature
+bool Quaternionf::IsApproximately(Quaternionf i_other, float i_tolerance) const {
+  float const* const a = GetValues();
+  float const* const b = i_other.GetValues();
+  Coefficients const difference = {a[0] - b[0], a[1] - b[1], a[2] - b[2], a[3] - b[3]};
+  return DotInPairs(difference.data(), difference.data()) <=
+         i_tolerance * i_tolerance * std::min(DotInPairs(a, a), DotInPairs(b, b));
+}
+
+// NOLINTNEXTLINE(performance-unnecessary-value-param): by value is the signature
+Quaternionf Quaternionf::Slerp(float i_t, Quaternionf i_other) const {
+  constexpr float one = 1 - std::numeric_limits<float>::epsilon();
+  float const* const a = GetValues();
+  float const* const b = i_other.GetValues();
+  float const dot = DotInPairs(a, b);
+  float const cosine = std::abs(dot);
+  float s0 = 1 - i_t;
+  float s1 = i_t;
+  if (!(cosine >= one)) {
+    float const theta = std::acos(cosine);
+    float const sine = std::sin(theta);
+    s0 = std::sin((1 - i_t) * theta) / sine;
+    s1 = std::sin(i_t * theta) / sine;
+  }
+  if (dot < 0) s1 = -s1;
+  return Quaternionf(CreateHandle({s0 * a[0] + s1 * b[0],  //
+                                   s0 * a[1] + s1 * b[1],  //
+                                   s0 * a[2] + s1 * b[2],  //
+                                   s0 * a[3] + s1 * b[3]}));
+}
+
+float const* Quaternionf::GetValues() const noexcept {
+  assert(m_handle);
+  return m_handle->coeffs().data();
+}
+
+}  // namespace lum

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <array>
+
+#include "Utility/Lazy.h"
+#include "geometry/Export.h"
+#include "geometry/GlobalObjectPool.h"
+#include "geometry/Matrix.h"
+#include "geometry/Vector.h"
+
+namespace lum {
+
+/// A rotation quaternion in single precision: x, y, z (the vector part), then w (the scalar part).
+///
+/// A value is one handle onto a pooled object that is never written once filled; copying shares it. The
+/// default value shares the one identity object, which is recognised by its address (the *known identity*).
+/// Unit length is not an invariant: nothing is ever normalised, and no argument is checked.
+///
+/// A moved-from quaternion may be destroyed and assigned to; any other use is caught by an assertion in
+/// builds without NDEBUG.
+///
+/// Thread safety: one value must not be written while another thread uses it. Values that share an object may
+/// be used on different threads freely.
+///
+/// Errors: whatever takes a pooled object passes on what the pool throws (`std::bad_alloc`).
+class LUM_EXPORT Quaternionf {
+ public:
+  using Object = PoolTypes<QuaternionObject>::Object;
+  using ObjectHandle = PoolTypes<QuaternionObject>::ObjectHandle;
+
+  /// The known identity, (0, 0, 0, 1).
+  Quaternionf();
+  /// The rotation of the upper-left 3x3 block, freed of scale and shear by its polar decomposition. A block
+  /// with a value that is not finite gives NaNs. Never a known identity.
+  explicit Quaternionf(Matrix<float> const& i_matrix);
+  /// The rotation about an axis through an angle in radians, right-handed. The axis is taken as it is: one of
+  /// length L gives a vector part L times too long.
+  Quaternionf(Vector<float, 3> i_axis, float i_angle);
+  /// Shares the object of a handle.
+  explicit Quaternionf(ObjectHandle i_handle) noexcept;
+
+  /// The Hamilton product: rotates by i_right first, then by this. Always a fresh object.
+  Quaternionf operator*(Quaternionf const& i_right) const;
+
+  /// The rotation matrix, with its inverse; for the known identity, the known identity. The formula takes the
+  /// quaternion to be of unit length.
+  Matrix<float> GetAsMatrix() const;
+  bool IsKnownIdentity() const;
+  /// x, y, z, w.
+  std::array<float, 4> GetCoefficients() const;
+
+  /// v + w u + q x u with u = 2 (q x v), where q is the vector part.
+  Vector<float, 3> Transform(Vector<float, 3> const& i_vector) const;
+  /// Applies the inverse of `GetAsMatrix`: for unit length, the opposite rotation.
+  Vector<float, 3> InverseTransform(Vector<float, 3> const& i_vector) const;
+
+  /// Whether |a - b|^2 <= tolerance^2 min(|a|^2, |b|^2) over the coefficients. So q and -q, the same
+  /// rotation, are not approximately equal.
+  bool IsApproximately(Quaternionf i_other, float i_tolerance) const;
+  /// Spherical interpolation along the shorter arc, from this at i_t = 0 to i_other at i_t = 1; the linear
+  /// blend where the two are too close for an angle. Not renormalised.
+  Quaternionf Slerp(float i_t, Quaternionf i_other) const;
+
+  /// The handle onto the identity object, which is made on first use and never written. Valid from before
+  /// `main` to the end of the process.
+  static Lazy<ObjectHandle> const& mgh_identity;
+
+ private:
+  float const* GetValues() const noexcept;
+
+  // Never empty, except in a moved-from value.
+  ObjectHandle m_handle;
+};
+
+}  // namespace lum
