@@ -1,0 +1,241 @@
+#pragma once
+
+#include <atomic>
+#include <condition_variable>
+#include <cstddef>
+#include <exception>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <stdexcept>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace lum::test {
+
+enum class Operation {
+  kLoad,
+  kStore,
+  kExchange,
+  kAdd,
+  kSubtract,
+  kOr,
+  kCompareExchange,
+  kLock,
+  kTryLock,
+  kUnlock
+};
+
+/// Runs actors, each on a thread of its own, one atomic or mutex operation at a time.
+///
+/// Only one actor runs at once, and only when the test steps it: every operation of the stepped types below
+/// stops before it takes effect. So a test replays an interleaving literally, and accesses of the stepped
+/// types are ordered by this class's mutex. Threads that are not actors pass through without stopping.
+class Stepper {
+ public:
+  using Actor = std::size_t;
+
+  Stepper() = default;
+  Stepper(Stepper const&) = delete;
+  Stepper& operator=(Stepper const&) = delete;
+  /// Lets every actor finish.
+  ~Stepper() {
+    for (std::size_t round = 0; round < kStepLimit; ++round) {
+      for (auto const& state : m_actors) Step(*state);
+    }
+    for (auto const& state : m_actors) state->thread.join();
+  }
+
+  /// Starts an actor and lets it run up to its first operation.
+  Actor Add(std::function<void()> i_body) {
+    m_actors.push_back(std::make_unique<State>());
+    State& state = *m_actors.back();
+    state.stepper = this;
+    state.is_running = true;
+    state.thread = std::thread([this, &state, body = std::move(i_body)] {
+      Current() = &state;
+      body();
+      std::lock_guard<std::mutex> const lock(m_mutex);
+      state.is_done = true;
+      state.is_running = false;
+      m_changed.notify_all();
+    });
+    std::unique_lock<std::mutex> lock(m_mutex);
+    m_changed.wait(lock, [&state] { return !state.is_running; });
+    return m_actors.size() - 1;
+  }
+
+  /// Steps the actor until its next operation is this one; false when it ends or blocks on a lock before.
+  bool RunTo(Actor i_actor, Operation i_operation, void const* ip_address) {
+    State& state = *m_actors[i_actor];
+    for (std::size_t step = 0; step < kStepLimit; ++step) {
+      if (!state.is_done && state.operation == i_operation && state.address == ip_address) return true;
+      if (!Step(state)) return false;
+    }
+    return false;
+  }
+
+  /// Takes one step; false when the actor has ended or is blocked.
+  bool Step(Actor i_actor) { return Step(*m_actors[i_actor]); }
+
+  /// Steps the actor to its end; false when it blocks on a lock before.
+  bool Finish(Actor i_actor) {
+    State& state = *m_actors[i_actor];
+    for (std::size_t step = 0; step < kStepLimit && Step(state); ++step) {
+    }
+    return state.is_done;
+  }
+
+  /// Called by the stepped types before each operation.
+  static void Announce(Operation i_operation, void const* ip_address, bool const* ip_is_held = nullptr) {
+    if (Current() != nullptr) Current()->stepper->Stop(*Current(), i_operation, ip_address, ip_is_held);
+    if (Observer()) Observer()(ip_address);
+  }
+
+  /// Is called with the address of every operation, at the moment it takes effect.
+  static std::function<void(void const*)>& Observer() {
+    static std::function<void(void const*)> observer;
+    return observer;
+  }
+
+ private:
+  // More than any scenario takes; a spinning actor ends here.
+  static constexpr std::size_t kStepLimit = 5000;
+
+  struct State {
+    std::thread thread;
+    Stepper* stepper = nullptr;
+    Operation operation{};
+    void const* address = nullptr;
+    bool const* is_held = nullptr;  // the state of the mutex that the next operation locks
+    bool is_running = false;
+    bool is_done = false;
+  };
+
+  static State*& Current() {
+    thread_local State* current = nullptr;
+    return current;
+  }
+
+  bool Step(State& io_state) {
+    std::unique_lock<std::mutex> lock(m_mutex);
+    if (io_state.is_done || (io_state.is_held != nullptr && *io_state.is_held)) return false;
+    io_state.is_running = true;
+    m_changed.notify_all();
+    m_changed.wait(lock, [&io_state] { return !io_state.is_running; });
+    return true;
+  }
+
+  void Stop(State& io_state, Operation i_operation, void const* ip_address, bool const* ip_is_held) {
+    std::unique_lock<std::mutex> lock(m_mutex);
+    io_state.operation = i_operation;
+    io_state.address = ip_address;
+    io_state.is_held = ip_is_held;
+    io_state.is_running = false;
+    m_changed.notify_all();
+    m_changed.wait(lock, [&io_state] { return io_state.is_running; });
+  }
+
+  // Guards the states of all actors.
+  std::mutex m_mutex;
+  std::condition_variable m_changed;
+  std::vector<std::unique_ptr<State>> m_actors;
+};
+
+template <class Word>
+class SteppedAtomicRef {
+ public:
+  explicit SteppedAtomicRef(Word& io_word) : m_word(io_word) {}
+
+  Word load(std::memory_order = std::memory_order_seq_cst) const { return At(Operation::kLoad); }
+  void store(Word i_value) const { At(Operation::kStore) = i_value; }
+  Word exchange(Word i_value) const { return std::exchange(At(Operation::kExchange), i_value); }
+  Word fetch_add(Word i_value) const {
+    Word& word = At(Operation::kAdd);
+    return std::exchange(word, word + i_value);
+  }
+  Word fetch_sub(Word i_value) const {
+    Word& word = At(Operation::kSubtract);
+    return std::exchange(word, word - i_value);
+  }
+  Word fetch_or(Word i_value) const {
+    Word& word = At(Operation::kOr);
+    return std::exchange(word, word | i_value);
+  }
+  bool compare_exchange_strong(Word& io_expected, Word i_value) const {
+    Word& word = At(Operation::kCompareExchange);
+    if (word != io_expected) {
+      io_expected = word;
+      return false;
+    }
+    word = i_value;
+    return true;
+  }
+
+ private:
+  Word& At(Operation i_operation) const {
+    Stepper::Announce(i_operation, &m_word);
+    return m_word;
+  }
+
+  Word& m_word;
+};
+
+template <class Word>
+class SteppedAtomic {
+ public:
+  SteppedAtomic(Word i_value = 0) : m_word(i_value) {}
+
+  Word load(std::memory_order i_order = std::memory_order_seq_cst) const { return Ref().load(i_order); }
+  void store(Word i_value) { Ref().store(i_value); }
+  Word fetch_add(Word i_value) { return Ref().fetch_add(i_value); }
+  Word fetch_sub(Word i_value) { return Ref().fetch_sub(i_value); }
+  Word fetch_or(Word i_value) { return Ref().fetch_or(i_value); }
+  bool compare_exchange_strong(Word& io_expected, Word i_value) {
+    return Ref().compare_exchange_strong(io_expected, i_value);
+  }
+
+ private:
+  SteppedAtomicRef<Word> Ref() const { return SteppedAtomicRef<Word>(m_word); }
+
+  mutable Word m_word;
+};
+
+/// A mutex that a stepped actor blocks on visibly, and that can be told to fail.
+class SteppedMutex {
+ public:
+  void lock() {
+    Stepper::Announce(Operation::kLock, this, &m_is_held);
+    if (m_locks_before_failure == 0) throw std::runtime_error("the mutex cannot be locked");
+    if (m_locks_before_failure > 0) --m_locks_before_failure;
+    if (m_is_held) throw std::logic_error("deadlock");
+    m_is_held = true;
+  }
+  bool try_lock() {
+    Stepper::Announce(Operation::kTryLock, this);
+    return !std::exchange(m_is_held, true);
+  }
+  void unlock() {
+    Stepper::Announce(Operation::kUnlock, this);
+    m_is_held = false;
+  }
+
+  /// From now on this many locks succeed and all later ones throw; a negative number lifts that.
+  void FailAfter(int i_locks) { m_locks_before_failure = i_locks; }
+
+ private:
+  bool m_is_held = false;
+  int m_locks_before_failure = -1;
+};
+
+/// Pools built from this are stepped; the code that runs is the library's own.
+struct SteppedPolicy {
+  template <class Word>
+  using Atomic = SteppedAtomic<Word>;
+  template <class Word>
+  using AtomicRef = SteppedAtomicRef<Word>;
+  using Mutex = SteppedMutex;
+};
+
+}  // namespace lum::test
