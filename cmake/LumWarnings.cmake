@@ -3,6 +3,6 @@ function(lum_warnings target)
   if(PROJECT_IS_TOP_LEVEL)
     target_compile_options(
       ${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wold-style-cast
-                        -Wnon-virtual-dtor -Wdouble-promotion)
+                        -Wnon-virtual-dtor)
   endif()
 endfunction()

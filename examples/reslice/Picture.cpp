@@ -1,0 +1,54 @@
+#include "reslice/Picture.h"
+
+#include <png.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+#include <stdexcept>
+#include <system_error>
+
+namespace reslice {
+
+Picture StretchContrast(std::size_t i_width, std::size_t i_height, std::vector<double> const& i_samples) {
+  std::vector<double> inside;
+  std::copy_if(i_samples.begin(), i_samples.end(), std::back_inserter(inside),
+               [](double i_sample) { return !std::isnan(i_sample); });
+  std::sort(inside.begin(), inside.end());
+  std::size_t const tail = inside.size() / 200;
+  double const dark = inside.empty() ? 0 : inside[tail];
+  double const bright = inside.empty() ? 0 : inside[inside.size() - 1 - tail];
+  double const scale = bright > dark ? 255 / (bright - dark) : 0;
+
+  Picture picture{i_width, i_height, {}};
+  picture.pixels.reserve(i_samples.size());
+  for (double const sample : i_samples) {
+    double const grey = std::isnan(sample) ? 0 : std::clamp((sample - dark) * scale, 0.0, 255.0);
+    picture.pixels.push_back(static_cast<std::uint8_t>(std::lround(grey)));
+  }
+  return picture;
+}
+
+void WritePng(Picture const& i_picture, std::string const& i_path) {
+  png_image image{};
+  image.version = PNG_IMAGE_VERSION;
+  image.width = static_cast<png_uint_32>(i_picture.width);
+  image.height = static_cast<png_uint_32>(i_picture.height);
+  image.format = PNG_FORMAT_GRAY;
+
+  std::string const part = i_path + ".part";
+  if (png_image_write_to_file(&image, part.c_str(), 0, i_picture.pixels.data(), 0, nullptr) == 0) {
+    std::string const reason = image.message;
+    std::remove(part.c_str());
+    throw std::runtime_error("cannot write " + i_path + ": " + reason);
+  }
+  std::error_code error;
+  std::filesystem::rename(part, i_path, error);
+  if (error) {
+    std::remove(part.c_str());
+    throw std::runtime_error("cannot write " + i_path + ": " + error.message());
+  }
+}
+
+}  // namespace reslice

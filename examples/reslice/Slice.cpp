@@ -1,0 +1,97 @@
+#include "reslice/Slice.h"
+
+#include <geometry/Point.h>
+#include <geometry/Quaternion.h>
+
+#include <algorithm>
+#include <cmath>
+#include <stdexcept>
+
+namespace reslice {
+namespace {
+
+using Point = lum::Point<double, 3>;
+using Vector = lum::Vector<double, 3>;
+
+// A rotation in single precision leaves about 1e-7 where a quarter turn has 0, which would smear every voxel
+// of a slice that lies on the grid. Components that close to -1, 0 or 1 are meant to be that.
+double Snap(float i_component) {
+  float const nearest = std::round(i_component);
+  return static_cast<double>(std::abs(i_component - nearest) < 1e-6F ? nearest : i_component);
+}
+
+Vector Turn(lum::Quaternionf const& i_rotation, lum::Vector<float, 3> const& i_vector) {
+  auto const [x, y, z] = i_rotation.Transform(i_vector);
+  return {Snap(x), Snap(y), Snap(z)};
+}
+
+Point GetMiddle(Volume const& i_volume) {
+  auto const [i, j, k] = i_volume.size;
+  return {static_cast<double>(i / 2), static_cast<double>(j / 2), static_cast<double>(k / 2)};
+}
+
+// How many pixels the slice reaches from its middle to either side.
+struct Reach {
+  double left;
+  double right;
+  double down;
+  double up;
+};
+
+Reach ReachOf(std::size_t i_size) {
+  auto const before = static_cast<double>(i_size / 2);
+  double const after = static_cast<double>(i_size) - 1 - before;
+  return {before, after, before, after};
+}
+
+// Far enough for the centres of all voxels.
+Reach ReachOf(Volume const& i_volume, lum::Matrix<double> const& i_voxel_to_plane) {
+  Reach reach{};
+  for (unsigned corner = 0; corner < 8; ++corner) {
+    Point voxel;
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+      if ((corner >> axis & 1) != 0) voxel[axis] = static_cast<double>(i_volume.size[axis] - 1);
+    }
+    auto const [x, y, z] = i_voxel_to_plane * voxel;
+    reach.left = std::max(reach.left, std::floor(-x));
+    reach.right = std::max(reach.right, std::floor(x));
+    reach.down = std::max(reach.down, std::floor(-y));
+    reach.up = std::max(reach.up, std::floor(y));
+  }
+  return reach;
+}
+
+}  // namespace
+
+Slice PlaceSlice(Volume const& i_volume, Placement const& i_placement) {
+  if (!(lum::GetLength(i_placement.axis) > 0)) throw std::invalid_argument("the axis has length zero");
+  lum::Quaternionf const rotation(lum::GetNormalized(i_placement.axis),
+                                  static_cast<float>(i_placement.angle));
+  Vector const x = Turn(rotation, {1, 0, 0});
+  Vector const y = Turn(rotation, {0, 1, 0});
+  Vector const z = Turn(rotation, {0, 0, 1});
+  Point const middle = i_volume.voxel_to_world * GetMiddle(i_volume) + z * i_placement.offset;
+
+  lum::Matrix<double> const plane_to_world(middle, x, y, z);
+  Reach const reach = i_placement.size
+                          ? ReachOf(*i_placement.size)
+                          : ReachOf(i_volume, plane_to_world.GetInverse() * i_volume.voxel_to_world);
+  return {static_cast<std::size_t>(reach.left + reach.right) + 1,
+          static_cast<std::size_t>(reach.down + reach.up) + 1,
+          plane_to_world * lum::Matrix<double>::Translate(-reach.left, -reach.down, 0)};
+}
+
+Samples Resample(Volume const& i_volume, Slice const& i_slice) {
+  lum::Matrix<double> const pixel_to_voxel = i_volume.voxel_to_world.GetInverse() * i_slice.pixel_to_world;
+  Samples samples;
+  samples.reserve(i_slice.width * i_slice.height);
+  for (std::size_t row = 0; row < i_slice.height; ++row) {
+    auto const y = static_cast<double>(i_slice.height - 1 - row);
+    for (std::size_t column = 0; column < i_slice.width; ++column) {
+      samples.push_back(i_volume.Sample(pixel_to_voxel * Point(static_cast<double>(column), y, 0)));
+    }
+  }
+  return samples;
+}
+
+}  // namespace reslice
