@@ -16,7 +16,8 @@ struct Placement {
   lum::Vector<float, 3> axis{0, 0, 1};  ///< what the plane is turned about, of any length but zero
   double angle = 0;                     ///< radians, right-handed
   double offset = 0;                    ///< millimetres along the turned normal
-  std::optional<std::size_t> size;      ///< pixels along each side; as many as show the whole volume if empty
+  std::optional<std::size_t> size =
+      std::nullopt;  ///< pixels along each side; as many as show the whole volume if empty
 };
 
 /// A grid of pixels of one square millimetre in the world: column right along the plane's x axis, row 0 on

@@ -46,9 +46,11 @@ std::vector<unsigned char> ReadBytes(nifti_image const& i_image, std::size_t i_c
     is_whole = read > 0;
     if (is_whole) done += static_cast<std::size_t>(read);
   }
-  // The checksum follows the last voxel.
-  unsigned char beyond = 0;
-  is_whole = is_whole && gzread(file, &beyond, 1) >= 0;
+  // The checksum stands at the very end, behind whatever follows the voxels.
+  std::array<unsigned char, 4096> rest{};
+  int read_on = is_whole ? 1 : 0;
+  while (read_on > 0) read_on = gzread(file, rest.data(), static_cast<unsigned>(rest.size()));
+  is_whole = is_whole && read_on == 0;
   if ((file != nullptr && gzclose_r(file) != Z_OK) || !is_whole) {
     throw std::runtime_error(std::string(i_image.iname) + " is truncated or damaged");
   }
