@@ -1,6 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <barrier>
+#include <functional>
+#include <memory>
 #include <stdexcept>
+#include <thread>
+#include <vector>
 
 #include "Utility/Lazy.h"
 #include "support/Throws.h"
@@ -8,9 +14,74 @@
 namespace lum {
 namespace {
 
+int MakeSeven() { return 7; }
+
+// Constant initialisation is what makes a Lazy usable before main; constinit refuses anything else.
+constinit Lazy<int> constant_initialised(&MakeSeven);
+
 TEST(Lazy, RefusesAnEmptyFunction) {
-  EXPECT_TRUE(test::Throws<std::invalid_argument>([] { Lazy<int> lazy{std::function<int()>()}; },
+  EXPECT_TRUE(test::Throws<std::invalid_argument>([] { Lazy<int> const lazy{std::function<int()>()}; },
                                                   "i_function must be callable."));
+  EXPECT_TRUE(test::Throws<std::invalid_argument>(
+      [] { Lazy<int> const lazy(static_cast<int (*)()>(nullptr)); }, "i_function must be callable."));
+}
+
+TEST(Lazy, RunsItsFactoryOnTheFirstRequestAndOnce) {
+  int runs = 0;
+  Lazy<int> const lazy([&runs] { return ++runs; });
+  EXPECT_EQ(runs, 0);
+  EXPECT_EQ(lazy.GetValue(), 1);
+  EXPECT_EQ(lazy.GetValue(), 1);
+  EXPECT_EQ(runs, 1);
+  EXPECT_EQ(&lazy.GetValue(), &lazy.GetValue());
+}
+
+TEST(Lazy, TakesAPlainFunction) { EXPECT_EQ(constant_initialised.GetValue(), 7); }
+
+TEST(Lazy, TriesAgainAfterAFactoryThatThrew) {
+  int runs = 0;
+  Lazy<int> const lazy([&runs] {
+    if (++runs == 1) throw std::runtime_error("not yet");
+    return 5;
+  });
+  EXPECT_TRUE(test::Throws<std::runtime_error>([&] { lazy.GetValue(); }, "not yet"));
+  EXPECT_EQ(lazy.GetValue(), 5);
+  EXPECT_EQ(runs, 2);
+}
+
+TEST(Lazy, ReleasesItsValueAtItsEnd) {
+  auto const value = std::make_shared<int>(3);
+  {
+    Lazy<std::shared_ptr<int>> const lazy([&value] { return value; });
+    EXPECT_EQ(value.use_count(), 1);
+    lazy.GetValue();
+    EXPECT_EQ(value.use_count(), 2);
+  }
+  EXPECT_EQ(value.use_count(), 1);
+}
+
+// All threads pass the barrier before the value exists. The factory counts its runs; whoever did not run it
+// waits, and then reads the same object.
+TEST(Lazy, RunsItsFactoryOnceHoweverManyThreadsAsk) {
+  constexpr std::size_t threads = 8;
+  for (int round = 0; round < 200; ++round) {
+    std::atomic<int> runs{0};
+    Lazy<int> const lazy([&runs] { return ++runs; });
+    std::barrier start(threads);
+    std::vector<int const*> addresses(threads);
+    {
+      std::vector<std::jthread> workers;
+      for (int const*& address : addresses) {
+        workers.emplace_back([&lazy, &start, &address] {
+          start.arrive_and_wait();
+          address = &lazy.GetValue();
+        });
+      }
+    }
+    EXPECT_EQ(runs, 1);
+    for (int const* const address : addresses) EXPECT_EQ(address, addresses[0]);
+    EXPECT_EQ(*addresses[0], 1);
+  }
 }
 
 }  // namespace

@@ -1,0 +1,36 @@
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "geometry/Range.h"
+
+namespace lum {
+namespace {
+
+static_assert(Range<double>(1, 2).GetLower() == 1 && Range<double>(1, 2).GetUpper() == 2);
+static_assert(!Range<double>(1, 2).IsEmpty());
+static_assert(Range<double>(1, 2) != Range<double>(1, 3));
+
+TEST(Range, WithEqualEndsHoldsOneValue) {
+  Range<double> const range(3, 3);
+  EXPECT_FALSE(range.IsEmpty());
+  EXPECT_TRUE(range.Contains(3));
+  EXPECT_FALSE(range.Contains(3.5));
+}
+
+TEST(Range, WithTheLowerEndAboveTheUpperIsEmpty) {
+  Range<double> const range(2, 1);
+  EXPECT_TRUE(range.IsEmpty());
+  EXPECT_FALSE(range.Contains(1.5));
+}
+
+TEST(Range, ContainsItsEnds) {
+  Range<float> const range(-1, 2);
+  EXPECT_TRUE(range.Contains(-1));
+  EXPECT_TRUE(range.Contains(2));
+  EXPECT_FALSE(range.Contains(2.5F));
+  EXPECT_FALSE(range.Contains(std::numeric_limits<float>::quiet_NaN()));
+}
+
+}  // namespace
+}  // namespace lum
