@@ -134,8 +134,12 @@ typename MatrixPoolTypes<T>::ObjectHandle Convert(typename MatrixPoolTypes<U>::O
 
 }  // namespace
 
-template <class T>
-constinit Lazy<typename Matrix<T>::ObjectHandle> const& Matrix<T>::mgh_identity = identity<T>.m_value;
+template <>
+constinit Lazy<MatrixPoolTypes<float>::ObjectHandle> const& Matrix<float>::mgh_identity =
+    identity<float>.m_value;
+template <>
+constinit Lazy<MatrixPoolTypes<double>::ObjectHandle> const& Matrix<double>::mgh_identity =
+    identity<double>.m_value;
 
 template <class T>
 Matrix<T>::Matrix() : m_transform(mgh_identity.GetValue()), m_inverse(mgh_identity.GetValue()) {}

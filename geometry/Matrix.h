@@ -39,7 +39,7 @@ using MatrixPoolTypes = PoolTypes<MatrixObject<T>>;
 ///
 /// \tparam T  `float` or `double`, which is also the precision of all arithmetic
 template <class T>
-class Matrix {
+class LUM_EXPORT Matrix {
  public:
   using Object = typename MatrixPoolTypes<T>::Object;
   using ObjectHandle = typename MatrixPoolTypes<T>::ObjectHandle;
@@ -141,8 +141,13 @@ class Matrix {
   ObjectHandle m_inverse;
 };
 
-extern template class LUM_EXPORT Matrix<float>;
-extern template class LUM_EXPORT Matrix<double>;
+template <>
+LUM_EXPORT Lazy<MatrixPoolTypes<float>::ObjectHandle> const& Matrix<float>::mgh_identity;
+template <>
+LUM_EXPORT Lazy<MatrixPoolTypes<double>::ObjectHandle> const& Matrix<double>::mgh_identity;
+
+extern template class Matrix<float>;
+extern template class Matrix<double>;
 
 extern template LUM_EXPORT Matrix<float>::Matrix(Matrix<double> const&);
 extern template LUM_EXPORT Matrix<double>::Matrix(Matrix<float> const&);

@@ -1,15 +1,250 @@
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cmath>
+#include <limits>
+#include <stdexcept>
+#include <type_traits>
+#include <utility>
+
 #include "geometry/Matrix.h"
+#include "support/Throws.h"
+#include "support/Values.h"
 
 namespace lum {
 namespace {
 
-TEST(Matrix, AppliesTheRightFactorFirst) {
-  Matrix<float> const product = Matrix<float>::Translate(1, 2, 3) * Matrix<float>::Scale(2);
-  Point<float, 3> const point = product * Point<float, 3>(1, 1, 1);
-  EXPECT_EQ(point, (Point<float, 3>(3, 4, 5)));
+using test::AreSameBits;
+using test::Diagonal;
+using test::InverseValuesOf;
+using test::Values;
+using test::ValuesOf;
+
+template <class T>
+class MatrixOf : public testing::Test {
+ protected:
+  static constexpr T nan = std::numeric_limits<T>::quiet_NaN();
+  static constexpr T infinity = std::numeric_limits<T>::infinity();
+
+  static Matrix<T> MakeWithoutInverse() { return Matrix<T>::Scale(0, 1, 1); }
+};
+using Precisions = testing::Types<float, double>;
+TYPED_TEST_SUITE(MatrixOf, Precisions);
+
+static_assert(std::is_nothrow_move_constructible_v<Matrix<float>>);
+static_assert(std::is_nothrow_move_assignable_v<Matrix<double>>);
+static_assert(!std::is_convertible_v<float const*, Matrix<float>>);
+
+TYPED_TEST(MatrixOf, IsTheKnownIdentityByDefault) {
+  Matrix<TypeParam> const identity;
+  EXPECT_TRUE(identity.IsKnownIdentity());
+  EXPECT_EQ(ValuesOf(identity), (Diagonal<TypeParam>(1, 1, 1)));
+  EXPECT_EQ(identity.GetMatrix().Get(), identity.GetMatrixInverse().Get());
+  EXPECT_EQ(identity.GetMatrix().Get(), Matrix<TypeParam>::mgh_identity.GetValue().Get());
+  Matrix<TypeParam> const copy = identity;
+  EXPECT_TRUE(copy.IsKnownIdentity());
 }
+
+TYPED_TEST(MatrixOf, WithTheIdentitysValuesIsEqualButNotKnown) {
+  Values<TypeParam> const values = Diagonal<TypeParam>(1, 1, 1);
+  Matrix<TypeParam> const built(values.data());
+  EXPECT_FALSE(built.IsKnownIdentity());
+  EXPECT_TRUE(built == Matrix<TypeParam>());
+  EXPECT_FALSE(built != Matrix<TypeParam>());
+}
+
+TYPED_TEST(MatrixOf, CopiesShareBothObjects) {
+  Matrix<TypeParam> const matrix = Matrix<TypeParam>::Translate(1, 2, 3);
+  EXPECT_EQ(matrix.GetMatrix().GetReferenceCount(), 1U);
+  {
+    Matrix<TypeParam> const copy = matrix;
+    EXPECT_EQ(copy.GetMatrix().Get(), matrix.GetMatrix().Get());
+    EXPECT_EQ(copy.GetMatrixInverse().Get(), matrix.GetMatrixInverse().Get());
+    EXPECT_EQ(matrix.GetMatrix().GetReferenceCount(), 2U);
+    EXPECT_EQ(matrix.GetMatrixInverse().GetReferenceCount(), 2U);
+  }
+  EXPECT_EQ(matrix.GetMatrix().GetReferenceCount(), 1U);
+}
+
+TYPED_TEST(MatrixOf, MovingTakesBothHandlesAndLeavesNone) {
+  Matrix<TypeParam> source = Matrix<TypeParam>::Translate(1, 2, 3);
+  auto* const object = source.GetMatrix().Get();
+  Matrix<TypeParam> target = std::move(source);
+  EXPECT_EQ(target.GetMatrix().Get(), object);
+  EXPECT_EQ(target.GetMatrix().GetReferenceCount(), 1U);
+  EXPECT_FALSE(source.GetMatrix());  // NOLINT(bugprone-use-after-move): the state after it is what is tested
+  EXPECT_FALSE(source.GetMatrixInverse());
+  source = target;
+  EXPECT_EQ(target.GetMatrix().GetReferenceCount(), 2U);
+  target = std::move(source);
+  EXPECT_EQ(target.GetMatrix().GetReferenceCount(), 1U);
+}
+
+TYPED_TEST(MatrixOf, AssignmentToItselfChangesNoCount) {
+  Matrix<TypeParam> matrix = Matrix<TypeParam>::Translate(1, 2, 3);
+  Matrix<TypeParam> const& alias = matrix;
+  matrix = alias;
+  EXPECT_EQ(matrix.GetMatrix().GetReferenceCount(), 1U);
+  EXPECT_EQ(matrix.GetMatrixInverse().GetReferenceCount(), 1U);
+}
+
+TYPED_TEST(MatrixOf, AssignmentCanTakeTheInverseAway) {
+  Matrix<TypeParam> matrix = Matrix<TypeParam>::Translate(1, 2, 3);
+  matrix = this->MakeWithoutInverse();
+  EXPECT_FALSE(matrix.HasInverse());
+}
+
+TYPED_TEST(MatrixOf, FromHandlesSharesThem) {
+  Matrix<TypeParam> const a = Matrix<TypeParam>::Scale(2);
+  Matrix<TypeParam> const b = Matrix<TypeParam>::Scale(3);
+  Matrix<TypeParam> const both(a.GetMatrix(), b.GetMatrix());
+  EXPECT_EQ(both.GetMatrix().Get(), a.GetMatrix().Get());
+  EXPECT_EQ(both.GetMatrixInverse().Get(), b.GetMatrix().Get());
+  EXPECT_EQ(a.GetMatrix().GetReferenceCount(), 2U);
+  Matrix<TypeParam> const one(a.GetMatrix(), {});
+  EXPECT_FALSE(one.HasInverse());
+}
+
+TYPED_TEST(MatrixOf, FromValuesTakesThemColumnByColumn) {
+  Values<TypeParam> const values = {2, 1, 0, 3, 0, 1, 0, 0, 5, 0, 1, 0, 7, 8, 9, 1};
+  Matrix<TypeParam> const matrix(values.data());
+  EXPECT_EQ(ValuesOf(matrix), values);
+  EXPECT_EQ(matrix(0, 3), 7) << "the x translation";
+  EXPECT_EQ(matrix(3, 0), 3);
+  for (int row = 0; row < 4; ++row) {
+    for (int column = 0; column < 4; ++column) {
+      EXPECT_EQ(matrix(row, column), values[static_cast<std::size_t>(row + 4 * column)]);
+    }
+  }
+}
+
+TYPED_TEST(MatrixOf, FromValuesHoldsTheInverse) {
+  std::mt19937 random(7);
+  for (int i = 0; i < 100; ++i) {
+    Values<TypeParam> values = test::MakeRandomValues<TypeParam>(random);
+    for (std::size_t diagonal = 0; diagonal < 16; diagonal += 5) values[diagonal] += 4;
+    Matrix<TypeParam> const matrix(values.data());
+    Matrix<TypeParam> const product = matrix * matrix.GetInverse();
+    for (std::size_t k = 0; k < 16; ++k) {
+      EXPECT_NEAR(ValuesOf(product)[k], k % 5 == 0 ? 1 : 0, 16 * std::numeric_limits<TypeParam>::epsilon())
+          << "seed 7";
+    }
+  }
+}
+
+TYPED_TEST(MatrixOf, FromSingularValuesHoldsAnInverseThatIsNotFinite) {
+  Values<TypeParam> const values = {1, 2, 3, 0, 2, 4, 6, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+  Matrix<TypeParam> const matrix(values.data());
+  EXPECT_TRUE(matrix.HasInverse());
+  EXPECT_EQ(matrix.GetDeterminant(), 0);
+  bool is_finite = true;
+  for (TypeParam const value : InverseValuesOf(matrix)) is_finite = is_finite && std::isfinite(value);
+  EXPECT_FALSE(is_finite);
+}
+
+TYPED_TEST(MatrixOf, FromAFrameHasItsVectorsAsColumns) {
+  Matrix<TypeParam> const frame({10, 20, 30}, {0, 2, 0}, {-1, 0, 0}, {0, 0, 4});
+  EXPECT_EQ(ValuesOf(frame), (Values<TypeParam>{0, 2, 0, 0, -1, 0, 0, 0, 0, 0, 4, 0, 10, 20, 30, 1}));
+  EXPECT_EQ(frame * (Point<TypeParam, 3>(Origin)), (Point<TypeParam, 3>(10, 20, 30)));
+  EXPECT_EQ(frame * (Vector<TypeParam, 3>(0, 1, 0)), (Vector<TypeParam, 3>(-1, 0, 0)));
+  EXPECT_EQ(frame.GetInverse() * (Point<TypeParam, 3>(10, 20, 34)), (Point<TypeParam, 3>(0, 0, 1)));
+}
+
+TYPED_TEST(MatrixOf, RefusesIndicesOutOfBounds) {
+  Matrix<TypeParam> const matrix;
+  constexpr int least = std::numeric_limits<int>::min();
+  constexpr int most = std::numeric_limits<int>::max();
+  for (auto const& [row, column] : std::initializer_list<std::pair<int, int>>{
+           {4, 0}, {0, 4}, {0, -1}, {-1, 0}, {-1, -1}, {least, 0}, {0, most}}) {
+    EXPECT_TRUE(test::Throws<std::invalid_argument>([&, row = row, column = column] { matrix(row, column); },
+                                                    "matrix element index out of bounds"));
+  }
+}
+
+TYPED_TEST(MatrixOf, ComparesBytes) {
+  Values<TypeParam> values = Diagonal<TypeParam>(1, 1, 1);
+  Matrix<TypeParam> const positive(values.data());
+  values[1] = -TypeParam(0);
+  EXPECT_TRUE(positive != Matrix<TypeParam>(values.data())) << "zeros of opposite sign";
+  values[1] = this->nan;
+  EXPECT_TRUE(Matrix<TypeParam>(values.data()) == Matrix<TypeParam>(values.data())) << "equal NaNs";
+}
+
+TYPED_TEST(MatrixOf, ComparisonIgnoresTheInverse) {
+  Matrix<TypeParam> const with = Matrix<TypeParam>::Scale(2);
+  EXPECT_TRUE(with == Matrix<TypeParam>(with.GetMatrix(), {}));
+}
+
+TYPED_TEST(MatrixOf, MakingACopyMutableLeavesTheOriginalAlone) {
+  Matrix<TypeParam> const original = Matrix<TypeParam>::Translate(1, 2, 3);
+  Matrix<TypeParam> copy = original;
+  (*copy.GetMutableInternal())(0, 3) = 9;
+  EXPECT_EQ(original(0, 3), 1);
+  EXPECT_EQ(copy(0, 3), 9);
+  EXPECT_EQ(copy(1, 3), 2) << "the other values are copied";
+  EXPECT_EQ(copy.GetMatrix().GetReferenceCount(), 1U);
+  EXPECT_EQ(original.GetMatrix().GetReferenceCount(), 1U);
+  EXPECT_EQ(copy.GetMatrixInverse().Get(), original.GetMatrixInverse().Get());
+}
+
+TYPED_TEST(MatrixOf, MakingTheInverseMutableLeavesTheTransformAlone) {
+  Matrix<TypeParam> const original = Matrix<TypeParam>::Translate(1, 2, 3);
+  Matrix<TypeParam> copy = original;
+  (*copy.GetMutableInverseInternal())(0, 3) = 9;
+  EXPECT_EQ(InverseValuesOf(original)[12], -1);
+  EXPECT_EQ(InverseValuesOf(copy)[12], 9);
+  EXPECT_EQ(copy.GetMatrix().Get(), original.GetMatrix().Get());
+}
+
+TYPED_TEST(MatrixOf, AMatrixThatNobodySharesIsMutableAsItIs) {
+  Matrix<TypeParam> matrix = Matrix<TypeParam>::Translate(1, 2, 3);
+  auto* const object = matrix.GetMatrix().Get();
+  EXPECT_EQ(matrix.GetMutableInternal(), object);
+  auto* const inverse = matrix.GetMatrixInverse().Get();
+  EXPECT_EQ(matrix.GetMutableInverseInternal(), inverse);
+}
+
+TYPED_TEST(MatrixOf, MakingTheIdentityMutableMovesOffIt) {
+  Matrix<TypeParam> matrix;
+  (*matrix.GetMutableInternal())(0, 0) = 5;
+  EXPECT_FALSE(matrix.IsKnownIdentity());
+  EXPECT_TRUE(Matrix<TypeParam>().IsKnownIdentity());
+  EXPECT_EQ(Matrix<TypeParam>()(0, 0), 1);
+}
+
+#ifndef NDEBUG
+using MatrixDeathTest = testing::Test;
+
+TEST(MatrixDeathTest, AssertionsCatchTheUseOfAMovedFromMatrix) {
+  Matrix<float> source = Matrix<float>::Scale(2);
+  Matrix<float> target = std::move(source);
+  // NOLINTBEGIN(bugprone-use-after-move): that is what is tested
+  EXPECT_DEATH(source.GetAsPtr(), "Assertion");
+  EXPECT_DEATH(source(0, 0), "Assertion");
+  EXPECT_DEATH(source.IsKnownIdentity(), "Assertion");
+  EXPECT_DEATH(source.GetInverse(), "Assertion");
+  EXPECT_DEATH(source.GetTranspose(), "Assertion");
+  EXPECT_DEATH(source.GetDeterminant(), "Assertion");
+  EXPECT_DEATH(source.GetNormalTransform(), "Assertion");
+  EXPECT_DEATH(source * target, "Assertion");
+  EXPECT_DEATH(target * source, "Assertion");
+  EXPECT_DEATH(Matrix<float>() * source, "Assertion");
+  EXPECT_DEATH(target *= source, "Assertion");
+  EXPECT_DEATH((source * Vector<float, 3>(1, 2, 3)), "Assertion");
+  EXPECT_DEATH((source * Point<float, 3>(1, 2, 3)), "Assertion");
+  EXPECT_DEATH(source * Plane<float>(1, 2, 3, 4), "Assertion");
+  EXPECT_DEATH((void)(source == target), "Assertion");
+  EXPECT_DEATH((void)(target == source), "Assertion");
+  EXPECT_DEATH(source.GetMutableInternal(), "Assertion");
+  EXPECT_DEATH(Matrix<double>{source}, "Assertion");
+  // NOLINTEND(bugprone-use-after-move)
+}
+
+TEST(MatrixDeathTest, AnAssertionCatchesTheWritingOfAnAbsentInverse) {
+  Matrix<float> matrix = Matrix<float>::Scale(0);
+  EXPECT_DEATH(matrix.GetMutableInverseInternal(), "Assertion");
+}
+#endif
 
 }  // namespace
 }  // namespace lum

@@ -1,0 +1,8 @@
+execute_process(COMMAND "${PLAIN}" OUTPUT_VARIABLE plain COMMAND_ERROR_IS_FATAL ANY)
+execute_process(COMMAND "${NATIVE}" OUTPUT_VARIABLE native COMMAND_ERROR_IS_FATAL ANY)
+if(NOT plain MATCHES "seed [0-9]+\n" OR NOT plain MATCHES "Slerp")
+  message(FATAL_ERROR "The program printed no results:\n${plain}")
+endif()
+if(NOT plain STREQUAL native)
+  message(FATAL_ERROR "plain:\n${plain}\n-O3 -march=native:\n${native}")
+endif()

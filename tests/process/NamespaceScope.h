@@ -1,0 +1,10 @@
+#pragma once
+
+#include "geometry/Matrix.h"
+#include "geometry/Quaternion.h"
+
+/// Built at namespace scope in NamespaceScopeValues.cpp.
+extern lum::Matrix<float> const translation;
+extern lum::Matrix<double> const product;
+extern lum::Quaternionf const rotation;
+extern lum::Matrix<float> const default_matrix;
