@@ -22,5 +22,9 @@ install(
         "${PROJECT_SOURCE_DIR}/cmake/LumEigen.cmake" "${PROJECT_SOURCE_DIR}/cmake/FindEigen3.cmake"
   DESTINATION "${lum_package_dir}")
 
+# Relative to the file itself, so that the installed tree can be moved.
+file(RELATIVE_PATH lum_pc_libdir "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_FULL_LIBDIR}")
+file(RELATIVE_PATH lum_pc_includedir "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig"
+     "${CMAKE_INSTALL_FULL_INCLUDEDIR}/lum")
 configure_file("${PROJECT_SOURCE_DIR}/cmake/lum.pc.in" "${PROJECT_BINARY_DIR}/lum.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/lum.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
