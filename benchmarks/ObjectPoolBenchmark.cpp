@@ -29,7 +29,7 @@ BENCHMARK(TakeAndReturn)->ThreadRange(1, 2)->UseRealTime();
 void CopyAHandle(benchmark::State& io_state) {
   auto const handle = GetPool().CreateObject();
   for ([[maybe_unused]] auto const iteration : io_state) {
-    auto copy = handle;
+    auto copy = handle;  // NOLINT(performance-unnecessary-copy-initialization): what is measured
     benchmark::DoNotOptimize(copy.Get());
   }
 }

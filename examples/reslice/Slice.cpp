@@ -25,9 +25,14 @@ Vector Turn(lum::Quaternionf const& i_rotation, lum::Vector<float, 3> const& i_v
   return {Snap(x), Snap(y), Snap(z)};
 }
 
+// A voxel, not a point between two: the pixels of a straight slice fall on voxels.
 Point GetMiddle(Volume const& i_volume) {
-  auto const [i, j, k] = i_volume.size;
-  return {static_cast<double>(i / 2), static_cast<double>(j / 2), static_cast<double>(k / 2)};
+  Point middle;
+  for (std::size_t axis = 0; axis < 3; ++axis) {
+    std::size_t const voxel = i_volume.size[axis] / 2;
+    middle[axis] = static_cast<double>(voxel);
+  }
+  return middle;
 }
 
 // How many pixels the slice reaches from its middle to either side.
@@ -39,9 +44,10 @@ struct Reach {
 };
 
 Reach ReachOf(std::size_t i_size) {
-  auto const before = static_cast<double>(i_size / 2);
-  double const after = static_cast<double>(i_size) - 1 - before;
-  return {before, after, before, after};
+  std::size_t const before = i_size / 2;
+  auto const low = static_cast<double>(before);
+  auto const high = static_cast<double>(i_size - 1 - before);
+  return {low, high, low, high};
 }
 
 // Far enough for the centres of all voxels.

@@ -38,7 +38,7 @@ lum::Matrix<double> ToMatrix(mat44 const& i_affine) {
 std::vector<unsigned char> ReadBytes(nifti_image const& i_image, std::size_t i_count) {
   constexpr std::size_t largest_read = std::size_t{1} << 30;
   std::vector<unsigned char> bytes(i_count);
-  gzFile const file = gzopen(i_image.iname, "rb");
+  gzFile file = gzopen(i_image.iname, "rb");
   bool is_whole = file != nullptr && gzseek(file, i_image.iname_offset, SEEK_SET) == i_image.iname_offset;
   for (std::size_t done = 0; is_whole && done < i_count;) {
     int const read =

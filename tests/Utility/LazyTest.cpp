@@ -50,7 +50,7 @@ TEST(Lazy, TriesAgainAfterAFactoryThatThrew) {
 }
 
 TEST(Lazy, ReleasesItsValueAtItsEnd) {
-  auto const value = std::make_shared<int>(3);
+  auto value = std::make_shared<int>(3);
   {
     Lazy<std::shared_ptr<int>> const lazy([&value] { return value; });
     EXPECT_EQ(value.use_count(), 1);
@@ -71,6 +71,7 @@ TEST(Lazy, RunsItsFactoryOnceHoweverManyThreadsAsk) {
     std::vector<int const*> addresses(threads);
     {
       std::vector<std::jthread> workers;
+      workers.reserve(threads);
       for (int const*& address : addresses) {
         workers.emplace_back([&lazy, &start, &address] {
           start.arrive_and_wait();

@@ -115,7 +115,7 @@ void AddTransforms(std::string const& i_precision) {
       AddPlane(i_precision + " Plane", plane);
       AddPlane(i_precision + " times plane", a * plane);
     } catch (std::invalid_argument const&) {
-      Add(i_precision + " refused planes", &v[0], 1);
+      Add(i_precision + " refused planes", v.data(), 1);
     }
   }
 }
