@@ -1,7 +1,6 @@
 #pragma once
 
 #include <atomic>
-#include <concepts>
 #include <functional>
 #include <mutex>
 #include <stdexcept>
@@ -25,10 +24,9 @@ class Lazy {
   /// \param i_function the factory; an empty one throws `std::invalid_argument`.
   explicit Lazy(std::function<T()> i_function);
 
-  /// \param ip_function the factory; a null pointer throws `std::invalid_argument`. Takes part only for
-  /// pointers to functions, so that lambdas go to the constructor above.
-  template <std::same_as<T (*)()> Function>
-  constexpr explicit Lazy(Function ip_function);
+  /// \param i_function the factory: a plain function, by its name. Pointers and lambdas go to the constructor
+  /// above.
+  constexpr explicit Lazy(T (&i_function)()) noexcept : mp_function(&i_function) {}
 
   Lazy(Lazy const&) = delete;
   Lazy& operator=(Lazy const&) = delete;
@@ -57,19 +55,9 @@ class Lazy {
   mutable std::mutex m_mutex;
 };
 
-namespace internal {
-inline constexpr char const* empty_factory_message = "i_function must be callable.";
-}
-
 template <class T>
 Lazy<T>::Lazy(std::function<T()> i_function) : m_function(std::move(i_function)) {
-  if (!*m_function) throw std::invalid_argument(internal::empty_factory_message);
-}
-
-template <class T>
-template <std::same_as<T (*)()> Function>
-constexpr Lazy<T>::Lazy(Function ip_function) : mp_function(ip_function) {
-  if (ip_function == nullptr) throw std::invalid_argument(internal::empty_factory_message);
+  if (!*m_function) throw std::invalid_argument("i_function must be callable.");
 }
 
 template <class T>

@@ -13,9 +13,9 @@ PoolOf<Object>* CreatePool() {
   return new PoolOf<Object>;
 }
 
-constexpr auto create_pool_matrix_float = &CreatePool<MatrixObject<float>>;
-constexpr auto create_pool_matrix_double = &CreatePool<MatrixObject<double>>;
-constexpr auto create_pool_quaternion_float = &CreatePool<QuaternionObject>;
+constexpr auto& create_pool_matrix_float = CreatePool<MatrixObject<float>>;
+constexpr auto& create_pool_matrix_double = CreatePool<MatrixObject<double>>;
+constexpr auto& create_pool_quaternion_float = CreatePool<QuaternionObject>;
 
 // Constant-initialised, so that they work before main in any link order; never destroyed, so that they work
 // until the process is gone.

@@ -37,7 +37,7 @@ class Handle {
   ~Handle() { Release(); }
 
   /// A self-assignment, or one from another handle onto the same object, leaves the count unchanged.
-  /// A deleter that throws leaves this handle empty and the source as it was.
+  /// A deleter that throws leaves this handle empty; the reference that was taken from the source is dropped.
   Handle& operator=(Handle const& i_other) noexcept(kReleasesQuietly);
   Handle& operator=(Handle&& io_other) noexcept(kReleasesQuietly);
 

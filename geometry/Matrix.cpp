@@ -46,7 +46,7 @@ typename MatrixPoolTypes<T>::ObjectHandle CreateIdentity() {
 
 // Constant-initialised and never destroyed: valid before main and until the process is gone.
 template <class T>
-constinit NeverDestroyed<Lazy<typename MatrixPoolTypes<T>::ObjectHandle>> identity(&CreateIdentity<T>);
+constinit NeverDestroyed<Lazy<typename MatrixPoolTypes<T>::ObjectHandle>> identity(CreateIdentity<T>);
 
 template <class T>
 Values<T> MakeScale(T i_x, T i_y, T i_z) {

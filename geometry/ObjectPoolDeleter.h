@@ -16,7 +16,7 @@ struct ObjectPoolDeleter {
   /// block that is no longer current.
   void operator()(T* ip_object) const noexcept {
     // The analyzer does not follow the counts that make this the last return.
-    // NOLINTNEXTLINE(clang-analyzer-*)
+    // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDelete)
     if (mp_block->ReturnSlot(ip_object)) delete mp_block;
   }
 };

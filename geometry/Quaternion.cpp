@@ -24,7 +24,7 @@ Quaternionf::ObjectHandle CreateHandle(Coefficients const& i_coefficients) {
 Quaternionf::ObjectHandle CreateIdentity() { return CreateHandle({0, 0, 0, 1}); }
 
 // Constant-initialised and never destroyed: valid before main and until the process is gone.
-constinit NeverDestroyed<Lazy<Quaternionf::ObjectHandle>> identity(&CreateIdentity);
+constinit NeverDestroyed<Lazy<Quaternionf::ObjectHandle>> identity(CreateIdentity);
 
 Coefficients MakeRotation(Vector<float, 3> const& i_axis, float i_angle) {
   float const half = i_angle * 0.5F;

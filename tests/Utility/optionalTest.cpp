@@ -4,6 +4,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <type_traits>
 #include <utility>
 
 #include "Utility/optional.h"
@@ -20,6 +21,24 @@ static_assert(optional<int>(3).value_or(4) == 3);
 static_assert(optional<int>() == nullopt);
 static_assert(optional<int>(3) != nullopt);
 static_assert(optional<int>(3) == 3);
+
+static_assert(sizeof(nullopt_t) == 1);
+static_assert(!std::is_default_constructible_v<nullopt_t>);
+static_assert(std::is_nothrow_move_constructible_v<optional<std::string>>);
+static_assert(std::is_nothrow_move_assignable_v<optional<std::string>>);
+
+constexpr int MakeThroughEveryOperation() {
+  optional<int> value;
+  value = 3;
+  optional<int> copy = value;
+  copy.emplace(4);
+  value.swap(copy);
+  copy = nullopt;
+  copy = value;
+  value.reset();
+  return copy.value() + value.value_or(10);
+}
+static_assert(MakeThroughEveryOperation() == 14, "usable in constant expressions");
 
 TEST(Optional, IsEmptyByDefaultAndFromTheTag) {
   EXPECT_FALSE(optional<std::string>().has_value());
@@ -41,6 +60,38 @@ TEST(Optional, GivesAccessToItsValue) {
   *text += 'd';
   EXPECT_EQ(text.value(), "abcd");
   EXPECT_EQ(std::move(text).value(), "abcd");
+}
+
+TEST(Optional, MovesItsValueOutOfATemporary) {
+  auto const counted = std::make_shared<int>(1);
+  optional<std::shared_ptr<int>> full(counted);
+  std::shared_ptr<int> const taken = *std::move(full);
+  EXPECT_EQ(counted.use_count(), 2) << "the value was moved, not copied";
+  EXPECT_EQ(optional<std::shared_ptr<int>>(counted).value_or(nullptr), counted);
+  EXPECT_EQ(optional<std::shared_ptr<int>>().value_or(counted), counted);
+}
+
+TEST(Optional, ComparesStatesAndValues) {
+  using O = optional<std::string>;
+  EXPECT_TRUE(O() == O());
+  EXPECT_FALSE(O("a") == O());
+  EXPECT_FALSE(O() == O("a"));
+  EXPECT_TRUE(O("a") == O("a"));
+  EXPECT_FALSE(O("a") == O("b"));
+  EXPECT_FALSE(O() == std::string("a"));
+  EXPECT_FALSE(O("a") == nullopt);
+}
+
+TEST(Optional, AssigningOverAValueAssignsToIt) {
+  optional<std::string> target("abc");
+  std::string const* const address = &*target;
+  target = optional<std::string>("x");
+  EXPECT_EQ(&*target, address);
+  EXPECT_EQ(*target, "x");
+  target = optional<std::string>();
+  EXPECT_FALSE(target);
+  target = optional<std::string>();
+  EXPECT_FALSE(target);
 }
 
 TEST(Optional, CopiesMovesAndAssigns) {
@@ -94,6 +145,10 @@ TEST(Optional, Swaps) {
   swap(full, empty);
   EXPECT_FALSE(full);
   EXPECT_EQ(empty.value(), "abc");
+  optional<std::string> other("x");
+  other.swap(empty);
+  EXPECT_EQ(other.value(), "abc");
+  EXPECT_EQ(empty.value(), "x");
 }
 
 }  // namespace

@@ -55,6 +55,16 @@ unsigned long CountFailures(std::function<void()> const& i_call) {
   }
 }
 
+// The first allocation is the pool's, the second its block's. Each fails once; the third attempt finds
+// nothing in the way. It comes first in the file: nothing may have made the pool before.
+TEST(AllocationFailure, AnIdentityThatCouldNotBeMadeIsMadeLater) {
+  for (int allocations = 0; allocations < 2; ++allocations) {
+    FailingAllocation const no_memory(allocations);
+    EXPECT_THROW(Matrix<double>{}, std::bad_alloc);
+  }
+  EXPECT_TRUE(Matrix<double>().IsKnownIdentity());
+}
+
 template <class T>
 class AllocationFailure : public testing::Test {};
 using Precisions = testing::Types<float, double>;
@@ -152,16 +162,6 @@ TEST(AllocationFailure, LosesNothingInWhatMakesQuaternions) {
   EXPECT_EQ(CountFailures<QuaternionObject>([&] { q.Slerp(0.5F, q); }), 1U);
   EXPECT_EQ(CountFailures<QuaternionObject>([&] { q.Transform({1, 2, 3}); }), 0U);
   EXPECT_EQ(CountFailures<MatrixObject<float>>([&] { q.GetAsMatrix(); }), 2U);
-}
-
-// The first allocation is the pool's, the second its block's. Each fails once; the third attempt finds
-// nothing in the way.
-TEST(AllocationFailure, AnIdentityThatCouldNotBeMadeIsMadeLater) {
-  for (int allocations = 0; allocations < 2; ++allocations) {
-    FailingAllocation const no_memory(allocations);
-    EXPECT_THROW(Matrix<double>{}, std::bad_alloc);
-  }
-  EXPECT_TRUE(Matrix<double>().IsKnownIdentity());
 }
 
 }  // namespace

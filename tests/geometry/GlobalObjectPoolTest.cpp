@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <barrier>
 #include <cstddef>
 #include <cstdint>
 #include <thread>
@@ -36,6 +37,36 @@ TEST(GlobalObjectPool, TheFirstDefaultMatrixMakesThePoolItsBlockAndTheIdentity) 
   EXPECT_EQ(first.GetMatrix().Get(), block->GetObject(0));
   EXPECT_EQ(ObjectPoolTestAccess::UseCount(*block).load(), 1U);
   EXPECT_EQ(Matrix<float>::Scale(2).GetMatrix().Get(), block->GetObject(1));
+}
+
+TEST(GlobalObjectPool, APoolThatIsNotUsedIsNotMade) {
+  BlockCensus const census(sizeof(PoolTypes<QuaternionObject>::ObjectPoolBlock));
+  Matrix<float> const matrix = Matrix<float>::Scale(2) * Matrix<float>();
+  EXPECT_EQ(BlockCensus::GetMade(), 0U);
+  Quaternionf const rotation({0, 0, 1}, 1);
+  EXPECT_EQ(BlockCensus::GetMade(), 1U);
+}
+
+// All threads pass the barrier before the pool or the identity exists. One of them makes both, in the
+// factory of the identity, while the others wait for it; all get the same object, and only one block is made.
+TEST(GlobalObjectPool, ThreadsThatAskAtOnceGetTheSameIdentity) {
+  constexpr std::size_t threads = 8;
+  BlockCensus const census(sizeof(PoolTypes<MatrixObject<double>>::ObjectPoolBlock));
+  std::barrier start(threads);
+  std::vector<Matrix<double>::Object const*> objects(threads);
+  {
+    std::vector<std::jthread> workers;
+    workers.reserve(threads);
+    for (auto& object : objects) {
+      workers.emplace_back([&start, &object] {
+        start.arrive_and_wait();
+        object = Matrix<double>().GetMatrix().Get();
+      });
+    }
+  }
+  for (auto const* const object : objects) EXPECT_EQ(object, objects[0]);
+  EXPECT_EQ(BlockCensus::GetMade(), 1U);
+  EXPECT_EQ(Matrix<double>::mgh_identity.GetValue().GetReferenceCount(), 1U) << "all values are gone";
 }
 
 TEST(GlobalObjectPool, HandsOutTheSamePoolEveryTime) {

@@ -1,13 +1,17 @@
 #include <gtest/gtest.h>
 
+#include <array>
 #include <atomic>
+#include <barrier>
 #include <functional>
 #include <memory>
 #include <stdexcept>
+#include <thread>
 #include <type_traits>
 #include <utility>
 #include <vector>
 
+#include "geometry/GlobalObjectPool.h"
 #include "geometry/Handle.h"
 #include "support/Throws.h"
 
@@ -36,6 +40,11 @@ using TestHandle = Handle<int, Count, Deleter>;
 
 static_assert(std::is_nothrow_move_constructible_v<TestHandle>);
 static_assert(sizeof(Handle<int, Count, Deleter>) == 3 * sizeof(void*));
+static_assert(std::is_nothrow_copy_constructible_v<TestHandle>);
+static_assert(!std::is_nothrow_move_assignable_v<TestHandle>, "this deleter may throw");
+static_assert(std::is_nothrow_copy_assignable_v<PoolTypes<QuaternionObject>::ObjectHandle>);
+static_assert(std::is_nothrow_move_assignable_v<PoolTypes<QuaternionObject>::ObjectHandle>);
+static_assert(sizeof(PoolTypes<QuaternionObject>::ObjectHandle) == 4 * sizeof(void*));
 
 class HandleOnObjects : public testing::Test {
  protected:
@@ -60,6 +69,20 @@ TEST_F(HandleOnObjects, ChecksTheObjectThenTheCountThenTheDeleter) {
                                              "i_delete must be a callable function"));
   EXPECT_EQ(m_first_count, 0U);
   EXPECT_EQ(m_pool.returns, 0);
+}
+
+TEST_F(HandleOnObjects, RefusesAPooledObjectWithoutItsPoolOrItsBlock) {
+  using Pooled = PoolTypes<QuaternionObject>;
+  using Release = ObjectPoolDeleter<QuaternionObject, Pooled::ObjectPool, Pooled::ObjectPoolBlock>;
+  auto const block = std::make_unique<Pooled::ObjectPoolBlock>();
+  auto* const pool = GlobalPoolOf<QuaternionObject>::m_pool.GetValue();
+  auto* const count = block->GetReferenceCount(0);
+  for (Release const& release : {Release{}, Release{pool, nullptr}, Release{nullptr, block.get()}}) {
+    EXPECT_TRUE(test::Throws<std::invalid_argument>(
+        [&] { Pooled::ObjectHandle(block->GetObject(0), count, release); },
+        "i_delete must be a callable function"));
+  }
+  EXPECT_EQ(*count, 0U);
 }
 
 TEST_F(HandleOnObjects, CountsItsCopies) {
@@ -156,13 +179,56 @@ TEST_F(HandleOnObjects, AReleaseThatThrowsLeavesTheTargetEmptyAndTheSourceAsItWa
   m_pool.on_return = [] {};
 }
 
+TEST_F(HandleOnObjects, AReleaseThatThrowsWhileMovingLosesNoReference) {
+  TestHandle const keeper = Bind(m_second, m_second_count);
+  TestHandle source = keeper;
+  TestHandle target = Bind(m_first, m_first_count);
+  m_pool.on_return = [] { throw std::runtime_error("cannot return"); };
+  EXPECT_TRUE(test::Throws<std::runtime_error>([&] { target = std::move(source); }, "cannot return"));
+  m_pool.on_return = [] {};
+  EXPECT_FALSE(target);
+  EXPECT_FALSE(source);  // NOLINT(bugprone-use-after-move): the state after it is what is tested
+  EXPECT_EQ(m_second_count, 1U) << "the reference that was on its way is dropped";
+  EXPECT_EQ(m_pool.returns, 1);
+}
+
 TEST_F(HandleOnObjects, TheTargetIsEmptyWhileItsOldObjectReturns) {
   TestHandle target = Bind(m_first, m_first_count);
   bool was_bound = true;
   m_pool.on_return = [&] { was_bound = static_cast<bool>(target); };
   target = Bind(m_second, m_second_count);
   EXPECT_FALSE(was_bound);
+  was_bound = true;
+  TestHandle const source = Bind(m_first, m_first_count);
+  target = source;
+  EXPECT_FALSE(was_bound);
   m_pool.on_return = [] {};
+}
+
+// Two threads at a time hold a copy of their own and drop it; the last copy of all goes on one of them. The
+// count is changed by atomic steps only, so exactly one drop sees the 1, and by then no other copy is left:
+// the object returns once in each round.
+TEST_F(HandleOnObjects, ReturnsTheObjectOnceHoweverItsHoldersEnd) {
+  constexpr int rounds = 2000;
+  std::barrier meeting(2);
+  std::array<TestHandle, 2> copies;
+  for (int round = 0; round < rounds; ++round) {
+    copies[0] = Bind(m_first, m_first_count);
+    copies[1] = copies[0];
+    {
+      std::vector<std::jthread> holders;
+      holders.reserve(copies.size());
+      for (TestHandle& copy : copies) {
+        holders.emplace_back([&copy, &meeting] {
+          meeting.arrive_and_wait();
+          TestHandle const another = copy;
+          copy = TestHandle();
+        });
+      }
+    }
+    ASSERT_EQ(m_pool.returns, round + 1);
+    ASSERT_EQ(m_first_count, 0U);
+  }
 }
 
 // Records the memory order of every load, and is otherwise a plain counter.

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "geometry/LinearInterpolation.h"
 
 namespace lum {
@@ -15,6 +17,34 @@ TEST(LinearInterpolation, ReachesItsEndsExactly) {
   EXPECT_EQ(LinearInterpolation(0.1, 0.7, 0.0), 0.1);
   EXPECT_EQ(LinearInterpolation(0.1, 0.7, 1.0), 0.7);
   EXPECT_EQ(LinearInterpolation(1.0F, 3.0F, 2.0F), 5.0F) << "it extrapolates";
+}
+
+TEST(LinearInterpolation, ExtrapolatesVectorsAndPoints) {
+  using V = Vector<float, 3>;
+  using P = Point<float, 3>;
+  EXPECT_EQ(LinearInterpolation(V(0, 1, 2), V(1, 3, 5), 2), V(2, 5, 8));
+  EXPECT_EQ(LinearInterpolation(P(0, 1, 2), P(1, 3, 5), -1), P(-1, -1, -1));
+}
+
+TEST(LinearInterpolation, WeighsEachEnd) {
+  std::mt19937 random(22);
+  std::uniform_real_distribution<double> number(-2, 2);
+  int differences_of_order = 0;
+  for (int i = 0; i < 1000; ++i) {
+    double const a = number(random);
+    double const b = number(random);
+    double const t = number(random);
+    double const of_b = b * t;
+    double const rest = 1 - t;
+    double const of_a = rest * a;
+    EXPECT_EQ(LinearInterpolation(a, b, t), of_b + of_a) << "seed 22";
+    EXPECT_EQ(LinearInterpolation(Vector<double, 2>(a, b), Vector<double, 2>(b, b), t)[0], of_b + of_a)
+        << "seed 22";
+    EXPECT_EQ(LinearInterpolation(Point<double, 2>(b, a), Point<double, 2>(b, b), t)[1], of_b + of_a)
+        << "seed 22";
+    if (of_b + of_a != a + t * (b - a)) ++differences_of_order;
+  }
+  EXPECT_GT(differences_of_order, 0) << "the inputs do not tell the formulas apart";
 }
 
 }  // namespace

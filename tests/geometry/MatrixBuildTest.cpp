@@ -131,6 +131,8 @@ TYPED_TEST(MatrixBuild, ALongerAxisScales) {
   auto const turn = Matrix<TypeParam>::Rotate({0, 0, 2}, 1);
   auto const image = turn * Vector<TypeParam, 3>(0, 0, 1);
   EXPECT_GT(image[2], TypeParam(1.5));
+  EXPECT_NE(ValuesOf(turn * turn.GetInverse()), (Diagonal<TypeParam>(1, 1, 1)))
+      << "the inverse turns back about the same axis; it is not made to fit";
 }
 
 TYPED_TEST(MatrixBuild, NormalizesABox) {
@@ -152,6 +154,18 @@ TYPED_TEST(MatrixBuild, RefusesExtentsThatAreNotPositiveInOrder) {
   refuses(1, -1, 0, "i_height must be strictly positive");
   refuses(this->nan, 0, 1, "i_height must be strictly positive");
   refuses(1, 1, 0, "i_depth must be strictly positive");
+  refuses(1, 1, -this->infinity, "i_depth must be strictly positive");
+  refuses(this->nan, this->nan, -1, "i_depth must be strictly positive");
+}
+
+TYPED_TEST(MatrixBuild, NormalizesTheSmallestAndTheLargestBox) {
+  constexpr TypeParam least = std::numeric_limits<TypeParam>::denorm_min();
+  auto const small = Matrix<TypeParam>::Normalize(least, 1, 1);
+  EXPECT_EQ(small(0, 0), this->infinity);
+  EXPECT_EQ(InverseValuesOf(small)[0], 0);
+  auto const large = Matrix<TypeParam>::Normalize(this->infinity, 1, 1);
+  EXPECT_EQ(large(0, 0), 0);
+  EXPECT_FALSE(large.HasInverse());
 }
 
 TYPED_TEST(MatrixBuild, ANaNExtentGivesAMatrixWithoutInverse) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 #include <random>
 #include <type_traits>
@@ -66,6 +67,38 @@ TEST(MatrixConversion, AssignmentReplacesBothObjects) {
   EXPECT_TRUE(target.GetInverse() == Matrix<float>::Translate(-1, -2, -3));
   EXPECT_TRUE(sharer == Matrix<float>::Scale(5));
   EXPECT_EQ(sharer.GetMatrix().GetReferenceCount(), 1U);
+}
+
+TEST(MatrixConversion, AssignmentTakesFreshObjectsEvenForAnOnlyHolder) {
+  Matrix<double> target = Matrix<double>::Scale(5);
+  auto const* const transform = target.GetMatrix().Get();
+  auto const* const inverse = target.GetMatrixInverse().Get();
+  target = Matrix<float>::Scale(4);
+  EXPECT_NE(target.GetMatrix().Get(), transform);
+  EXPECT_NE(target.GetMatrixInverse().Get(), inverse);
+  EXPECT_EQ(target(0, 0), 4);
+}
+
+TEST(MatrixConversion, KeepsZerosAndWhatIsNotFinite) {
+  constexpr double infinity = std::numeric_limits<double>::infinity();
+  test::Values<double> values = test::Diagonal<double>(1, 1, 1);
+  values[1] = -0.0;
+  values[2] = infinity;
+  values[4] = -infinity;
+  values[6] = std::numeric_limits<double>::quiet_NaN();
+  Matrix<float> const converted{Matrix<double>(values.data())};
+  EXPECT_TRUE(std::signbit(converted(1, 0)));
+  EXPECT_EQ(converted(2, 0), std::numeric_limits<float>::infinity());
+  EXPECT_EQ(converted(0, 1), -std::numeric_limits<float>::infinity());
+  EXPECT_TRUE(std::isnan(converted(2, 1)));
+}
+
+TEST(MatrixConversion, OfAMovedFromHandleRevivesTheTarget) {
+  Matrix<float> target = Matrix<float>::Scale(2);
+  Matrix<float> const taken = std::move(target);
+  target = Matrix<double>::Scale(3);
+  EXPECT_EQ(target(0, 0), 3);
+  EXPECT_EQ(taken(0, 0), 2);
 }
 
 TEST(MatrixConversion, WithoutAnInverseGivesNone) {

@@ -140,5 +140,20 @@ TYPED_TEST(MatrixInverse, TheDeterminantKeepsItsOrder) {
   }
 }
 
+TYPED_TEST(MatrixInverse, TheDeterminantDoesNotDecideAboutTheInverse) {
+  Values<TypeParam> const singular = Diagonal<TypeParam>(0, 1, 1);
+  EXPECT_TRUE(Matrix<TypeParam>(singular.data()).HasInverse());
+  Matrix<TypeParam> const regular(Matrix<TypeParam>::Scale(2).GetMatrix(), {});
+  EXPECT_EQ(regular.GetDeterminant(), 8);
+  EXPECT_FALSE(regular.HasInverse());
+}
+
+TYPED_TEST(MatrixInverse, OfAMatrixThatWasGivenOneIsReturnedUnchecked) {
+  auto const a = Matrix<TypeParam>::Scale(2);
+  auto const b = Matrix<TypeParam>::Translate(1, 2, 3);
+  Matrix<TypeParam> const both(a.GetMatrix(), b.GetMatrix());
+  EXPECT_EQ(both.GetInverse().GetMatrix().Get(), b.GetMatrix().Get());
+}
+
 }  // namespace
 }  // namespace lum

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
+#include <cstddef>
 #include <limits>
 #include <random>
 #include <stdexcept>
@@ -144,6 +146,44 @@ TYPED_TEST(MatrixProduct, TheKnownIdentityReturnsWhatItIsAppliedTo) {
   EXPECT_TRUE(std::isnan((identity * plane).GetA()));
 }
 
+// Numbers that a needless product with the identity's zeros would turn into NaNs.
+TYPED_TEST(MatrixProduct, TheKnownIdentityIsNotMultiplied) {
+  Matrix<TypeParam> const identity;
+  Point<TypeParam, 3> const point(this->infinity, 1, 2);
+  EXPECT_EQ((identity * point), point);
+  Vector<TypeParam, 3> const vector(this->infinity, 1, 2);
+  EXPECT_EQ((identity * vector), vector);
+  Plane<TypeParam> const plane(1, 2, 3, this->infinity);
+  EXPECT_EQ((identity * plane), plane);
+  Matrix<TypeParam> const identity_without_inverse(identity.GetMatrix(), {});
+  EXPECT_EQ((identity_without_inverse * plane), plane) << "not even the inverse is looked at";
+}
+
+TYPED_TEST(MatrixProduct, SharesTheMissingInverseOfTheOtherFactor) {
+  Matrix<TypeParam> const identity;
+  auto const without = Matrix<TypeParam>::Scale(0);
+  EXPECT_EQ((identity * without).GetMatrix().Get(), without.GetMatrix().Get());
+  EXPECT_EQ((without * identity).GetMatrix().Get(), without.GetMatrix().Get());
+  EXPECT_FALSE((without * identity).HasInverse());
+}
+
+TYPED_TEST(MatrixProduct, InPlaceReleasesWhatItReplaces) {
+  auto matrix = Matrix<TypeParam>::Translate(1, 2, 3);
+  auto const old = matrix.GetMatrix();
+  auto const old_inverse = matrix.GetMatrixInverse();
+  matrix *= Matrix<TypeParam>::Scale(2);
+  EXPECT_EQ(old.GetReferenceCount(), 1U);
+  EXPECT_EQ(old_inverse.GetReferenceCount(), 1U);
+  EXPECT_EQ(matrix.GetMatrix().GetReferenceCount(), 1U);
+}
+
+TYPED_TEST(MatrixProduct, KeepsRowThreeOfItsFactors) {
+  Values<TypeParam> values = test::Diagonal<TypeParam>(1, 1, 1);
+  values[11] = 2;
+  Matrix<TypeParam> const projective(values.data());
+  EXPECT_EQ((projective * Matrix<TypeParam>::Translate(0, 0, 3))(3, 3), 7);
+}
+
 TYPED_TEST(MatrixProduct, RowThreeNeitherCountsNorDivides) {
   Values<TypeParam> values = test::Diagonal<TypeParam>(2, 3, 4);
   values[11] = 1;
@@ -158,6 +198,10 @@ TYPED_TEST(MatrixProduct, ATranslationThatIsNotFiniteShowsInVectors) {
   EXPECT_TRUE(std::isnan(image[0]));
   EXPECT_EQ(image[1], 1);
   EXPECT_EQ(image[2], 1);
+  auto const others = Matrix<TypeParam>::Translate(1, -this->infinity, this->nan);
+  EXPECT_EQ((others * Vector<TypeParam, 3>(1, 1, 1))[0], 1);
+  EXPECT_TRUE(std::isnan((others * Vector<TypeParam, 3>(1, 1, 1))[1]));
+  EXPECT_TRUE(std::isnan((others * Vector<TypeParam, 3>(1, 1, 1))[2]));
 }
 
 TYPED_TEST(MatrixProduct, CarriesPlanes) {

@@ -1,8 +1,11 @@
 #include <gtest/gtest.h>
 
-#include <array>
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <initializer_list>
 #include <limits>
+#include <random>
 #include <stdexcept>
 #include <type_traits>
 #include <utility>
@@ -34,6 +37,10 @@ TYPED_TEST_SUITE(MatrixOf, Precisions);
 static_assert(std::is_nothrow_move_constructible_v<Matrix<float>>);
 static_assert(std::is_nothrow_move_assignable_v<Matrix<double>>);
 static_assert(!std::is_convertible_v<float const*, Matrix<float>>);
+static_assert(std::is_nothrow_copy_constructible_v<Matrix<float>>);
+static_assert(std::is_nothrow_copy_assignable_v<Matrix<double>>);
+static_assert(sizeof(Matrix<double>) == 2 * sizeof(Matrix<double>::ObjectHandle));
+static_assert(std::is_same_v<decltype(std::declval<Matrix<float> const&>()(0, 0)), float>, "by value");
 
 TYPED_TEST(MatrixOf, IsTheKnownIdentityByDefault) {
   Matrix<TypeParam> const identity;
@@ -150,6 +157,42 @@ TYPED_TEST(MatrixOf, FromAFrameHasItsVectorsAsColumns) {
   EXPECT_EQ(frame.GetInverse() * (Point<TypeParam, 3>(10, 20, 34)), (Point<TypeParam, 3>(0, 0, 1)));
 }
 
+TYPED_TEST(MatrixOf, FromAFrameIsTheMatrixFromItsValues) {
+  std::mt19937 random(23);
+  for (int i = 0; i < 100; ++i) {
+    Values<TypeParam> v = test::MakeRandomValues<TypeParam>(random);
+    v[3] = v[7] = v[11] = 0;
+    v[15] = 1;
+    Matrix<TypeParam> const frame({v[12], v[13], v[14]}, {v[0], v[1], v[2]}, {v[4], v[5], v[6]},
+                                  {v[8], v[9], v[10]});
+    EXPECT_TRUE(AreSameBits(ValuesOf(frame), v)) << "seed 23";
+    EXPECT_TRUE(AreSameBits(InverseValuesOf(frame), InverseValuesOf(Matrix<TypeParam>(v.data()))))
+        << "seed 23";
+  }
+}
+
+TYPED_TEST(MatrixOf, FromASingularFrameHoldsAnInverseThatIsNotFinite) {
+  Matrix<TypeParam> const frame({1, 2, 3}, {1, 0, 0}, {1, 0, 0}, {0, 0, 1});
+  ASSERT_TRUE(frame.HasInverse());
+  Values<TypeParam> const inverse = InverseValuesOf(frame);
+  EXPECT_FALSE(std::all_of(inverse.begin(), inverse.end(), [](TypeParam v) { return std::isfinite(v); }));
+}
+
+// One reciprocal of the determinant, times cofactors. So an exact reciprocal gives an exact inverse, and a
+// determinant that underflows gives an inverse that is not finite although pivoting would find one.
+TYPED_TEST(MatrixOf, InvertsByCofactorsAndTheReciprocalOfTheDeterminant) {
+  Values<TypeParam> const values = {2, 0, 0, 0, 1, 4, 0, 0, 3, 5, 8, 0, 6, 7, 9, 1};
+  Matrix<TypeParam> const exact(values.data());
+  EXPECT_EQ(ValuesOf(exact * exact.GetInverse()), (Diagonal<TypeParam>(1, 1, 1)));
+  EXPECT_EQ(ValuesOf(exact.GetInverse() * exact), (Diagonal<TypeParam>(1, 1, 1)));
+
+  TypeParam const tiny = std::sqrt(std::numeric_limits<TypeParam>::min());
+  Matrix<TypeParam> const underflowing(Diagonal<TypeParam>(tiny, tiny, tiny).data());
+  EXPECT_EQ(underflowing.GetDeterminant(), 0);
+  ASSERT_TRUE(underflowing.HasInverse());
+  EXPECT_FALSE(std::isfinite(InverseValuesOf(underflowing)[0]));
+}
+
 TYPED_TEST(MatrixOf, RefusesIndicesOutOfBounds) {
   Matrix<TypeParam> const matrix;
   constexpr int least = std::numeric_limits<int>::min();
@@ -158,6 +201,13 @@ TYPED_TEST(MatrixOf, RefusesIndicesOutOfBounds) {
            {4, 0}, {0, 4}, {0, -1}, {-1, 0}, {-1, -1}, {least, 0}, {0, most}}) {
     EXPECT_TRUE(test::Throws<std::invalid_argument>([&, row = row, column = column] { matrix(row, column); },
                                                     "matrix element index out of bounds"));
+  }
+  for (int row = -1; row <= 4; ++row) {
+    for (int column = -1; column <= 4; ++column) {
+      bool const is_inside = row >= 0 && row < 4 && column >= 0 && column < 4;
+      if (is_inside) continue;
+      EXPECT_THROW(matrix(row, column), std::invalid_argument) << row << ' ' << column;
+    }
   }
 }
 
@@ -168,6 +218,17 @@ TYPED_TEST(MatrixOf, ComparesBytes) {
   EXPECT_TRUE(positive != Matrix<TypeParam>(values.data())) << "zeros of opposite sign";
   values[1] = this->nan;
   EXPECT_TRUE(Matrix<TypeParam>(values.data()) == Matrix<TypeParam>(values.data())) << "equal NaNs";
+}
+
+TYPED_TEST(MatrixOf, ComparesEveryValue) {
+  Values<TypeParam> const values = Diagonal<TypeParam>(2, 3, 4);
+  Matrix<TypeParam> const matrix(values.data());
+  for (std::size_t i = 0; i < 16; ++i) {
+    Values<TypeParam> changed = values;
+    changed[i] += 1;
+    EXPECT_TRUE(matrix != Matrix<TypeParam>(changed.data())) << i;
+    EXPECT_FALSE(matrix == Matrix<TypeParam>(changed.data())) << i;
+  }
 }
 
 TYPED_TEST(MatrixOf, ComparisonIgnoresTheInverse) {
@@ -204,17 +265,48 @@ TYPED_TEST(MatrixOf, AMatrixThatNobodySharesIsMutableAsItIs) {
   EXPECT_EQ(matrix.GetMutableInverseInternal(), inverse);
 }
 
+TYPED_TEST(MatrixOf, AHandleKeptOutsideCountsAsAHolder) {
+  Matrix<TypeParam> matrix = Matrix<TypeParam>::Translate(1, 2, 3);
+  auto const kept = matrix.GetMatrix();
+  auto* const written = matrix.GetMutableInternal();
+  EXPECT_NE(written, kept.Get());
+  EXPECT_EQ(kept.GetReferenceCount(), 1U);
+  EXPECT_EQ(matrix.GetMutableInternal(), written) << "now it is the only holder";
+}
+
+TYPED_TEST(MatrixOf, WithOneObjectInBothHandlesIsNotItsOnlyHolder) {
+  Matrix<TypeParam> const mirror = Matrix<TypeParam>::Scale(-1, 1, 1);
+  auto const& object = mirror.GetMatrix();
+  Matrix<TypeParam> both(object, object);
+  (*both.GetMutableInternal())(0, 0) = 5;
+  EXPECT_EQ(InverseValuesOf(both)[0], -1);
+  EXPECT_EQ(both(0, 0), 5);
+}
+
 TYPED_TEST(MatrixOf, MakingTheIdentityMutableMovesOffIt) {
   Matrix<TypeParam> matrix;
   (*matrix.GetMutableInternal())(0, 0) = 5;
   EXPECT_FALSE(matrix.IsKnownIdentity());
   EXPECT_TRUE(Matrix<TypeParam>().IsKnownIdentity());
   EXPECT_EQ(Matrix<TypeParam>()(0, 0), 1);
+  (*matrix.GetMutableInverseInternal())(0, 0) = TypeParam(0.2);
+  EXPECT_EQ(InverseValuesOf(Matrix<TypeParam>())[0], 1);
+}
+
+TYPED_TEST(MatrixOf, AssignmentReleasesWhatItReplaces) {
+  Matrix<TypeParam> target = Matrix<TypeParam>::Translate(1, 2, 3);
+  auto const transform = target.GetMatrix();
+  auto const inverse = target.GetMatrixInverse();
+  target = Matrix<TypeParam>();
+  EXPECT_EQ(transform.GetReferenceCount(), 1U);
+  EXPECT_EQ(inverse.GetReferenceCount(), 1U);
+  EXPECT_TRUE(target.IsKnownIdentity());
+  Matrix<TypeParam> const again(transform, inverse);
+  target = again;
+  EXPECT_EQ(transform.GetReferenceCount(), 3U);
 }
 
 #ifndef NDEBUG
-using MatrixDeathTest = testing::Test;
-
 TEST(MatrixDeathTest, AssertionsCatchTheUseOfAMovedFromMatrix) {
   Matrix<float> source = Matrix<float>::Scale(2);
   Matrix<float> target = std::move(source);

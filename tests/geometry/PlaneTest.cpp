@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <limits>
+#include <random>
 #include <stdexcept>
 
 #include "geometry/Plane.h"
@@ -43,6 +44,47 @@ TYPED_TEST(PlaneOf, DividesByTheLengthSummedFromA) {
   EXPECT_EQ(plane.GetD(), 5 / length);
 }
 
+TYPED_TEST(PlaneOf, KeepsTheOrderOfItsSum) {
+  std::mt19937 random(21);
+  std::uniform_real_distribution<TypeParam> number(-1, 1);
+  int differences_of_order = 0;
+  for (int i = 0; i < 2000; ++i) {
+    TypeParam const a = number(random);
+    TypeParam const b = number(random);
+    TypeParam const c = number(random);
+    TypeParam const d = number(random);
+    TypeParam const aa = a * a;
+    TypeParam const bb = b * b;
+    TypeParam const cc = c * c;
+    TypeParam const sum = (aa + bb) + cc;
+    if (sum != (cc + bb) + aa) ++differences_of_order;
+    TypeParam const length = std::sqrt(sum);
+    Plane<TypeParam> const plane(a, b, c, d);
+    EXPECT_EQ(plane.GetA(), a / length) << "seed 21";
+    EXPECT_EQ(plane.GetB(), b / length) << "seed 21";
+    EXPECT_EQ(plane.GetC(), c / length) << "seed 21";
+    EXPECT_EQ(plane.GetD(), d / length) << "seed 21";
+  }
+  EXPECT_GT(differences_of_order, 0) << "the inputs do not tell the orders apart";
+}
+
+// The smallest normal values are even powers of two, so their roots are exact.
+TYPED_TEST(PlaneOf, AcceptsASquaredLengthOfExactlyTheSmallestNormalValue) {
+  constexpr TypeParam least = std::numeric_limits<TypeParam>::min();
+  TypeParam const root = std::sqrt(least);
+  ASSERT_EQ(root * root, least);
+  EXPECT_EQ(Plane<TypeParam>(0, root, 0, 0).GetB(), 1);
+  TypeParam const below = std::nextafter(root, TypeParam(0));
+  EXPECT_TRUE(test::Throws<std::invalid_argument>([below] { Plane<TypeParam>(0, below, 0, 0); }, message));
+}
+
+TYPED_TEST(PlaneOf, AnInfiniteSquaredLengthGivesZeros) {
+  TypeParam const huge = std::numeric_limits<TypeParam>::max();
+  Plane<TypeParam> const plane(huge, 0, 0, 1);
+  EXPECT_EQ(plane.GetA(), 0);
+  EXPECT_EQ(plane.GetD(), 0);
+}
+
 TYPED_TEST(PlaneOf, RefusesANormalOfZeros) {
   EXPECT_TRUE(test::Throws<std::invalid_argument>([] { Plane<TypeParam>(0, 0, 0, 1); }, message));
 }
@@ -57,6 +99,11 @@ TYPED_TEST(PlaneOf, RefusesANormalWhoseSquaredLengthIsBelowTheSmallestNormalValu
 TYPED_TEST(PlaneOf, LetsANaNThrough) {
   constexpr TypeParam nan = std::numeric_limits<TypeParam>::quiet_NaN();
   EXPECT_TRUE(std::isnan(Plane<TypeParam>(nan, 0, 0, 1).GetD()));
+  EXPECT_TRUE(std::isnan(Plane<TypeParam>(0, nan, 0, 1).GetA()));
+  EXPECT_TRUE(std::isnan(Plane<TypeParam>(0, 0, nan, 1).GetB()));
+  Plane<TypeParam> const only_d(0, 3, 4, nan);
+  EXPECT_EQ(only_d.GetNormal(), (Vector<TypeParam, 3>(0, TypeParam(3) / 5, TypeParam(4) / 5)));
+  EXPECT_TRUE(std::isnan(only_d.GetD()));
 }
 
 TEST(Plane, RefusesSquaresThatUnderflow) {

@@ -12,6 +12,8 @@ using V = Vector<double, 3>;
 static_assert(sizeof(Point<float, 3>) == 3 * sizeof(float));
 static_assert(sizeof(Point<double, 2>) == 2 * sizeof(double));
 static_assert(std::is_trivially_copyable_v<Point<float, 3>>);
+static_assert(!std::is_convertible_v<V, P>, "a direction is not a position");
+static_assert(sizeof(Origin) == 1);
 static_assert(P() == P(Origin) && P(Origin) == P(0, 0, 0));
 static_assert(P(1, 2, 3).GetX() == 1 && P(1, 2, 3).GetY() == 2 && P(1, 2, 3).GetZ() == 3);
 static_assert(P(1, 2, 3) - P(1, 1, 1) == V(0, 1, 2));
@@ -27,6 +29,14 @@ TEST(Point, BindsToItsCoordinatesInOrder) {
   EXPECT_EQ(point, (Point<float, 2>(5, 2)));
   EXPECT_EQ(y, point[1]);
   EXPECT_EQ(point.end() - point.begin(), 2);
+}
+
+TEST(Point, BindsFromAConstantAndATemporary) {
+  Point<double, 3> const point(1, 2, 3);
+  auto const& [x, y, z] = point;
+  EXPECT_EQ(x + 10 * y + 100 * z, 321);
+  auto [a, b] = Point<float, 2>(4, 5);
+  EXPECT_EQ(a + 10 * b, 54);
 }
 
 TEST(Point, MovesByVectors) {

@@ -22,6 +22,8 @@ constexpr float pi = std::numbers::pi_v<float>;
 constexpr float rounding = 4 * std::numeric_limits<float>::epsilon();
 
 static_assert(std::is_nothrow_move_constructible_v<Quaternionf>);
+static_assert(std::is_nothrow_move_assignable_v<Quaternionf>);
+static_assert(sizeof(Quaternionf) == sizeof(Quaternionf::ObjectHandle));
 static_assert(!std::is_convertible_v<Matrix<float> const&, Quaternionf>);
 static_assert(!std::is_convertible_v<Quaternionf::ObjectHandle const&, Quaternionf>);
 
@@ -82,6 +84,25 @@ TEST(Quaternion, TakesTheAxisAsItIs) {
   }
 }
 
+TEST(Quaternion, TakesSineAndCosineInSinglePrecision) {
+  std::mt19937 random(25);
+  std::uniform_real_distribution<float> number(-7, 7);
+  int differences_of_precision = 0;
+  for (int i = 0; i < 2000; ++i) {
+    V const axis(number(random), number(random), number(random));
+    float const angle = number(random);
+    float const half = angle * 0.5F;
+    float const sine = std::sin(half);
+    float const cosine = std::cos(half);
+    EXPECT_EQ(Quaternionf(axis, angle).GetCoefficients(),
+              (Coefficients{axis[0] * sine, axis[1] * sine, axis[2] * sine, cosine}))
+        << "seed 25";
+    double const wide = half;
+    if (cosine != static_cast<float>(std::cos(wide))) ++differences_of_precision;
+  }
+  EXPECT_GT(differences_of_precision, 0) << "the inputs do not tell the precisions apart";
+}
+
 TEST(Quaternion, FromAMatrixDropsScaleAndTranslation) {
   auto const rotation = Matrix<float>::Rotate(GetNormalized(V(1, 2, 3)), 0.8F);
   Coefficients const expected = Quaternionf(GetNormalized(V(1, 2, 3)), 0.8F).GetCoefficients();
@@ -92,6 +113,37 @@ TEST(Quaternion, FromAMatrixDropsScaleAndTranslation) {
     EXPECT_NEAR(alone[i], expected[i], rounding);
     EXPECT_NEAR(with_scale[i], expected[i], rounding);
   }
+}
+
+// A rotation times a symmetric stretch: the polar decomposition finds the rotation again, although the
+// stretched columns are neither of one length nor perpendicular to each other.
+TEST(Quaternion, FromAMatrixDropsStretchAlongAnyAxes) {
+  Coefficients const expected = Quaternionf(GetNormalized(V(3, -1, 2)), 1.1F).GetCoefficients();
+  auto const rotation = Matrix<float>::Rotate(GetNormalized(V(3, -1, 2)), 1.1F);
+  auto const tilt = Matrix<float>::Rotate(GetNormalized(V(1, 1, 0)), 0.6F);
+  auto const stretch = tilt * Matrix<float>::Scale(1, 2, 4) * tilt.GetInverse();
+  Coefficients const actual = Quaternionf(rotation * stretch).GetCoefficients();
+  for (std::size_t i = 0; i < 4; ++i) EXPECT_NEAR(actual[i], expected[i], 4 * rounding);
+}
+
+TEST(Quaternion, FromAMirroringMatrixIsStillARotation) {
+  for (V const& mirror : {V(-1, 1, 1), V(1, -1, 1), V(1, 1, -1), V(-1, -1, -1)}) {
+    auto const matrix = Matrix<float>::Rotate(V(0, 0, 1), 0.5F) *
+                        Matrix<float>::Scale(2 * mirror[0], 3 * mirror[1], mirror[2]);
+    Coefficients const actual = Quaternionf(matrix).GetCoefficients();
+    EXPECT_NEAR(DotInPairs(actual, actual), 1, 2 * rounding);
+  }
+}
+
+TEST(Quaternion, FromAnAxisLetsWhatIsNotFiniteThrough) {
+  constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+  Coefficients const angle =
+      Quaternionf(V(0, 0, 1), std::numeric_limits<float>::infinity()).GetCoefficients();
+  for (float const coefficient : angle) EXPECT_TRUE(std::isnan(coefficient));
+  Coefficients const axis = Quaternionf(V(nan, 1, 0), 1).GetCoefficients();
+  EXPECT_TRUE(std::isnan(axis[0]));
+  EXPECT_EQ(axis[1], std::sin(0.5F));
+  EXPECT_EQ(Quaternionf(V(), 1).GetCoefficients(), (Coefficients{0, 0, 0, std::cos(0.5F)}));
 }
 
 // The trace is positive below 120 degrees; beyond, each of the three axes can be the largest.
@@ -123,6 +175,24 @@ TEST(Quaternion, FromAMatrixThatIsNotFiniteIsNotANumber) {
     EXPECT_EQ(Quaternionf(Matrix<float>(values.data())).GetCoefficients(), (Coefficients{0, 0, 0, 1}))
         << "translation and row 3 do not count";
   }
+}
+
+TEST(Quaternion, CopiesShareAndMovesTakeOver) {
+  Quaternionf source(V(0, 0, 1), 1);
+  Coefficients const coefficients = source.GetCoefficients();
+  Quaternionf const copy = source;
+  Quaternionf const moved = std::move(source);
+  EXPECT_EQ(moved.GetCoefficients(), coefficients);
+  source = moved;
+  EXPECT_EQ(source.GetCoefficients(), coefficients);
+  EXPECT_EQ(copy.GetCoefficients(), coefficients);
+}
+
+TEST(Quaternion, DefaultValuesTakeNoObject) {
+  Quaternionf const first;
+  unsigned long const before = Quaternionf::mgh_identity.GetValue().GetReferenceCount();
+  Quaternionf const second;
+  EXPECT_EQ(Quaternionf::mgh_identity.GetValue().GetReferenceCount(), before + 1);
 }
 
 TEST(Quaternion, SharesTheObjectOfAHandle) {
@@ -240,6 +310,22 @@ TEST(Quaternion, TransformsInOrder) {
   }
 }
 
+TEST(Quaternion, TheWayBackIsThroughTheInverseMatrix) {
+  std::mt19937 random(24);
+  for (int i = 0; i < 200; ++i) {
+    Quaternionf const q = Make(MakeRandom(random));
+    V const expected = q.GetAsMatrix().GetInverse() * V(1, 2, 3);
+    EXPECT_EQ(q.InverseTransform(V(1, 2, 3)), expected) << "seed 24";
+  }
+}
+
+// The cross products turn an infinite component into NaNs: the identity takes no shortcut on the way out.
+TEST(Quaternion, TransformsByTheKnownIdentityLikeByAnyOther) {
+  V const image = Quaternionf().Transform(V(std::numeric_limits<float>::infinity(), 1, 2));
+  EXPECT_TRUE(std::isnan(image[1]));
+  EXPECT_EQ(Quaternionf().Transform(V(1, 2, 3)), V(1, 2, 3));
+}
+
 TEST(Quaternion, TheKnownIdentityReturnsTheVectorOnTheWayBack) {
   float const infinity = std::numeric_limits<float>::infinity();
   EXPECT_EQ(Quaternionf().InverseTransform(V(infinity, 1, 2)), V(infinity, 1, 2));
@@ -273,6 +359,16 @@ TEST(Quaternion, AZeroQuaternionIsApproximatelyOnlyItself) {
   EXPECT_FALSE(Quaternionf().IsApproximately(zero, 100));
 }
 
+TEST(Quaternion, ComparesRelativelyToTheShorter) {
+  Quaternionf const shorter = Make({0, 0, 0, 1});
+  Quaternionf const longer = Make({0, 0, 0, 3});
+  EXPECT_TRUE(shorter.IsApproximately(longer, 2));
+  EXPECT_FALSE(shorter.IsApproximately(longer, 1.99F));
+  EXPECT_FALSE(longer.IsApproximately(shorter, 1.99F));
+  EXPECT_TRUE(shorter.IsApproximately(longer, -2)) << "the tolerance is squared";
+  EXPECT_FALSE(shorter.IsApproximately(shorter, std::numeric_limits<float>::quiet_NaN()));
+}
+
 // A tolerance at which the two sides are equal in this order of the sums, and are not in another.
 TEST(Quaternion, ComparesWithSumsInPairs) {
   std::mt19937 random(17);
@@ -300,6 +396,54 @@ TEST(Quaternion, SlerpReachesItsEnds) {
   Coefficients opposite = b.GetCoefficients();
   for (float& coefficient : opposite) coefficient = -coefficient;
   EXPECT_EQ(a.Slerp(1, Make(opposite)).GetCoefficients(), b.GetCoefficients()) << "the shorter arc";
+}
+
+// Quaternions at a right angle have no shorter arc: the other one keeps its sign, whatever the zero's.
+TEST(Quaternion, SlerpAtARightAngleKeepsTheSign) {
+  for (float const zero : {0.0F, -0.0F}) {
+    Coefficients const end = Make({zero, 0, 0, 1}).Slerp(1, Make({1, 0, 0, zero})).GetCoefficients();
+    EXPECT_EQ(end[0], 1);
+  }
+}
+
+TEST(Quaternion, SlerpOfLongQuaternionsIsTheBlend) {
+  EXPECT_EQ(Make({0, 0, 0, 2}).Slerp(0.5F, Make({0, 0, 0, 3})).GetCoefficients(),
+            (Coefficients{0, 0, 0, 2.5F}));
+  EXPECT_EQ(Make({0, 0, 0, 2}).Slerp(0.5F, Make({0, 0, 0, -3})).GetCoefficients(),
+            (Coefficients{0, 0, 0, 2.5F}));
+  EXPECT_EQ(Make({0, 0, 0, 2}).Slerp(3, Make({0, 0, 0, 3})).GetCoefficients(), (Coefficients{0, 0, 0, 5}))
+      << "it extrapolates";
+}
+
+// The blend starts at exactly this cosine. Both formulas are so close there that it takes many steps of t to
+// see which one was used.
+TEST(Quaternion, SlerpBlendsFromTheThresholdOn) {
+  constexpr float one = 0.99999988F;
+  float const below = std::nextafter(one, 0.0F);
+  int differences = 0;
+  for (float const cosine : {one, below, -one, -below}) {
+    float const theta = std::acos(std::abs(cosine));
+    for (int step = 1; step < 100; ++step) {
+      float const t = static_cast<float>(step) / 100;
+      float const blend = 1 - t;
+      float const turn = std::sin((1 - t) * theta) / std::sin(theta);
+      // The y coefficient of the result is the weight of the second quaternion.
+      float const weight = Make({1, 0, 0, 0}).Slerp(t, Make({cosine, 1, 0, 0})).GetCoefficients()[1];
+      float const other = std::sin(t * theta) / std::sin(theta);
+      float const sign = cosine < 0 ? -1.0F : 1.0F;
+      EXPECT_EQ(weight, sign * (std::abs(cosine) >= one ? t : other)) << cosine << ' ' << t;
+      if (blend != turn && t != other) ++differences;
+    }
+  }
+  EXPECT_GT(differences, 100) << "the steps do not tell the formulas apart";
+}
+
+TEST(Quaternion, SlerpWithANaNIsNotANumber) {
+  constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+  Quaternionf const end = Make({0, 0, 0, nan});
+  for (float const coefficient : Make({0, 0, 0, 1}).Slerp(0.5F, end).GetCoefficients()) {
+    EXPECT_TRUE(std::isnan(coefficient));
+  }
 }
 
 TEST(Quaternion, SlerpHalvesTheAngle) {

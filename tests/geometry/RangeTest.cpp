@@ -9,6 +9,8 @@ namespace {
 
 static_assert(Range<double>(1, 2).GetLower() == 1 && Range<double>(1, 2).GetUpper() == 2);
 static_assert(!Range<double>(1, 2).IsEmpty());
+static_assert(sizeof(Range<double>) == 2 * sizeof(double));
+static_assert(Range<float>(2, 1) != Range<float>(3, 1), "empty ranges with other ends differ");
 static_assert(Range<double>(1, 2) != Range<double>(1, 3));
 
 TEST(Range, WithEqualEndsHoldsOneValue) {

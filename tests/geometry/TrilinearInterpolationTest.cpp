@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cmath>
 #include <cstddef>
+#include <limits>
 #include <random>
 
 #include "geometry/TrilinearInterpolation.h"
@@ -26,6 +28,14 @@ TEST(TrilinearInterpolation, IsTheMeanInTheMiddle) {
 TEST(TrilinearInterpolation, ExtrapolatesOutside) {
   EXPECT_EQ(TrilinearInterpolation({3, 5, 0, 0, 0, 0, 0, 0}, {2, 0, 0}), 7);
   EXPECT_EQ(TrilinearInterpolation({3, 0, 5, 0, 0, 0, 0, 0}, {0, -1, 0}), 1);
+  EXPECT_EQ(TrilinearInterpolation({3, 0, 0, 0, 5, 0, 0, 0}, {0, 0, 3}), 9);
+}
+
+TEST(TrilinearInterpolation, ACornerThatIsNotFiniteShowsEverywhere) {
+  constexpr double infinity = std::numeric_limits<double>::infinity();
+  EXPECT_EQ(TrilinearInterpolation({0, 0, 0, infinity, 0, 0, 0, 0}, {0.5, 0.5, 0.5}), infinity);
+  EXPECT_TRUE(std::isnan(TrilinearInterpolation({0, 0, 0, infinity, 0, 0, 0, 0}, {0, 0, 0})))
+      << "its weight of zero is multiplied all the same";
 }
 
 TEST(TrilinearInterpolation, AddsTheTermsInTheOrderOfTheirIndices) {

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstddef>
 #include <limits>
 #include <random>
 #include <type_traits>
@@ -59,6 +60,7 @@ TYPED_TEST(VectorOf, ComparesNumerically) {
 TYPED_TEST(VectorOf, SumsProductsFromLeftToRight) {
   std::mt19937 random(4);
   std::uniform_real_distribution<TypeParam> component(-1, 1);
+  int differences_of_order = 0;
   for (int i = 0; i < 1000; ++i) {
     Vector<TypeParam, 3> const a(component(random), component(random), component(random));
     Vector<TypeParam, 3> const b(component(random), component(random), component(random));
@@ -66,7 +68,9 @@ TYPED_TEST(VectorOf, SumsProductsFromLeftToRight) {
     TypeParam const y = a[1] * b[1];
     TypeParam const z = a[2] * b[2];
     EXPECT_EQ(Dot(a, b), (x + y) + z) << "seed 4";
+    if ((x + y) + z != x + (y + z) && (x + y) + z != (z + y) + x) ++differences_of_order;
   }
+  EXPECT_GT(differences_of_order, 0) << "the inputs do not tell the orders apart";
 }
 
 TYPED_TEST(VectorOf, NormalizesByATrueDivision) {
@@ -74,6 +78,38 @@ TYPED_TEST(VectorOf, NormalizesByATrueDivision) {
             (Vector<TypeParam, 2>(TypeParam(3) / 5, TypeParam(4) / 5)));
   EXPECT_EQ(GetNormalized(Vector<TypeParam, 3>(0, 0, -9)), (Vector<TypeParam, 3>(0, 0, -1)));
   EXPECT_EQ(GetLength(Vector<TypeParam, 3>(2, 3, 6)), 7);
+}
+
+TYPED_TEST(VectorOf, CalculatesInPlace) {
+  Vector<TypeParam, 2> vector(1, 2);
+  vector += Vector<TypeParam, 2>(3, 4);
+  vector *= 3;
+  vector -= Vector<TypeParam, 2>(2, 4);
+  vector /= 2;
+  EXPECT_EQ(vector, (Vector<TypeParam, 2>(5, 7)));
+  vector[0] = 9;
+  EXPECT_EQ(vector.GetX(), 9);
+}
+
+// One rounding for every step, in the precision of the components.
+TYPED_TEST(VectorOf, NormalizesTwoComponentsInTheirPrecision) {
+  std::mt19937 random(20);
+  std::uniform_real_distribution<TypeParam> component(-1, 1);
+  for (int i = 0; i < 2000; ++i) {
+    Vector<TypeParam, 2> const v(component(random), component(random));
+    TypeParam const xx = v[0] * v[0];
+    TypeParam const yy = v[1] * v[1];
+    TypeParam const sum = xx + yy;
+    TypeParam const length = std::sqrt(sum);
+    EXPECT_EQ(GetNormalized(v), (Vector<TypeParam, 2>(v[0] / length, v[1] / length))) << "seed 20";
+  }
+}
+
+TYPED_TEST(VectorOf, NormalizingAUnitVectorKeepsItUpToRounding) {
+  Vector<TypeParam, 3> const unit = GetNormalized(Vector<TypeParam, 3>(1, -2, 3));
+  for (std::size_t i = 0; i < 3; ++i) {
+    EXPECT_NEAR(GetNormalized(unit)[i], unit[i], std::numeric_limits<TypeParam>::epsilon());
+  }
 }
 
 TYPED_TEST(VectorOf, NormalizesWithTheSumOfSquaresFromTheLastComponent) {
@@ -100,7 +136,12 @@ TYPED_TEST(VectorOf, NormalizingAZeroVectorGivesNaNs) {
 
 TYPED_TEST(VectorOf, ANaNSpreadsToEveryComponent) {
   constexpr TypeParam nan = std::numeric_limits<TypeParam>::quiet_NaN();
-  for (TypeParam const component : GetNormalized(Vector<TypeParam, 3>(1, nan, 2))) {
+  for (std::size_t bad = 0; bad < 3; ++bad) {
+    Vector<TypeParam, 3> vector(1, 2, 3);
+    vector[bad] = nan;
+    for (TypeParam const component : GetNormalized(vector)) EXPECT_TRUE(std::isnan(component)) << bad;
+  }
+  for (TypeParam const component : GetNormalized(Vector<TypeParam, 2>(1, nan))) {
     EXPECT_TRUE(std::isnan(component));
   }
 }
@@ -112,6 +153,10 @@ TEST(Vector, NormalizingDoesNotRescale) {
             (Vector<float, 3>(infinity, infinity, -infinity)));
   EXPECT_EQ(GetNormalized(Vector<float, 2>(1e20F, 0)), (Vector<float, 2>(0, 0)));
   EXPECT_EQ(GetNormalized(Vector<float, 2>(0, 3)), (Vector<float, 2>(0, 1)));
+  EXPECT_EQ(GetNormalized(Vector<double, 3>(1e200, 0, 0)), (Vector<double, 3>(0, 0, 0)));
+  EXPECT_EQ(
+      GetNormalized(Vector<double, 2>(1e-200, -1e-200)),
+      (Vector<double, 2>(std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity())));
 }
 
 }  // namespace
