@@ -38,7 +38,9 @@ class Handle {
 
   /// A self-assignment, or one from another handle onto the same object, leaves the count unchanged.
   /// A deleter that throws leaves this handle empty; the reference that was taken from the source is dropped.
+  // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): a counted copy is taken first
   Handle& operator=(Handle const& i_other) noexcept(kReleasesQuietly);
+  // NOLINTNEXTLINE(performance-noexcept-move-constructor): as quiet as the deleter is
   Handle& operator=(Handle&& io_other) noexcept(kReleasesQuietly);
 
   /// The object; null for an empty handle.

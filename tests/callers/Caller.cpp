@@ -17,16 +17,17 @@
 namespace {
 
 bool HasVectors() {
+  bool has = true;
 #ifdef __AVX512F__
-  if (!__builtin_cpu_supports("avx512f")) return false;
+  has = has && __builtin_cpu_supports("avx512f") != 0;
 #endif
 #ifdef __AVX2__
-  if (!__builtin_cpu_supports("avx2")) return false;
+  has = has && __builtin_cpu_supports("avx2") != 0;
 #endif
 #ifdef __AVX__
-  if (!__builtin_cpu_supports("avx")) return false;
+  has = has && __builtin_cpu_supports("avx") != 0;
 #endif
-  return true;
+  return has;
 }
 
 void Require(bool i_holds, char const* i_what) {

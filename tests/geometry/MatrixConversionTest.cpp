@@ -16,7 +16,6 @@ namespace {
 
 using test::AreSameBits;
 using test::InverseValuesOf;
-using test::ValuesOf;
 
 static_assert(std::is_constructible_v<Matrix<float>, Matrix<double> const&>);
 static_assert(std::is_same_v<decltype(std::declval<Matrix<float>&>() = std::declval<Matrix<double> const&>()),

@@ -47,7 +47,7 @@ bool CountDelete(void* ip_memory) {
   Counts& counts = GetCounts();
   auto* const memory = static_cast<char const*>(ip_memory);
   std::lock_guard<std::mutex> const lock(counts.mutex);
-  if (counts.kept.count(memory) != 0) {
+  if (counts.kept.contains(memory)) {
     ++counts.freed_again;
     return true;
   }

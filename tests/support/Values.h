@@ -33,8 +33,8 @@ Values<T> Diagonal(T i_x, T i_y, T i_z) {
 /// Whether the bytes are the same: signs of zeros and NaNs count.
 template <class T>
 bool AreSameBits(Values<T> const& i_a, Values<T> const& i_b) {
-  return std::memcmp(i_a.data(), i_b.data(), sizeof(i_a)) ==
-         0;  // NOLINT(bugprone-suspicious-memory-comparison)
+  // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison): bytes are what is asked for
+  return std::memcmp(i_a.data(), i_b.data(), sizeof(i_a)) == 0;
 }
 
 /// Values between -1 and 1 from a seeded generator.
