@@ -5,11 +5,15 @@ function(lum_add_library target)
   add_library(${target} ${ARGN})
   target_sources(
     ${target}
-    PRIVATE "${PROJECT_SOURCE_DIR}/geometry/EigenAlgorithms.cpp"
+    PRIVATE "${PROJECT_SOURCE_DIR}/geometry/CubeElementIds.cpp"
+            "${PROJECT_SOURCE_DIR}/geometry/CubeSpaceIds.cpp"
+            "${PROJECT_SOURCE_DIR}/geometry/EigenAlgorithms.cpp"
             "${PROJECT_SOURCE_DIR}/geometry/GlobalObjectPool.cpp"
             "${PROJECT_SOURCE_DIR}/geometry/Matrix.cpp"
             "${PROJECT_SOURCE_DIR}/geometry/Plane.cpp"
+            "${PROJECT_SOURCE_DIR}/geometry/PseudoInverse.cpp"
             "${PROJECT_SOURCE_DIR}/geometry/Quaternion.cpp"
+            "${PROJECT_SOURCE_DIR}/geometry/RootFinding.cpp"
             "${PROJECT_SOURCE_DIR}/geometry/TrilinearInterpolation.cpp"
             "${PROJECT_SOURCE_DIR}/geometry/Vector.cpp"
     PUBLIC FILE_SET
@@ -19,9 +23,19 @@ function(lum_add_library target)
            FILES
            "${PROJECT_SOURCE_DIR}/Utility/Lazy.h"
            "${PROJECT_SOURCE_DIR}/Utility/optional.h"
+           "${PROJECT_SOURCE_DIR}/geometry/CanonicalCubeElement.h"
+           "${PROJECT_SOURCE_DIR}/geometry/CubeArithmetic.h"
+           "${PROJECT_SOURCE_DIR}/geometry/CubeEdgeIterator.h"
+           "${PROJECT_SOURCE_DIR}/geometry/CubeElement.h"
+           "${PROJECT_SOURCE_DIR}/geometry/CubeElementIds.h"
+           "${PROJECT_SOURCE_DIR}/geometry/CubeFaceIterator.h"
+           "${PROJECT_SOURCE_DIR}/geometry/CubeSpace.h"
+           "${PROJECT_SOURCE_DIR}/geometry/CubeSpaceIds.h"
+           "${PROJECT_SOURCE_DIR}/geometry/CubeVertexIterator.h"
            "${PROJECT_SOURCE_DIR}/geometry/Export.h"
            "${PROJECT_SOURCE_DIR}/geometry/GlobalObjectPool.h"
            "${PROJECT_SOURCE_DIR}/geometry/Handle.h"
+           "${PROJECT_SOURCE_DIR}/geometry/IndexIterator.h"
            "${PROJECT_SOURCE_DIR}/geometry/LinearInterpolation.h"
            "${PROJECT_SOURCE_DIR}/geometry/Matrix.h"
            "${PROJECT_SOURCE_DIR}/geometry/ObjectPool.h"
@@ -30,8 +44,10 @@ function(lum_add_library target)
            "${PROJECT_SOURCE_DIR}/geometry/ObjectPoolPolicy.h"
            "${PROJECT_SOURCE_DIR}/geometry/Plane.h"
            "${PROJECT_SOURCE_DIR}/geometry/Point.h"
+           "${PROJECT_SOURCE_DIR}/geometry/PseudoInverse.h"
            "${PROJECT_SOURCE_DIR}/geometry/Quaternion.h"
            "${PROJECT_SOURCE_DIR}/geometry/Range.h"
+           "${PROJECT_SOURCE_DIR}/geometry/RootFinding.h"
            "${PROJECT_SOURCE_DIR}/geometry/TrilinearInterpolation.h"
            "${PROJECT_SOURCE_DIR}/geometry/Vector.h")
   target_compile_features(${target} PUBLIC cxx_std_20)

@@ -45,4 +45,15 @@ std::array<float, 4> ExtractRotation(float const* ip_values) {
   return {quaternion.x(), quaternion.y(), quaternion.z(), quaternion.w()};
 }
 
+SingularValueDecomposition DecomposeSingularValues(double const* ip_values) {
+  using Values = lum_eigen::Matrix3d;
+  lum_eigen::JacobiSVD<Values> const svd(Values(lum_eigen::Map<Values const>(ip_values)),
+                                         lum_eigen::ComputeFullU | lum_eigen::ComputeFullV);
+  SingularValueDecomposition result{};
+  lum_eigen::Map<Values>(result.u.data()) = svd.matrixU();
+  lum_eigen::Map<lum_eigen::Vector3d>(result.singular_values.data()) = svd.singularValues();
+  lum_eigen::Map<Values>(result.v.data()) = svd.matrixV();
+  return result;
+}
+
 }  // namespace lum::internal

@@ -15,4 +15,14 @@ void InvertMatrix(double const* ip_values, double* op_inverse) noexcept;
 /// finite.
 std::array<float, 4> ExtractRotation(float const* ip_values);
 
+/// U diag(singular values) V^T, with U and V column by column and the singular values falling.
+struct SingularValueDecomposition {
+  std::array<double, 9> u;
+  std::array<double, 3> singular_values;
+  std::array<double, 9> v;
+};
+
+/// The decomposition of a 3x3 matrix of finite values by two-sided Jacobi rotations.
+SingularValueDecomposition DecomposeSingularValues(double const* ip_values);
+
 }  // namespace lum::internal

@@ -1,0 +1,151 @@
+#pragma once
+
+#include <compare>
+#include <ranges>
+#include <stdexcept>
+
+#include "geometry/CubeArithmetic.h"
+#include "geometry/CubeElement.h"
+#include "geometry/IndexIterator.h"
+
+/// Identifiers of the eight canonical elements of the cube.
+///
+/// A canonical element is an element with its position forgotten: the axes along which it extends.
+///
+///     bit    2   1   0          value    what it names
+///          +---+---+---+        0        the vertex
+///          | z | y | x |        1, 2, 4  an edge, by its axis
+///          +---+---+---+        3, 5, 6  a face, by the two axes that it spans
+///                               7        the cube
+///
+/// It is the element's value >> 3.
+namespace lum::CanonicalCubeElementIds {
+
+enum class CanonicalVertex : unsigned int {};
+enum class CanonicalEdge : unsigned int {};
+enum class CanonicalFace : unsigned int {};
+enum class CanonicalCube : unsigned int {};
+
+}  // namespace lum::CanonicalCubeElementIds
+
+namespace lum {
+
+/// A canonical element of any dimension, with checked conversions to edge and face.
+///
+/// A plain value. Making one checks nothing; the conversions count the bits of the whole value and look at
+/// nothing else. Safe from any thread.
+class CanonicalCubeElement {
+ public:
+  explicit constexpr CanonicalCubeElement(unsigned int i_index) noexcept : m_index(i_index) {}
+  constexpr CanonicalCubeElement(CanonicalCubeElementIds::CanonicalVertex i_vertex) noexcept
+      : m_index(static_cast<unsigned int>(i_vertex)) {}
+  constexpr CanonicalCubeElement(CanonicalCubeElementIds::CanonicalEdge i_edge) noexcept
+      : m_index(static_cast<unsigned int>(i_edge)) {}
+  constexpr CanonicalCubeElement(CanonicalCubeElementIds::CanonicalFace i_face) noexcept
+      : m_index(static_cast<unsigned int>(i_face)) {}
+  constexpr CanonicalCubeElement(CanonicalCubeElementIds::CanonicalCube i_cube) noexcept
+      : m_index(static_cast<unsigned int>(i_cube)) {}
+  /// Forgets where the element lies.
+  explicit constexpr CanonicalCubeElement(CubeElement i_element) noexcept
+      : m_index(i_element.GetIndex() >> 3) {}
+
+  constexpr unsigned int GetIndex() const noexcept { return m_index; }
+  /// The number of set bits: 0 for the vertex, 1 for edges, 2 for faces, 3 for the cube.
+  constexpr unsigned int GetDimensionality() const noexcept { return internal::CountBits(m_index); }
+  /// Throws `std::invalid_argument` unless exactly one bit is set.
+  constexpr CanonicalCubeElementIds::CanonicalEdge GetAsEdge() const;
+  /// Throws `std::invalid_argument` unless exactly two bits are set.
+  constexpr CanonicalCubeElementIds::CanonicalFace GetAsFace() const;
+
+  /// By value.
+  friend constexpr auto operator<=>(CanonicalCubeElement const&,
+                                    CanonicalCubeElement const&) noexcept = default;
+
+ private:
+  unsigned int m_index;
+};
+
+constexpr CanonicalCubeElementIds::CanonicalEdge CanonicalCubeElement::GetAsEdge() const {
+  if (GetDimensionality() != 1) {
+    throw std::invalid_argument("[CanonicalCubeElement] Cannot return element as edge");
+  }
+  return CanonicalCubeElementIds::CanonicalEdge{m_index};
+}
+
+constexpr CanonicalCubeElementIds::CanonicalFace CanonicalCubeElement::GetAsFace() const {
+  if (GetDimensionality() != 2) {
+    throw std::invalid_argument("[CanonicalCubeElement] Cannot return element as face");
+  }
+  return CanonicalCubeElementIds::CanonicalFace{m_index};
+}
+
+/// Element i is 1 << i.
+class CanonicalEdgeIterator
+    : public internal::IndexIterator<CanonicalEdgeIterator, CanonicalCubeElementIds::CanonicalEdge> {
+ public:
+  constexpr CanonicalEdgeIterator() noexcept = default;
+  explicit constexpr CanonicalEdgeIterator(bool i_end) noexcept : IndexIterator(i_end ? 3 : 0) {}
+
+  constexpr CanonicalCubeElementIds::CanonicalEdge operator*() const noexcept {
+    return CanonicalCubeElementIds::CanonicalEdge{internal::ShiftLeft(1, GetIndex())};
+  }
+
+  friend constexpr auto operator<=>(CanonicalEdgeIterator const&,
+                                    CanonicalEdgeIterator const&) noexcept = default;
+};
+
+/// Element i is (1 << i) ^ 7.
+class CanonicalFaceIterator
+    : public internal::IndexIterator<CanonicalFaceIterator, CanonicalCubeElementIds::CanonicalFace> {
+ public:
+  constexpr CanonicalFaceIterator() noexcept = default;
+  explicit constexpr CanonicalFaceIterator(bool i_end) noexcept : IndexIterator(i_end ? 3 : 0) {}
+
+  constexpr CanonicalCubeElementIds::CanonicalFace operator*() const noexcept {
+    return CanonicalCubeElementIds::CanonicalFace{internal::ShiftLeft(1, GetIndex()) ^ 7U};
+  }
+
+  friend constexpr auto operator<=>(CanonicalFaceIterator const&,
+                                    CanonicalFaceIterator const&) noexcept = default;
+};
+
+/// The three canonical edges in the order of their axes: 1, 2, 4. Nothing is checked; `IndexOf` a value from
+/// outside gives some number.
+class CanonicalEdgeIterable {
+ public:
+  using Iterator = CanonicalEdgeIterator;
+
+  static constexpr unsigned long size() noexcept { return 3; }
+  constexpr Iterator begin() const noexcept { return Iterator(false); }
+  constexpr Iterator end() const noexcept { return Iterator(true); }
+  constexpr CanonicalCubeElementIds::CanonicalEdge operator[](unsigned long i_index) const noexcept {
+    return *(begin() + static_cast<Iterator::difference_type>(i_index));
+  }
+  static constexpr unsigned long IndexOf(CanonicalCubeElementIds::CanonicalEdge i_edge) noexcept {
+    return static_cast<unsigned int>(i_edge) >> 1;
+  }
+};
+
+/// The three canonical faces, each by the axis that it does not span: 6, 5, 3. Nothing is checked; `IndexOf`
+/// a value from outside gives some number.
+class CanonicalFaceIterable {
+ public:
+  using Iterator = CanonicalFaceIterator;
+
+  static constexpr unsigned long size() noexcept { return 3; }
+  constexpr Iterator begin() const noexcept { return Iterator(false); }
+  constexpr Iterator end() const noexcept { return Iterator(true); }
+  constexpr CanonicalCubeElementIds::CanonicalFace operator[](unsigned long i_index) const noexcept {
+    return *(begin() + static_cast<Iterator::difference_type>(i_index));
+  }
+  static constexpr unsigned long IndexOf(CanonicalCubeElementIds::CanonicalFace i_face) noexcept {
+    return (static_cast<unsigned int>(i_face) >> 1) ^ 3U;
+  }
+};
+
+}  // namespace lum
+
+template <>
+inline constexpr bool std::ranges::enable_borrowed_range<lum::CanonicalEdgeIterable> = true;
+template <>
+inline constexpr bool std::ranges::enable_borrowed_range<lum::CanonicalFaceIterable> = true;

@@ -1,0 +1,161 @@
+#pragma once
+
+#include <ranges>
+#include <stdexcept>
+
+#include "geometry/CubeArithmetic.h"
+#include "geometry/CubeElementIds.h"
+#include "geometry/CubeSpace.h"
+#include "geometry/CubeSpaceIds.h"
+#include "geometry/IndexIterator.h"
+
+/// The edges of the cube, all or those along one axis, or of one of its faces, as random access ranges.
+///
+/// No tables: an edge is computed from its index i in the range. Its layout is
+///
+///     bit    5   4   3   2   1   0
+///          +---+---+---+---+---+---+
+///          | z | y | x | z | y | x |      its axis o, then the vertex where it starts
+///          +---+---+---+---+---+---+
+///
+///     of the cube          o << 3 | rot(i & 3, k + 1)      k = i >> 2 numbers the axis, o = 1 << k
+///     along one axis o     o << 3 | rot(i & 3, k + 1)      k = o >> 1
+///     of a face f          o << 3 | ((f & 7) ^ offset)     o = rot(n, s), offset = rot(i & 1 ? n : 0, s ^ 3)
+///                                                          with n the normal axis and s = (i >> 1) + 1
+///
+/// where rot turns three bits cyclically. So a face of normal n lists two edges along rot(n, 1), at its base
+/// and shifted along rot(n, 2), and then two along rot(n, 2), at its base and shifted along rot(n, 1).
+///
+/// Iterators and iterables are small values: iterators outlive their iterable, and all are safe from any
+/// thread. `IndexOf` an element from outside gives some number.
+namespace lum {
+
+/// \tparam ContainingElement  `CubeElementIds::Cube` or `Face`
+template <class ContainingElement>
+class CubeEdgeIterator;
+template <class ContainingElement>
+class CubeEdgeIterable;
+
+template <>
+class CubeEdgeIterator<CubeElementIds::Cube>
+    : public internal::IndexIterator<CubeEdgeIterator<CubeElementIds::Cube>, CubeElementIds::Edge> {
+ public:
+  constexpr CubeEdgeIterator() noexcept = default;
+  /// Over all 12 edges.
+  explicit constexpr CubeEdgeIterator(bool i_end) noexcept : IndexIterator(i_end ? 12 : 0) {}
+  /// Over the four along one axis.
+  constexpr CubeEdgeIterator(CubeSpaceIds::Orientation i_orientation, bool i_end) noexcept
+      : IndexIterator(i_end ? 4 : 0), m_space(i_orientation) {}
+
+  constexpr CubeElementIds::Edge operator*() const {
+    auto const orientation = static_cast<unsigned int>(GetOrientation());
+    unsigned int const start = internal::Rotate(GetIndex() & 3U, internal::GetAxisNumber(orientation) + 1);
+    return CubeElementIds::Edge{(orientation << 3) | start};
+  }
+
+  friend constexpr auto operator<=>(CubeEdgeIterator const&, CubeEdgeIterator const&) noexcept = default;
+
+ private:
+  constexpr CubeSpaceIds::Orientation GetOrientation() const {
+    if (internal::CountBits(m_space.GetIndex()) == 1) return m_space.GetAsOrientation();
+    return CubeSpaceIds::Orientation{internal::ShiftLeft(1, GetIndex() >> 2)};
+  }
+
+  CubeSpace m_space = CubeSpaceIds::VolumeXYZ;
+};
+
+template <>
+class CubeEdgeIterator<CubeElementIds::Face>
+    : public internal::IndexIterator<CubeEdgeIterator<CubeElementIds::Face>, CubeElementIds::Edge> {
+ public:
+  constexpr CubeEdgeIterator() noexcept = default;
+  constexpr CubeEdgeIterator(CubeElementIds::Face i_face, bool i_end) noexcept
+      : IndexIterator(i_end ? 4 : 0), m_face(i_face) {}
+
+  constexpr CubeElementIds::Edge operator*() const noexcept {
+    auto const face = static_cast<unsigned int>(m_face);
+    unsigned int const normal = (face >> 3) ^ 7U;
+    unsigned int const turn = (GetIndex() >> 1) + 1;
+    unsigned int const orientation = internal::Rotate(normal, turn);
+    unsigned int const offset =
+        internal::Rotate(internal::ShiftLeft(GetIndex() & 1U, internal::GetAxisNumber(normal)), turn ^ 3U);
+    return CubeElementIds::Edge{(orientation << 3) | ((face & 7U) ^ offset)};
+  }
+
+  friend constexpr auto operator<=>(CubeEdgeIterator const&, CubeEdgeIterator const&) noexcept = default;
+
+ private:
+  CubeElementIds::Face m_face{};
+};
+
+/// All 12 edges, four along each axis, x first; or the four along one axis.
+///
+/// `size`, `begin`, `end` and `operator[]` throw `std::invalid_argument` when the space given is neither one
+/// axis nor all three: the number of its bits is looked at, not which they are. `IndexOf` does not check it.
+template <>
+class CubeEdgeIterable<CubeElementIds::Cube> {
+ public:
+  using Iterator = CubeEdgeIterator<CubeElementIds::Cube>;
+
+  constexpr CubeEdgeIterable() noexcept = default;
+  explicit constexpr CubeEdgeIterable(CubeSpaceIds::Orientation i_orientation) noexcept
+      : m_space(i_orientation) {}
+
+  constexpr unsigned long size() const { return IsWholeCube() ? 12 : 4; }
+  constexpr Iterator begin() const { return At(false); }
+  constexpr Iterator end() const { return At(true); }
+  constexpr CubeElementIds::Edge operator[](unsigned long i_index) const {
+    return *(begin() + static_cast<Iterator::difference_type>(i_index));
+  }
+  constexpr unsigned long IndexOf(CubeElementIds::Edge i_edge) const noexcept {
+    auto const edge = static_cast<unsigned int>(i_edge);
+    unsigned int const axis = (edge >> 4) & 3U;
+    unsigned int const along_axis = internal::Rotate(edge & 7U, (axis + 1) ^ 3U);
+    return internal::CountBits(m_space.GetIndex()) == 1 ? along_axis : (4 * axis) | along_axis;
+  }
+
+ private:
+  constexpr bool IsWholeCube() const {
+    unsigned int const count = internal::CountBits(m_space.GetIndex());
+    if (count != 1 && count != 3) {
+      throw std::invalid_argument("[CubeEdgeIterator] CubeEdgeIterable has invalid space");
+    }
+    return count == 3;
+  }
+  constexpr Iterator At(bool i_end) const {
+    return IsWholeCube() ? Iterator(i_end) : Iterator(m_space.GetAsOrientation(), i_end);
+  }
+
+  CubeSpace m_space = CubeSpaceIds::VolumeXYZ;
+};
+
+template <>
+class CubeEdgeIterable<CubeElementIds::Face> {
+ public:
+  using Iterator = CubeEdgeIterator<CubeElementIds::Face>;
+
+  explicit constexpr CubeEdgeIterable(CubeElementIds::Face i_face) noexcept : m_face(i_face) {}
+
+  static constexpr unsigned long size() noexcept { return 4; }
+  constexpr Iterator begin() const noexcept { return {m_face, false}; }
+  constexpr Iterator end() const noexcept { return {m_face, true}; }
+  constexpr CubeElementIds::Edge operator[](unsigned long i_index) const noexcept {
+    return *(begin() + static_cast<Iterator::difference_type>(i_index));
+  }
+  constexpr unsigned long IndexOf(CubeElementIds::Edge i_edge) const noexcept {
+    auto const face = static_cast<unsigned int>(m_face);
+    auto const edge = static_cast<unsigned int>(i_edge);
+    unsigned int const difference = face ^ edge;
+    unsigned int const is_shifted = internal::ShiftRight(difference & 7U, difference >> 4);
+    unsigned int const is_second_pair = internal::Rotate(edge >> 3, (face >> 4) - 1) & 6U;
+    return is_shifted | is_second_pair;
+  }
+
+ private:
+  CubeElementIds::Face m_face;
+};
+
+}  // namespace lum
+
+template <class ContainingElement>
+inline constexpr bool std::ranges::enable_borrowed_range<lum::CubeEdgeIterable<ContainingElement>> = true;

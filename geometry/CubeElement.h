@@ -1,0 +1,30 @@
+#pragma once
+
+#include <compare>
+
+#include "geometry/CubeElementIds.h"
+
+namespace lum {
+
+/// An element of the unit cube of any dimension; the layout of its value is drawn in CubeElementIds.h.
+///
+/// A plain value. Making one checks nothing. Safe from any thread.
+class CubeElement {
+ public:
+  explicit constexpr CubeElement(unsigned int i_index) noexcept : m_index(i_index) {}
+  constexpr CubeElement(CubeElementIds::Vertex i_vertex) noexcept
+      : m_index(static_cast<unsigned int>(i_vertex)) {}
+  constexpr CubeElement(CubeElementIds::Edge i_edge) noexcept : m_index(static_cast<unsigned int>(i_edge)) {}
+  constexpr CubeElement(CubeElementIds::Face i_face) noexcept : m_index(static_cast<unsigned int>(i_face)) {}
+  constexpr CubeElement(CubeElementIds::Cube i_cube) noexcept : m_index(static_cast<unsigned int>(i_cube)) {}
+
+  constexpr unsigned int GetIndex() const noexcept { return m_index; }
+
+  /// By value.
+  friend constexpr auto operator<=>(CubeElement const&, CubeElement const&) noexcept = default;
+
+ private:
+  unsigned int m_index;
+};
+
+}  // namespace lum

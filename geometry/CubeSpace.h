@@ -1,0 +1,68 @@
+#pragma once
+
+#include <compare>
+#include <stdexcept>
+
+#include "geometry/CubeArithmetic.h"
+#include "geometry/CubeSpaceIds.h"
+
+namespace lum {
+
+/// A set of the cube's axes of any size, with checked conversions to the identifiers of each size.
+///
+///     bit    2   1   0
+///          +---+---+---+
+///          | z | y | x |      one bit set: an orientation, two: a plane, three: the volume
+///          +---+---+---+
+///
+/// A plain value. Making one checks nothing; the conversions count the bits of the whole value and look at
+/// nothing else, so 9 passes for a plane. Safe from any thread.
+class CubeSpace {
+ public:
+  explicit constexpr CubeSpace(unsigned int i_index) noexcept : m_index(i_index) {}
+  constexpr CubeSpace(CubeSpaceIds::Orientation i_orientation) noexcept
+      : m_index(static_cast<unsigned int>(i_orientation)) {}
+  constexpr CubeSpace(CubeSpaceIds::Plane i_plane) noexcept : m_index(static_cast<unsigned int>(i_plane)) {}
+  constexpr CubeSpace(CubeSpaceIds::Volume i_volume) noexcept
+      : m_index(static_cast<unsigned int>(i_volume)) {}
+
+  constexpr unsigned int GetIndex() const noexcept { return m_index; }
+
+  /// Throws `std::invalid_argument` unless exactly one bit is set.
+  constexpr CubeSpaceIds::Orientation GetAsOrientation() const;
+  /// Throws `std::invalid_argument` unless exactly two bits are set.
+  constexpr CubeSpaceIds::Plane GetAsPlane() const;
+
+  /// By value.
+  friend constexpr auto operator<=>(CubeSpace const&, CubeSpace const&) noexcept = default;
+
+ private:
+  unsigned int m_index;
+};
+
+constexpr CubeSpaceIds::Orientation CubeSpace::GetAsOrientation() const {
+  if (internal::CountBits(m_index) != 1) {
+    throw std::invalid_argument("[CubeSpace] Cannot return space as orientation.");
+  }
+  return CubeSpaceIds::Orientation{m_index};
+}
+
+constexpr CubeSpaceIds::Plane CubeSpace::GetAsPlane() const {
+  if (internal::CountBits(m_index) != 2) {
+    throw std::invalid_argument("[CubeSpace] Cannot return space as plane.");
+  }
+  return CubeSpaceIds::Plane{m_index};
+}
+
+/// The two axes that an orientation leaves out.
+constexpr CubeSpaceIds::Plane GetPerpendicularPlane(CubeSpaceIds::Orientation i_orientation) noexcept {
+  return CubeSpaceIds::Plane{~static_cast<unsigned int>(i_orientation) & 7U};
+}
+
+/// The axis that a plane leaves out, looking at its low three bits; throws `std::invalid_argument`, as
+/// `GetAsOrientation` does, when they leave out none or several.
+constexpr CubeSpaceIds::Orientation GetNormalOrientation(CubeSpaceIds::Plane i_plane) {
+  return CubeSpace((static_cast<unsigned int>(i_plane) & 7U) ^ 7U).GetAsOrientation();
+}
+
+}  // namespace lum

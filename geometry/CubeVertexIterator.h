@@ -1,0 +1,157 @@
+#pragma once
+
+#include <ranges>
+
+#include "geometry/CubeArithmetic.h"
+#include "geometry/CubeElementIds.h"
+#include "geometry/IndexIterator.h"
+
+/// The vertices of the cube, of one of its faces or of one of its edges, as random access ranges.
+///
+/// No tables: a vertex is computed from its index i in the range and the containing element, whose layout is
+///
+///     bit    5   4   3   2   1   0
+///          +---+---+---+---+---+---+
+///          | z | y | x | z | y | x |      free axes, then position
+///          +---+---+---+---+---+---+
+///
+///     of the cube    i
+///     of an edge e   i << (e >> 4) | (e & 7)     bit 0 of i goes to the edge's axis
+///     of a face f    rot(i, s) | (f & 7)         bits 0 and 1 of i go to the two axes that cyclically follow
+///                                                the normal, s being the normal's number plus 1
+///
+/// where rot turns three bits cyclically. The order on a face is that of the bits and no walk around it: its
+/// second and third vertices are diagonal to each other.
+///
+/// Iterators and iterables are small values: iterators outlive their iterable, and all are safe from any
+/// thread. Nothing is checked and nothing throws; `IndexOf` an element from outside gives some number.
+namespace lum {
+
+/// \tparam ContainingElement  `CubeElementIds::Cube`, `Face` or `Edge`
+template <class ContainingElement>
+class CubeVertexIterator;
+template <class ContainingElement>
+class CubeVertexIterable;
+
+template <>
+class CubeVertexIterator<CubeElementIds::Cube>
+    : public internal::IndexIterator<CubeVertexIterator<CubeElementIds::Cube>, CubeElementIds::Vertex> {
+ public:
+  constexpr CubeVertexIterator() noexcept = default;
+  explicit constexpr CubeVertexIterator(bool i_end) noexcept : IndexIterator(i_end ? 8 : 0) {}
+
+  constexpr CubeElementIds::Vertex operator*() const noexcept { return CubeElementIds::Vertex{GetIndex()}; }
+
+  friend constexpr auto operator<=>(CubeVertexIterator const&, CubeVertexIterator const&) noexcept = default;
+};
+
+template <>
+class CubeVertexIterator<CubeElementIds::Face>
+    : public internal::IndexIterator<CubeVertexIterator<CubeElementIds::Face>, CubeElementIds::Vertex> {
+ public:
+  constexpr CubeVertexIterator() noexcept = default;
+  constexpr CubeVertexIterator(CubeElementIds::Face i_face, bool i_end) noexcept
+      : IndexIterator(i_end ? 4 : 0), m_face(i_face) {}
+
+  constexpr CubeElementIds::Vertex operator*() const noexcept {
+    auto const face = static_cast<unsigned int>(m_face);
+    unsigned int const turn = ((face >> 4) ^ 3U) + 1;
+    return CubeElementIds::Vertex{internal::Rotate(GetIndex(), turn) | (face & 7U)};
+  }
+
+  friend constexpr auto operator<=>(CubeVertexIterator const&, CubeVertexIterator const&) noexcept = default;
+
+ private:
+  CubeElementIds::Face m_face{};
+};
+
+template <>
+class CubeVertexIterator<CubeElementIds::Edge>
+    : public internal::IndexIterator<CubeVertexIterator<CubeElementIds::Edge>, CubeElementIds::Vertex> {
+ public:
+  constexpr CubeVertexIterator() noexcept = default;
+  constexpr CubeVertexIterator(CubeElementIds::Edge i_edge, bool i_end) noexcept
+      : IndexIterator(i_end ? 2 : 0), m_edge(i_edge) {}
+
+  constexpr CubeElementIds::Vertex operator*() const noexcept {
+    auto const edge = static_cast<unsigned int>(m_edge);
+    return CubeElementIds::Vertex{internal::ShiftLeft(GetIndex(), edge >> 4) | (edge & 7U)};
+  }
+
+  friend constexpr auto operator<=>(CubeVertexIterator const&, CubeVertexIterator const&) noexcept = default;
+
+ private:
+  CubeElementIds::Edge m_edge{};
+};
+
+/// 0 to 7.
+template <>
+class CubeVertexIterable<CubeElementIds::Cube> {
+ public:
+  using Iterator = CubeVertexIterator<CubeElementIds::Cube>;
+
+  constexpr CubeVertexIterable() noexcept = default;
+  /// There is one cube; which is given does not matter.
+  explicit constexpr CubeVertexIterable(CubeElementIds::Cube) noexcept {}
+
+  static constexpr unsigned long size() noexcept { return 8; }
+  constexpr Iterator begin() const noexcept { return Iterator(false); }
+  constexpr Iterator end() const noexcept { return Iterator(true); }
+  constexpr CubeElementIds::Vertex operator[](unsigned long i_index) const noexcept {
+    return *(begin() + static_cast<Iterator::difference_type>(i_index));
+  }
+  static constexpr unsigned long IndexOf(CubeElementIds::Vertex i_vertex) noexcept {
+    return static_cast<unsigned int>(i_vertex);
+  }
+};
+
+template <>
+class CubeVertexIterable<CubeElementIds::Face> {
+ public:
+  using Iterator = CubeVertexIterator<CubeElementIds::Face>;
+
+  explicit constexpr CubeVertexIterable(CubeElementIds::Face i_face) noexcept : m_face(i_face) {}
+
+  static constexpr unsigned long size() noexcept { return 4; }
+  constexpr Iterator begin() const noexcept { return {m_face, false}; }
+  constexpr Iterator end() const noexcept { return {m_face, true}; }
+  constexpr CubeElementIds::Vertex operator[](unsigned long i_index) const noexcept {
+    return *(begin() + static_cast<Iterator::difference_type>(i_index));
+  }
+  constexpr unsigned long IndexOf(CubeElementIds::Vertex i_vertex) const noexcept {
+    auto const face = static_cast<unsigned int>(m_face);
+    unsigned int const turn = (4 - ((face >> 4) & 3U)) ^ 3U;
+    return internal::Rotate((static_cast<unsigned int>(i_vertex) ^ face) & 7U, turn);
+  }
+
+ private:
+  CubeElementIds::Face m_face;
+};
+
+/// The start of the edge, then its end.
+template <>
+class CubeVertexIterable<CubeElementIds::Edge> {
+ public:
+  using Iterator = CubeVertexIterator<CubeElementIds::Edge>;
+
+  explicit constexpr CubeVertexIterable(CubeElementIds::Edge i_edge) noexcept : m_edge(i_edge) {}
+
+  static constexpr unsigned long size() noexcept { return 2; }
+  constexpr Iterator begin() const noexcept { return {m_edge, false}; }
+  constexpr Iterator end() const noexcept { return {m_edge, true}; }
+  constexpr CubeElementIds::Vertex operator[](unsigned long i_index) const noexcept {
+    return *(begin() + static_cast<Iterator::difference_type>(i_index));
+  }
+  constexpr unsigned long IndexOf(CubeElementIds::Vertex i_vertex) const noexcept {
+    auto const edge = static_cast<unsigned int>(m_edge);
+    return ((static_cast<unsigned int>(i_vertex) ^ edge) & 7U) >> ((edge >> 4) & 3U);
+  }
+
+ private:
+  CubeElementIds::Edge m_edge;
+};
+
+}  // namespace lum
+
+template <class ContainingElement>
+inline constexpr bool std::ranges::enable_borrowed_range<lum::CubeVertexIterable<ContainingElement>> = true;

@@ -1,0 +1,56 @@
+#include "geometry/PseudoInverse.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+
+#include "geometry/EigenAlgorithms.h"
+#include "geometry/StrictArithmetic.h"
+
+namespace lum {
+namespace {
+
+// Newer versions of Eigen raise the threshold to the smallest normal number; a rank that does not depend on
+// the version is counted here.
+std::int32_t CountRank(std::array<double, 3> const& i_singular_values, double i_tolerance) {
+  double const threshold = i_singular_values[0] * i_tolerance;
+  std::int32_t rank = 3;
+  for (auto value = i_singular_values.rbegin(); value != i_singular_values.rend(); ++value) {
+    if (*value != 0 && !(*value < threshold)) break;
+    --rank;
+  }
+  return rank;
+}
+
+}  // namespace
+
+PseudoInverseResult CalculatePseudoInverse(Eigen::Matrix3d const& i_matrix, double i_tolerance) {
+  PseudoInverseResult result{};
+  if (!std::all_of(i_matrix.data(), i_matrix.data() + 9,
+                   [](double i_value) { return std::isfinite(i_value); })) {
+    // Newer versions of Eigen give up on such a matrix and leave the decomposition uninitialised.
+    std::fill_n(result.pseudoInverse.data(), 9, std::numeric_limits<double>::quiet_NaN());
+    result.rank = 0;
+    return result;
+  }
+
+  internal::SingularValueDecomposition const decomposition =
+      internal::DecomposeSingularValues(i_matrix.data());
+  auto const& [u, singular_values, v] = decomposition;
+  std::array<double, 3> inverted{};
+  std::transform(singular_values.begin(), singular_values.end(), inverted.begin(),
+                 [i_tolerance](double i_value) { return i_value >= i_tolerance ? 1 / i_value : 0; });
+  double* const values = result.pseudoInverse.data();
+  for (std::size_t column = 0; column < 3; ++column) {
+    for (std::size_t row = 0; row < 3; ++row) {
+      values[row + 3 * column] = v[row] * inverted[0] * u[column] +          //
+                                 v[row + 3] * inverted[1] * u[column + 3] +  //
+                                 v[row + 6] * inverted[2] * u[column + 6];
+    }
+  }
+  result.rank = CountRank(singular_values, i_tolerance);
+  return result;
+}
+
+}  // namespace lum
