@@ -13,7 +13,9 @@
 #include <string>
 
 #include "geometry/Matrix.h"
+#include "geometry/PseudoInverse.h"
 #include "geometry/Quaternion.h"
+#include "geometry/RootFinding.h"
 #include "geometry/TrilinearInterpolation.h"
 
 namespace {
@@ -157,6 +159,37 @@ void AddInterpolations() {
   }
 }
 
+void AddRoots() {
+  Numbers<double> next;
+  for (int round = 0; round < rounds; ++round) {
+    double const square = 1 + std::abs(next());
+    double const lower = -1 / square;
+    double const tolerance = 1e-6 * square;
+    // Its values are kept from being fused into anything: this file is compiled like a user's.
+    auto const parabola = [square](double i_x) {
+      double volatile const x_squared = i_x * i_x;
+      return x_squared - square;
+    };
+    double root = 0;
+    if (std::isfinite(square) && square < 1e100) {
+      root = lum::RootFinding::RegulaFalsi(parabola, {lower, 2 * square}, tolerance);
+    }
+    Add("RegulaFalsi", &root, 1);
+  }
+}
+
+void AddPseudoInverses() {
+  Numbers<double> next;
+  for (int round = 0; round < rounds; ++round) {
+    Eigen::Matrix3d matrix;
+    for (double* value = matrix.data(); value != matrix.data() + 9; ++value) *value = next();
+    lum::PseudoInverseResult const result = lum::CalculatePseudoInverse(matrix, 0.5);
+    auto const rank = static_cast<double>(result.rank);
+    Add("CalculatePseudoInverse", result.pseudoInverse.data(), 9);
+    Add("CalculatePseudoInverse, rank", &rank, 1);
+  }
+}
+
 }  // namespace
 
 int main() {
@@ -164,6 +197,8 @@ int main() {
   AddTransforms<double>("double");
   AddRotations();
   AddInterpolations();
+  AddRoots();
+  AddPseudoInverses();
   std::printf("seed %u\n", seed);
   for (auto const& [operation, hash] : hashes) {
     std::printf("%016llx %s\n", static_cast<unsigned long long>(hash), operation.c_str());
