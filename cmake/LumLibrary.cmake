@@ -60,6 +60,11 @@ function(lum_add_library target)
                POSITION_INDEPENDENT_CODE ON
                VERSION ${PROJECT_VERSION}
                SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
+  if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+    # Eigen gives up on matrices that are not finite; g++ cannot see that none such gets there.
+    set_source_files_properties("${PROJECT_SOURCE_DIR}/geometry/EigenAlgorithms.cpp"
+                                PROPERTIES COMPILE_OPTIONS -Wno-maybe-uninitialized)
+  endif()
   lum_keep_order_of_operations(${target})
   lum_warnings(${target})
 endfunction()

@@ -26,7 +26,7 @@ Vector Turn(lum::Quaternionf const& i_rotation, lum::Vector<float, 3> const& i_v
 }
 
 // A voxel, not a point between two: the pixels of a straight slice fall on voxels.
-Point GetMiddle(Volume const& i_volume) {
+Point GetMiddle(common::Volume const& i_volume) {
   Point middle;
   for (std::size_t axis = 0; axis < 3; ++axis) {
     std::size_t const voxel = i_volume.size[axis] / 2;
@@ -51,7 +51,7 @@ Reach ReachOf(std::size_t i_size) {
 }
 
 // Far enough for the centres of all voxels.
-Reach ReachOf(Volume const& i_volume, lum::Matrix<double> const& i_voxel_to_plane) {
+Reach ReachOf(common::Volume const& i_volume, lum::Matrix<double> const& i_voxel_to_plane) {
   Reach reach{};
   for (unsigned corner = 0; corner < 8; ++corner) {
     Point voxel;
@@ -69,7 +69,7 @@ Reach ReachOf(Volume const& i_volume, lum::Matrix<double> const& i_voxel_to_plan
 
 }  // namespace
 
-Slice PlaceSlice(Volume const& i_volume, Placement const& i_placement) {
+Slice PlaceSlice(common::Volume const& i_volume, Placement const& i_placement) {
   if (!(lum::GetLength(i_placement.axis) > 0)) throw std::invalid_argument("the axis has length zero");
   lum::Quaternionf const rotation(lum::GetNormalized(i_placement.axis),
                                   static_cast<float>(i_placement.angle));
@@ -87,7 +87,7 @@ Slice PlaceSlice(Volume const& i_volume, Placement const& i_placement) {
           plane_to_world * lum::Matrix<double>::Translate(-reach.left, -reach.down, 0)};
 }
 
-Samples Resample(Volume const& i_volume, Slice const& i_slice) {
+Samples Resample(common::Volume const& i_volume, Slice const& i_slice) {
   lum::Matrix<double> const pixel_to_voxel = i_volume.voxel_to_world.GetInverse() * i_slice.pixel_to_world;
   Samples samples;
   samples.reserve(i_slice.width * i_slice.height);

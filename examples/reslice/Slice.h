@@ -7,7 +7,7 @@
 #include <optional>
 #include <vector>
 
-#include "reslice/Volume.h"
+#include "common/Volume.h"
 
 namespace reslice {
 
@@ -33,8 +33,8 @@ struct Slice {
 using Samples = std::vector<double>;
 
 /// An axis of length zero throws `std::invalid_argument`.
-Slice PlaceSlice(Volume const& i_volume, Placement const& i_placement);
+Slice PlaceSlice(common::Volume const& i_volume, Placement const& i_placement);
 
-Samples Resample(Volume const& i_volume, Slice const& i_slice);
+Samples Resample(common::Volume const& i_volume, Slice const& i_slice);
 
 }  // namespace reslice

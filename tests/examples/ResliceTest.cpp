@@ -1,117 +1,44 @@
 #include <gtest/gtest.h>
 #include <nifti1_io.h>
-#include <sys/wait.h>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <numbers>
 #include <string>
 #include <vector>
 
-#include "reslice/Picture.h"
+#include "common/Picture.h"
+#include "common/Volume.h"
 #include "reslice/Slice.h"
-#include "reslice/Volume.h"
+#include "tests/examples/ProgramTest.h"
 
 namespace reslice {
 namespace {
 
 namespace fs = std::filesystem;
 
+using common::Picture;
+using common::ReadVolume;
+using common::StretchContrast;
+using common::Volume;
+
 Volume const& GetHead() {
   static Volume const head = ReadVolume(HEAD_VOLUME);
   return head;
 }
 
-// A folder of its own for each test, removed with it.
-class Reslice : public testing::Test {
+class Reslice : public test::ProgramTest {
  protected:
-  void SetUp() override {
-    auto const* const info = testing::UnitTest::GetInstance()->current_test_info();
-    m_folder = fs::temp_directory_path() / (std::string("lum-") + info->name());
-    fs::remove_all(m_folder);
-    fs::create_directories(m_folder);
-  }
-  void TearDown() override { fs::remove_all(m_folder); }
+  Reslice() : ProgramTest("reslice", RESLICE_PROGRAM) {}
 
-  std::string In(std::string const& i_name) const { return (m_folder / i_name).string(); }
-
-  // Writes a volume of 5 x 4 x 3 voxels with an affine of rows, and values that tell every voxel apart.
-  template <class T>
-  std::string WriteVolume(std::string const& i_name, int i_datatype,
-                          std::array<std::array<float, 4>, 3> const& i_affine, float i_slope = 0,
-                          float i_intercept = 0) {
-    nifti_1_header header{};
-    header.sizeof_hdr = 348;
-    std::array<short, 8> const dimensions = {3, 5, 4, 3, 1, 1, 1, 1};
-    std::copy(dimensions.begin(), dimensions.end(), std::begin(header.dim));
-    header.datatype = static_cast<short>(i_datatype);
-    header.bitpix = static_cast<short>(8 * sizeof(T));
-    std::fill(std::begin(header.pixdim), std::end(header.pixdim), 1.0F);
-    header.vox_offset = 352;
-    header.scl_slope = i_slope;
-    header.scl_inter = i_intercept;
-    header.sform_code = NIFTI_XFORM_SCANNER_ANAT;
-    std::copy(i_affine[0].begin(), i_affine[0].end(), std::begin(header.srow_x));
-    std::copy(i_affine[1].begin(), i_affine[1].end(), std::begin(header.srow_y));
-    std::copy(i_affine[2].begin(), i_affine[2].end(), std::begin(header.srow_z));
-    std::copy_n("n+1", 4, std::begin(header.magic));
-
-    std::vector<char> bytes(352 + 60 * sizeof(T));
-    auto const* const start = reinterpret_cast<char const*>(&header);
-    std::copy(start, start + sizeof(header), bytes.begin());
-    for (int voxel = 0; voxel < 60; ++voxel) {
-      auto const value = static_cast<T>(ValueOf(voxel));
-      auto const* const first = reinterpret_cast<char const*>(&value);
-      std::copy(first, first + sizeof(T), &bytes[352 + static_cast<std::size_t>(voxel) * sizeof(T)]);
-    }
-    return WriteBytes(i_name, bytes);
-  }
-
-  static double ValueOf(int i_voxel) { return 7.0 * i_voxel - 100; }
-
-  std::string WriteBytes(std::string const& i_name, std::vector<char> const& i_bytes) const {
-    std::ofstream(In(i_name), std::ios::binary)
-        .write(i_bytes.data(), static_cast<std::streamsize>(i_bytes.size()));
-    return In(i_name);
-  }
-
-  static std::vector<char> ReadBytes(std::string const& i_path) {
-    std::ifstream file(i_path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
-
-  // Runs the program; its two streams are in the files "out" and "err".
-  int Run(std::string const& i_arguments) const {
-    std::string const command =
-        std::string(RESLICE_PROGRAM) + " " + i_arguments + " >" + In("out") + " 2>" + In("err");
-    int const status = std::system(command.c_str());  // NOLINT(concurrency-mt-unsafe): one thread
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  }
-
-  // Expects one line on standard error that holds the text, a failure, and nothing written.
+  // With an output behind the arguments, unless they hold one.
   void ExpectRefusal(std::string const& i_arguments, std::string const& i_text) const {
-    SCOPED_TRACE(i_arguments);
-    std::string const output = In("refused.png");
-    EXPECT_EQ(Run(i_arguments), 1);
-    std::vector<char> const error = ReadBytes(In("err"));
-    std::string const line(error.begin(), error.end());
-    EXPECT_TRUE(line.starts_with("reslice: ")) << line;
-    EXPECT_NE(line.find(i_text), std::string::npos) << line;
-    EXPECT_EQ(std::count(line.begin(), line.end(), '\n'), 1) << line;
-    EXPECT_TRUE(ReadBytes(In("out")).empty());
-    EXPECT_FALSE(fs::exists(output));
-    EXPECT_FALSE(fs::exists(output + ".part"));
+    ProgramTest::ExpectRefusal(i_arguments, i_text, {In("refused.png")});
   }
-
-  std::array<std::array<float, 4>, 3> const m_straight = {{{1, 0, 0, -2}, {0, 1, 0, -1}, {0, 0, 1, 5}}};
-  fs::path m_folder;
 };
 
 TEST_F(Reslice, AStraightSliceOfTheHeadEqualsTheVoxels) {
@@ -298,7 +225,7 @@ TEST_F(Reslice, RefusesAnAffineWithoutAnInverse) {
 TEST_F(Reslice, RefusesBadOptions) {
   std::string const paths = WriteVolume<float>("a.nii", DT_FLOAT32, m_straight) + " " + In("refused.png");
   ExpectRefusal(paths + " --axis 0,0,0", "the axis has length zero");
-  ExpectRefusal(paths + " --axis 1,2", "three numbers");
+  ExpectRefusal(paths + " --axis 1,2", "takes numbers X,Y,Z");
   ExpectRefusal(paths + " --axis 1,2,nan", "does not take");
   ExpectRefusal(paths + " --angle ninety", "does not take");
   ExpectRefusal(paths + " --offset 1mm", "does not take");

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace reslice {
+namespace common {
 
 /// A scalar volume and where it lies in the world.
 ///
@@ -30,4 +30,4 @@ struct Volume {
 /// Reads a NIfTI file. What cannot be read throws `std::runtime_error` with one line of text.
 Volume ReadVolume(std::string const& i_path);
 
-}  // namespace reslice
+}  // namespace common

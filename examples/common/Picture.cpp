@@ -1,15 +1,14 @@
-#include "reslice/Picture.h"
+#include "common/Picture.h"
 
 #include <png.h>
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
-#include <filesystem>
+#include <iterator>
 #include <stdexcept>
-#include <system_error>
+#include <string>
 
-namespace reslice {
+namespace common {
 
 Picture StretchContrast(std::size_t i_width, std::size_t i_height, std::vector<double> const& i_samples) {
   std::vector<double> inside;
@@ -30,25 +29,17 @@ Picture StretchContrast(std::size_t i_width, std::size_t i_height, std::vector<d
   return picture;
 }
 
-void WritePng(Picture const& i_picture, std::string const& i_path) {
+void WritePng(Picture const& i_picture, OutputFile const& i_file) {
   png_image image{};
   image.version = PNG_IMAGE_VERSION;
   image.width = static_cast<png_uint_32>(i_picture.width);
   image.height = static_cast<png_uint_32>(i_picture.height);
-  image.format = PNG_FORMAT_GRAY;
-
-  std::string const part = i_path + ".part";
-  if (png_image_write_to_file(&image, part.c_str(), 0, i_picture.pixels.data(), 0, nullptr) == 0) {
-    std::string const reason = image.message;
-    std::remove(part.c_str());
-    throw std::runtime_error("cannot write " + i_path + ": " + reason);
-  }
-  std::error_code error;
-  std::filesystem::rename(part, i_path, error);
-  if (error) {
-    std::remove(part.c_str());
-    throw std::runtime_error("cannot write " + i_path + ": " + error.message());
+  bool const is_grey = i_picture.pixels.size() == i_picture.width * i_picture.height;
+  image.format = is_grey ? PNG_FORMAT_GRAY : PNG_FORMAT_RGB;
+  if (png_image_write_to_file(&image, i_file.GetPartPath().c_str(), 0, i_picture.pixels.data(), 0, nullptr) ==
+      0) {
+    throw std::runtime_error("cannot write " + i_file.GetPath() + ": " + image.message);
   }
 }
 
-}  // namespace reslice
+}  // namespace common

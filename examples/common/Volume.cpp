@@ -1,4 +1,4 @@
-#include "reslice/Volume.h"
+#include "common/Volume.h"
 
 #include <geometry/TrilinearInterpolation.h>
 #include <nifti1_io.h>
@@ -14,7 +14,7 @@
 #include <memory>
 #include <stdexcept>
 
-namespace reslice {
+namespace common {
 namespace {
 
 struct FreeImage {
@@ -135,7 +135,7 @@ Volume ReadVolume(std::string const& i_path) {
   Reader const read_values = GetReader(image->datatype);
   if (read_values == nullptr) {
     throw std::runtime_error(i_path + " holds values of type " + nifti_datatype_string(image->datatype) +
-                             ", which reslice does not read");
+                             ", which is not read");
   }
   if (image->nx < 1 || image->ny < 1 || image->nz < 1) throw std::runtime_error(i_path + " holds no voxels");
   lum::Matrix<double> const voxel_to_world =
@@ -157,4 +157,4 @@ Volume ReadVolume(std::string const& i_path) {
   return volume;
 }
 
-}  // namespace reslice
+}  // namespace common

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "common/OutputFile.h"
+
+namespace common {
+
+/// Pixels row by row from the top, with one value each (grey, 0 black) or three (red, green, blue).
+struct Picture {
+  std::size_t width;
+  std::size_t height;
+  std::vector<std::uint8_t> pixels;
+};
+
+/// Spreads the samples over grey values: the darkest and the brightest half percent saturate. NaNs are black.
+Picture StretchContrast(std::size_t i_width, std::size_t i_height, std::vector<double> const& i_samples);
+
+/// Writes a PNG file. What cannot be written throws `std::runtime_error` with one line of text.
+void WritePng(Picture const& i_picture, OutputFile const& i_file);
+
+}  // namespace common

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <functional>
+
+#include "surface/Field.h"
+#include "surface/Mesh.h"
+
+namespace surface {
+
+/// Called now and then with the part that is done, from 0 to 1; what it throws ends the work.
+using Progress = std::function<void(double)>;
+
+/// The surface where the field is zero, in the field's world, by dual contouring: one vertex in each cell
+/// that the surface crosses, one quadrilateral around each edge of the grid that it crosses.
+///
+/// The grid is swept layer by layer, so besides the mesh this takes memory for a few layers only.
+Mesh Contour(Field const& i_field, Progress const& i_progress);
+
+}  // namespace surface

@@ -1,0 +1,309 @@
+#include "surface/Draw.h"
+
+#include <geometry/Matrix.h>
+#include <geometry/Vector.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <numbers>
+#include <vector>
+
+namespace surface {
+namespace {
+
+using Point = lum::Point<float, 3>;
+using Vector = lum::Vector<float, 3>;
+
+constexpr std::size_t samples_per_pixel = 3;  // along each side
+
+struct Box {
+  lum::Point<double, 3> low{infinity, infinity, infinity};
+  lum::Point<double, 3> high{-infinity, -infinity, -infinity};
+
+  static constexpr double infinity = std::numeric_limits<double>::infinity();
+
+  lum::Vector<double, 3> GetMiddle() const { return ((low - lum::Origin) + (high - lum::Origin)) / 2; }
+};
+
+Box GetBox(Mesh const& i_mesh, lum::Matrix<double> const& i_transform) {
+  Box box;
+  for (Mesh::Vertex const& vertex : i_mesh.vertices) {
+    lum::Point<double, 3> const point = i_transform * vertex.position;
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+      box.low[axis] = std::min(box.low[axis], point[axis]);
+      box.high[axis] = std::max(box.high[axis], point[axis]);
+    }
+  }
+  return box;
+}
+
+// Turns the mesh and brings it between -1 and 1, where the picture is.
+lum::Matrix<double> GetWorldToView(Mesh const& i_mesh, lum::Quaternionf const& i_rotation,
+                                   bool i_is_turning) {
+  lum::Matrix<double> const rotation(i_rotation.GetAsMatrix());
+  lum::Matrix<double> const upright;
+  lum::Matrix<double> const& boxed = i_is_turning ? upright : rotation;
+  auto const [low, high] = GetBox(i_mesh, boxed);
+  lum::Vector<double, 3> const middle = Box{low, high}.GetMiddle();
+  auto const [width, height, depth] = high - low;
+  // However a box is turned, it keeps within its diagonal.
+  double const extent = i_is_turning ? lum::GetLength(high - low) : 1.08 * std::max(width, height);
+  lum::Matrix<double> const fit =
+      lum::Matrix<double>::Normalize(extent, extent, extent) * lum::Matrix<double>::Translate(-middle);
+  return i_is_turning ? rotation * fit : fit * rotation;
+}
+
+struct Sample {
+  float depth = -std::numeric_limits<float>::infinity();
+  bool is_inside = false;  // the back of the surface: the sight went in through the clip plane
+  Colour colour{};
+};
+
+Colour Shade(Colour const& i_colour, Vector const& i_normal) {
+  static Vector const key = lum::GetNormalized(Vector(-0.5F, 0.65F, 0.75F));
+  static Vector const fill = lum::GetNormalized(Vector(0.8F, 0.1F, 0.5F));
+  static Vector const halfway = lum::GetNormalized(key + Vector(0, 0, 1));
+  float const light = 0.22F + 0.10F * i_normal.GetY() + 0.68F * std::max(0.0F, lum::Dot(i_normal, key)) +
+                      0.22F * std::max(0.0F, lum::Dot(i_normal, fill));
+  float const gloss = 0.18F * std::pow(std::max(0.0F, lum::Dot(i_normal, halfway)), 32.0F);
+  Colour shaded{};
+  for (std::size_t channel = 0; channel < 3; ++channel) {
+    // Light adds up in linear intensities; colours are stored by their square roots.
+    float const colour = static_cast<float>(i_colour[channel]) / 255;
+    float const intensity = colour * colour * light + gloss;
+    shaded[channel] =
+        static_cast<std::uint8_t>(std::lround(255 * std::sqrt(std::clamp(intensity, 0.0F, 1.0F))));
+  }
+  return shaded;
+}
+
+// Samples, x from the left and y from the bottom; the square from -1 to 1 fills them.
+class Canvas {
+ public:
+  explicit Canvas(std::size_t i_size) : m_size(i_size), m_samples(i_size * i_size) {}
+
+  std::size_t GetSize() const { return m_size; }
+  Sample& At(std::size_t i_x, std::size_t i_y) { return m_samples[i_x + m_size * i_y]; }
+  Sample const& At(std::size_t i_x, std::size_t i_y) const { return m_samples[i_x + m_size * i_y]; }
+
+  float ToCoordinate(std::size_t i_sample) const {
+    return (static_cast<float>(i_sample) + 0.5F) / static_cast<float>(m_size) * 2 - 1;
+  }
+  // The first sample between two coordinates, and the one behind the last.
+  std::array<std::size_t, 2> GetSamples(float i_low, float i_high) const {
+    auto const size = static_cast<float>(m_size);
+    float const first = std::ceil((i_low + 1) / 2 * size - 0.5F);
+    float const last = std::floor((i_high + 1) / 2 * size - 0.5F);
+    return {static_cast<std::size_t>(std::clamp(first, 0.0F, size)),
+            static_cast<std::size_t>(std::clamp(last + 1, 0.0F, size))};
+  }
+
+ private:
+  std::size_t m_size;
+  std::vector<Sample> m_samples;
+};
+
+struct Corner {
+  Point position;
+  Vector normal;
+};
+using Corners = std::array<Corner, 3>;
+
+bool IsCutAway(std::optional<lum::Plane<float>> const& i_clip, Point const& i_point) {
+  return i_clip && lum::Dot(i_clip->GetNormal(), i_point - lum::Origin) > i_clip->GetD();
+}
+
+// Twice the area of the triangle a, b and (x, y).
+float GetArea(Point const& i_a, Point const& i_b, float i_x, float i_y) {
+  return (i_b.GetX() - i_a.GetX()) * (i_y - i_a.GetY()) - (i_b.GetY() - i_a.GetY()) * (i_x - i_a.GetX());
+}
+
+void DrawTriangle(Corners const& i_corners, Colour const& i_colour,
+                  std::optional<lum::Plane<float>> const& i_clip, Canvas& io_canvas) {
+  Point const& a = i_corners[0].position;
+  Point const& b = i_corners[1].position;
+  Point const& c = i_corners[2].position;
+  float const area = GetArea(a, b, c.GetX(), c.GetY());
+  if (area == 0) return;
+  auto const [left, right] = std::minmax({a.GetX(), b.GetX(), c.GetX()});
+  auto const [bottom, top] = std::minmax({a.GetY(), b.GetY(), c.GetY()});
+  auto const [first_x, end_x] = io_canvas.GetSamples(left, right);
+  auto const [first_y, end_y] = io_canvas.GetSamples(bottom, top);
+  for (std::size_t j = first_y; j < end_y; ++j) {
+    float const y = io_canvas.ToCoordinate(j);
+    for (std::size_t i = first_x; i < end_x; ++i) {
+      float const x = io_canvas.ToCoordinate(i);
+      std::array<float, 3> const weights = {GetArea(b, c, x, y) / area, GetArea(c, a, x, y) / area,
+                                            GetArea(a, b, x, y) / area};
+      if (*std::min_element(weights.begin(), weights.end()) < 0) continue;
+      float const z = weights[0] * a.GetZ() + weights[1] * b.GetZ() + weights[2] * c.GetZ();
+      Sample& sample = io_canvas.At(i, j);
+      if (z <= sample.depth) continue;
+      if (IsCutAway(i_clip, Point(x, y, z))) continue;
+      Vector normal;
+      for (std::size_t corner = 0; corner < 3; ++corner) normal += i_corners[corner].normal * weights[corner];
+      sample = {z, area < 0, Shade(i_colour, lum::GetNormalized(normal))};
+    }
+  }
+}
+
+Point ToFloat(lum::Point<double, 3> const& i_point) {
+  auto const [x, y, z] = i_point;
+  return {static_cast<float>(x), static_cast<float>(y), static_cast<float>(z)};
+}
+Vector ToFloat(lum::Vector<double, 3> const& i_vector) {
+  auto const [x, y, z] = i_vector;
+  return {static_cast<float>(x), static_cast<float>(y), static_cast<float>(z)};
+}
+
+void DrawMesh(Mesh const& i_mesh, Colour const& i_colour, lum::Matrix<float> const& i_world_to_view,
+              std::optional<lum::Plane<float>> const& i_clip, Canvas& io_canvas) {
+  lum::Matrix<float> const normal_transform = i_world_to_view.GetNormalTransform();
+  for (auto const& triangle : i_mesh.triangles) {
+    lum::Vector<double, 3> const flat = lum::GetNormalized(i_mesh.GetDoubledArea(triangle));
+    Corners corners{};
+    for (std::size_t corner = 0; corner < 3; ++corner) {
+      Mesh::Vertex const& vertex = i_mesh.vertices[triangle[corner]];
+      // Edges and corners have no normal of their own: each triangle keeps its own there, which shows them
+      // sharp.
+      Vector const normal = ToFloat(vertex.rank > 1 ? flat : vertex.normal);
+      corners[corner] = {i_world_to_view * ToFloat(vertex.position),
+                         lum::GetNormalized(normal_transform * normal)};
+    }
+    DrawTriangle(corners, i_colour, i_clip, io_canvas);
+  }
+}
+
+// A stroke from a to b, or a dot where they are the same, upon what is drawn unless that lies in front.
+void DrawStroke(Point const& i_a, Point const& i_b, float i_radius, Colour const& i_colour,
+                std::optional<lum::Plane<float>> const& i_clip, Canvas& io_canvas) {
+  Vector const side = i_b - i_a;
+  auto const [left, right] = std::minmax({i_a.GetX(), i_b.GetX()});
+  auto const [bottom, top] = std::minmax({i_a.GetY(), i_b.GetY()});
+  auto const [first_x, end_x] = io_canvas.GetSamples(left - i_radius, right + i_radius);
+  auto const [first_y, end_y] = io_canvas.GetSamples(bottom - i_radius, top + i_radius);
+  float const square = side.GetX() * side.GetX() + side.GetY() * side.GetY();
+  for (std::size_t j = first_y; j < end_y; ++j) {
+    for (std::size_t i = first_x; i < end_x; ++i) {
+      float const x = io_canvas.ToCoordinate(i) - i_a.GetX();
+      float const y = io_canvas.ToCoordinate(j) - i_a.GetY();
+      float const along =
+          square > 0 ? std::clamp((x * side.GetX() + y * side.GetY()) / square, 0.0F, 1.0F) : 0;
+      if (std::hypot(x - along * side.GetX(), y - along * side.GetY()) > i_radius) continue;
+      Point const point = i_a + side * along;
+      Sample& sample = io_canvas.At(i, j);
+      if (point.GetZ() + 3 * i_radius < sample.depth || IsCutAway(i_clip, point)) continue;
+      sample = {std::max(sample.depth, point.GetZ()), false, i_colour};
+    }
+  }
+}
+
+void DrawSharpEdges(Mesh const& i_mesh, Palette const& i_palette, lum::Matrix<float> const& i_world_to_view,
+                    std::optional<lum::Plane<float>> const& i_clip, Canvas& io_canvas) {
+  constexpr float line_radius = 0.004F;
+  constexpr float dot_radius = 0.011F;
+  for (auto const& triangle : i_mesh.triangles) {
+    for (std::size_t corner = 0; corner < 3; ++corner) {
+      Mesh::Vertex const& start = i_mesh.vertices[triangle[corner]];
+      Mesh::Vertex const& end = i_mesh.vertices[triangle[(corner + 1) % 3]];
+      if (start.rank < 2 || end.rank < 2) continue;
+      DrawStroke(i_world_to_view * ToFloat(start.position), i_world_to_view * ToFloat(end.position),
+                 line_radius, i_palette[1], i_clip, io_canvas);
+    }
+  }
+  for (Mesh::Vertex const& vertex : i_mesh.vertices) {
+    if (vertex.rank < 3) continue;
+    Point const point = i_world_to_view * ToFloat(vertex.position);
+    DrawStroke(point, point, dot_radius, i_palette[2], i_clip, io_canvas);
+  }
+}
+
+// Where the sight goes in through the clip plane, that is what is seen.
+void DrawInside(View const& i_view, lum::Plane<float> const& i_clip,
+                lum::Matrix<float> const& i_world_to_view, Canvas& io_canvas) {
+  lum::Matrix<float> const view_to_world = i_world_to_view.GetInverse();
+  for (std::size_t j = 0; j < io_canvas.GetSize(); ++j) {
+    for (std::size_t i = 0; i < io_canvas.GetSize(); ++i) {
+      Sample& sample = io_canvas.At(i, j);
+      if (!sample.is_inside) continue;
+      float const x = io_canvas.ToCoordinate(i);
+      float const y = io_canvas.ToCoordinate(j);
+      float const z = (i_clip.GetD() - i_clip.GetA() * x - i_clip.GetB() * y) / i_clip.GetC();
+      auto const [wx, wy, wz] = view_to_world * Point(x, y, z);
+      sample.colour =
+          i_view.inside({static_cast<double>(wx), static_cast<double>(wy), static_cast<double>(wz)});
+    }
+  }
+}
+
+// Behind everything: light above, a little darker below.
+float GetBackground(std::size_t i_row, std::size_t i_rows) {
+  return 250 - 34 * static_cast<float>(i_row) / static_cast<float>(i_rows);
+}
+
+common::Picture AverageSamples(Canvas const& i_canvas, std::size_t i_size) {
+  common::Picture picture{i_size, i_size, {}};
+  picture.pixels.reserve(3 * i_size * i_size);
+  constexpr float weight = 1.0F / (samples_per_pixel * samples_per_pixel);
+  for (std::size_t row = 0; row < i_size; ++row) {
+    std::size_t const first_y = samples_per_pixel * (i_size - 1 - row);
+    for (std::size_t column = 0; column < i_size; ++column) {
+      std::array<float, 3> sum{};
+      for (std::size_t y = first_y; y < first_y + samples_per_pixel; ++y) {
+        for (std::size_t x = samples_per_pixel * column; x < samples_per_pixel * (column + 1); ++x) {
+          Sample const& sample = i_canvas.At(x, y);
+          bool const is_empty = sample.depth == -std::numeric_limits<float>::infinity();
+          for (std::size_t channel = 0; channel < 3; ++channel) {
+            sum[channel] +=
+                is_empty ? GetBackground(row, i_size) : static_cast<float>(sample.colour[channel]);
+          }
+        }
+      }
+      for (float const channel : sum) {
+        picture.pixels.push_back(static_cast<std::uint8_t>(std::lround(channel * weight)));
+      }
+    }
+  }
+  return picture;
+}
+
+}  // namespace
+
+lum::Quaternionf LookAt(double i_angle) {
+  constexpr auto quarter = static_cast<float>(std::numbers::pi / 2);
+  lum::Quaternionf const turned({0, 0, 1}, static_cast<float>(i_angle));
+  lum::Quaternionf const upright({1, 0, 0}, -quarter);
+  lum::Quaternionf const tilted({1, 0, 0}, 0.25F);
+  return tilted * upright * turned;
+}
+
+lum::Quaternionf Turn(double i_angle, std::size_t i_step, std::size_t i_steps) {
+  // Slerp takes the shorter way, so a full turn needs three rotations to go between.
+  constexpr double third = 2 * std::numbers::pi / 3;
+  std::size_t const before = 3 * i_step / i_steps;
+  double const from = i_angle + third * static_cast<double>(before);
+  double const part =
+      3 * static_cast<double>(i_step) / static_cast<double>(i_steps) - static_cast<double>(before);
+  return LookAt(from).Slerp(static_cast<float>(part), LookAt(from + third));
+}
+
+common::Picture Draw(Mesh const& i_mesh, View const& i_view) {
+  lum::Matrix<double> const world_to_view = GetWorldToView(i_mesh, i_view.rotation, i_view.is_turning);
+  lum::Matrix<float> const drawn(world_to_view);
+  std::optional<lum::Plane<float>> clip;
+  if (i_view.clip) {
+    lum::Plane<double> const plane = world_to_view * *i_view.clip;
+    clip.emplace(static_cast<float>(plane.GetA()), static_cast<float>(plane.GetB()),
+                 static_cast<float>(plane.GetC()), static_cast<float>(plane.GetD()));
+  }
+  Canvas canvas(samples_per_pixel * i_view.size);
+  DrawMesh(i_mesh, i_view.palette[0], drawn, clip, canvas);
+  if (clip) DrawInside(i_view, *clip, drawn, canvas);
+  if (i_view.palette[1] != i_view.palette[0]) DrawSharpEdges(i_mesh, i_view.palette, drawn, clip, canvas);
+  return AverageSamples(canvas, i_view.size);
+}
+
+}  // namespace surface

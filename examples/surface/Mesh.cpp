@@ -1,0 +1,34 @@
+#include "surface/Mesh.h"
+
+#include <utility>
+
+namespace surface {
+
+void Mesh::Transform(lum::Matrix<double> const& i_transform) {
+  lum::Matrix<double> const normal_transform = i_transform.GetNormalTransform();
+  for (Vertex& vertex : vertices) {
+    vertex.position = i_transform * vertex.position;
+    vertex.normal = lum::GetNormalized(normal_transform * vertex.normal);
+  }
+  if (i_transform.GetDeterminant() < 0) {
+    for (auto& [a, b, c] : triangles) std::swap(b, c);
+  }
+}
+
+double Mesh::GetVolume() const {
+  double sum = 0;
+  for (auto const& triangle : triangles) {
+    lum::Point<double, 3> const& a = vertices[triangle[0]].position;
+    sum += lum::Dot(a - lum::Point<double, 3>(lum::Origin), GetDoubledArea(triangle));
+  }
+  return sum / 6;
+}
+
+lum::Vector<double, 3> Mesh::GetDoubledArea(std::array<std::uint32_t, 3> const& i_triangle) const {
+  lum::Point<double, 3> const& a = vertices[i_triangle[0]].position;
+  lum::Point<double, 3> const& b = vertices[i_triangle[1]].position;
+  lum::Point<double, 3> const& c = vertices[i_triangle[2]].position;
+  return lum::Cross(b - a, c - a);
+}
+
+}  // namespace surface

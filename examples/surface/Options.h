@@ -1,0 +1,29 @@
+#pragma once
+
+#include <geometry/Plane.h>
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace surface {
+
+/// What the command line asks for.
+struct Options {
+  std::string input;  ///< a volume, empty for a solid
+  double level = 0;
+  std::string solid;
+  std::string mesh;
+  std::string picture;     ///< empty for none
+  std::size_t frames = 0;  ///< of the turntable
+  std::string turntable_folder;
+  std::optional<lum::Plane<double>> clip;
+  bool is_quiet = false;
+};
+
+/// Throws `std::invalid_argument` with one line of text.
+Options ParseOptions(std::vector<std::string_view> const& i_words);
+
+}  // namespace surface

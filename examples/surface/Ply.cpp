@@ -1,0 +1,80 @@
+#include "surface/Ply.h"
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+
+namespace surface {
+namespace {
+
+// Values in the order of the file, passed on in large pieces.
+class Bytes {
+ public:
+  explicit Bytes(std::ofstream& io_file) : m_file(io_file) {}
+
+  template <class T>
+  void Add(T i_value) {
+    static_assert(std::endian::native == std::endian::little, "bytes are written as they stand");
+    std::size_t const place = m_bytes.size();
+    m_bytes.resize(place + sizeof(T));
+    std::memcpy(&m_bytes[place], &i_value, sizeof(T));
+    if (m_bytes.size() >= piece) Flush();
+  }
+  template <class T>
+  void AddVector(T const& i_vector) {
+    for (double const component : i_vector) Add(static_cast<float>(component));
+  }
+  void Flush() {
+    m_file.write(m_bytes.data(), static_cast<std::streamsize>(m_bytes.size()));
+    m_bytes.clear();
+  }
+
+ private:
+  static constexpr std::size_t piece = 1 << 16;
+
+  std::ofstream& m_file;
+  std::string m_bytes;
+};
+
+}  // namespace
+
+void WritePly(Mesh const& i_mesh, Palette const& i_palette, common::OutputFile const& i_file,
+              Progress const& i_progress) {
+  std::ofstream file(i_file.GetPartPath(), std::ios::binary);
+  file << "ply\n"
+          "format binary_little_endian 1.0\n"
+       << "element vertex " << i_mesh.vertices.size() << '\n'
+       << "property float x\nproperty float y\nproperty float z\n"
+          "property float nx\nproperty float ny\nproperty float nz\n"
+          "property uchar red\nproperty uchar green\nproperty uchar blue\n"
+       << "element face " << i_mesh.triangles.size() << '\n'
+       << "property list uchar int vertex_indices\n"
+          "end_header\n";
+
+  Bytes bytes(file);
+  auto const total = static_cast<double>(i_mesh.vertices.size() + i_mesh.triangles.size());
+  std::size_t done = 0;
+  auto const count = [&] {
+    if (++done % 65536 == 0) i_progress(static_cast<double>(done) / total);
+  };
+  for (Mesh::Vertex const& vertex : i_mesh.vertices) {
+    bytes.AddVector(vertex.position);
+    bytes.AddVector(vertex.normal);
+    for (std::uint8_t const channel : GetColour(i_palette, vertex.rank)) bytes.Add(channel);
+    count();
+  }
+  for (auto const& triangle : i_mesh.triangles) {
+    bytes.Add(static_cast<std::uint8_t>(triangle.size()));
+    for (std::uint32_t const vertex : triangle) bytes.Add(static_cast<std::int32_t>(vertex));
+    count();
+  }
+  bytes.Flush();
+  file.close();
+  if (!file) throw std::runtime_error("cannot write " + i_file.GetPath());
+}
+
+}  // namespace surface

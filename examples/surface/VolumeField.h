@@ -1,0 +1,28 @@
+#pragma once
+
+#include "common/Volume.h"
+#include "surface/Field.h"
+
+namespace surface {
+
+/// A volume less a level, blended between voxels.
+///
+/// A layer of its lowest value is laid around it, so that what reaches its border is closed there: the grid
+/// point (i, j, k) is the voxel (i - 1, j - 1, k - 1). A voxel that is not finite counts as the lowest.
+class VolumeField : public Field {
+ public:
+  /// Keeps a reference to the volume. A level that it does not cross throws `std::invalid_argument` with the
+  /// range that it has.
+  VolumeField(common::Volume const& i_volume, double i_level);
+
+  double Evaluate(Point const& i_grid_point) const override;
+
+ private:
+  double AtCorner(std::array<double, 3> const& i_corner) const;
+
+  common::Volume const& m_volume;
+  double m_level;
+  double m_lowest;
+};
+
+}  // namespace surface

@@ -1,0 +1,177 @@
+// surface (INPUT.nii[.gz] --level V | --solid NAME) --mesh OUT.ply [--picture OUT.png] [--turntable N DIR]
+//         [--clip A,B,C,D] [--quiet]
+//
+// The surface of a volume at a level, or of a solid, as a mesh and in pictures. With --clip, pictures leave
+// out what lies above the plane A x + B y + C z = D of the world and show the inside there.
+
+#include <csignal>
+#include <cstddef>
+#include <exception>
+#include <filesystem>
+#include <functional>
+#include <iostream>
+#include <memory>
+#include <numbers>
+#include <optional>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "common/OutputFile.h"
+#include "common/Picture.h"
+#include "common/Volume.h"
+#include "surface/Colour.h"
+#include "surface/Contour.h"
+#include "surface/Draw.h"
+#include "surface/Field.h"
+#include "surface/Inside.h"
+#include "surface/Mesh.h"
+#include "surface/Options.h"
+#include "surface/Ply.h"
+#include "surface/Report.h"
+#include "surface/Solid.h"
+#include "surface/VolumeField.h"
+
+namespace {
+
+constexpr std::size_t cells = 128;
+constexpr std::size_t picture_size = 900;
+constexpr std::size_t frame_size = 480;
+
+// Of a head, as volumes have their y axis forwards; dice look the same from everywhere.
+constexpr double three_quarter_view = 0.8 * std::numbers::pi;
+
+// Set by Ctrl-C and read between two steps of the work, where unfinished files are taken away as for any
+// error.
+volatile std::sig_atomic_t is_interrupted = 0;
+void Interrupt(int) { is_interrupted = 1; }
+
+class Interrupted : public std::runtime_error {
+ public:
+  Interrupted() : std::runtime_error("interrupted") {}
+};
+constexpr int exit_by_interrupt = 128 + SIGINT;
+
+// What is shown and how, apart from where one stands.
+struct Scene {
+  std::optional<common::Volume> volume;
+  std::unique_ptr<surface::Field> field;
+  surface::View view;
+};
+
+Scene MakeScene(surface::Options const& i_options) {
+  Scene scene;
+  scene.view.clip = i_options.clip;
+  scene.view.palette = surface::by_rank;
+  scene.view.size = picture_size;
+  if (i_options.input.empty()) {
+    scene.field = surface::MakeSolid(i_options.solid, cells);
+    scene.view.inside = [](auto const&) { return surface::by_rank[0]; };
+  } else {
+    scene.volume = common::ReadVolume(i_options.input);
+    scene.field = std::make_unique<surface::VolumeField>(*scene.volume, i_options.level);
+    scene.view.inside = surface::Inside(*scene.volume);
+    scene.view.palette = surface::skin;
+  }
+  return scene;
+}
+
+std::string GetFramePath(std::string const& i_folder, std::size_t i_frame) {
+  std::string const number = std::to_string(i_frame);
+  return i_folder + "/frame-" + std::string(4 - number.size(), '0') + number + ".png";
+}
+
+class Program {
+ public:
+  explicit Program(surface::Options const& i_options) : m_options(i_options), m_report(i_options.is_quiet) {}
+
+  void Run() {
+    std::optional<common::OutputFile> picture;
+    common::OutputFile mesh_file(m_options.mesh);
+    if (!m_options.picture.empty()) picture.emplace(m_options.picture);
+
+    Begin("reading");
+    Scene scene = MakeScene(m_options);
+    Begin("contouring");
+    surface::Mesh const mesh = surface::Contour(*scene.field, m_progress);
+    Begin("writing");
+    surface::WritePly(mesh, scene.view.palette, mesh_file, m_progress);
+    if (picture) {
+      Begin("drawing");
+      scene.view.rotation = surface::LookAt(three_quarter_view);
+      common::WritePng(surface::Draw(mesh, scene.view), *picture);
+    }
+    std::vector<common::OutputFile> frames;
+    if (m_options.frames > 0) {
+      Begin("turning");
+      frames = DrawTurntable(mesh, scene.view);
+    }
+
+    m_progress(1);
+    mesh_file.Publish();
+    if (picture) picture->Publish();
+    for (common::OutputFile& frame : frames) frame.Publish();
+    std::ostringstream line;
+    line << m_options.mesh << ": " << mesh.vertices.size() << " vertices, " << mesh.triangles.size()
+         << " triangles";
+    m_report.End(line.str());
+  }
+
+  void Clear() { m_report.Clear(); }
+
+ private:
+  void Begin(std::string i_phase) {
+    m_report.Begin(std::move(i_phase));
+    m_progress(0);
+  }
+
+  std::vector<common::OutputFile> DrawTurntable(surface::Mesh const& i_mesh, surface::View i_view) {
+    std::error_code error;
+    std::filesystem::create_directories(m_options.turntable_folder, error);
+    if (error)
+      throw std::runtime_error("cannot write " + m_options.turntable_folder + ": " + error.message());
+    i_view.size = frame_size;
+    i_view.is_turning = true;
+    std::vector<common::OutputFile> frames;
+    for (std::size_t frame = 0; frame < m_options.frames; ++frame) {
+      m_progress(static_cast<double>(frame) / static_cast<double>(m_options.frames));
+      i_view.rotation = surface::Turn(three_quarter_view, frame, m_options.frames);
+      frames.emplace_back(GetFramePath(m_options.turntable_folder, frame));
+      common::WritePng(surface::Draw(i_mesh, i_view), frames.back());
+    }
+    return frames;
+  }
+
+  surface::Options const& m_options;
+  surface::Report m_report;
+  surface::Progress m_progress = [this](double i_part) {
+    if (is_interrupted != 0) throw Interrupted();
+    m_report.Show(i_part);
+  };
+};
+
+}  // namespace
+
+int main(int i_count, char** ip_words) {
+  std::signal(SIGINT, &Interrupt);
+  std::signal(SIGTERM, &Interrupt);
+  std::optional<Program> program;
+  int status = 0;
+  try {
+    surface::Options const options = surface::ParseOptions({ip_words + 1, ip_words + i_count});
+    program.emplace(options);
+    program->Run();
+    return 0;
+  } catch (Interrupted const&) {
+    status = exit_by_interrupt;
+    program->Clear();
+    std::cerr << "surface: interrupted\n";
+  } catch (std::exception const& exception) {
+    status = 1;
+    if (program) program->Clear();
+    std::cerr << "surface: " << exception.what() << '\n';
+  }
+  return status;
+}
