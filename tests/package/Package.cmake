@@ -38,7 +38,7 @@ function(expect_consumer_works program)
     COMMAND "${program}"
     OUTPUT_VARIABLE output
     COMMAND_ERROR_IS_FATAL ANY)
-  if(NOT output STREQUAL "3 4 5 1 1 1 3 2\n")
+  if(NOT output STREQUAL "3 4 5 1 1 1 3 2\nCubeElementIds::Vertex with value: 5, 6, 3, 1\n")
     message(FATAL_ERROR "The consumer printed: ${output}")
   endif()
 endfunction()

@@ -1,10 +1,16 @@
 #include <Utility/Lazy.h>
 #include <Utility/optional.h>
+#include <geometry/CanonicalCubeElement.h>
+#include <geometry/CubeEdgeIterator.h>
+#include <geometry/CubeFaceIterator.h>
+#include <geometry/CubeVertexIterator.h>
 #include <geometry/GlobalObjectPool.h>
 #include <geometry/LinearInterpolation.h>
 #include <geometry/Matrix.h>
+#include <geometry/PseudoInverse.h>
 #include <geometry/Quaternion.h>
 #include <geometry/Range.h>
+#include <geometry/RootFinding.h>
 #include <geometry/TrilinearInterpolation.h>
 
 #include <iostream>
@@ -29,5 +35,11 @@ int main() {
   std::cout << image[0] << ' ' << image[1] << ' ' << image[2] << ' ' << vector[2] << ' '
             << handle.GetReferenceCount() << ' ' << is_identity << ' ' << converted(2, 3) << ' '
             << lum::Plane<float>(0, 0, 2, 4).GetD() << '\n';
+
+  using namespace lum::CubeElementIds;
+  std::cout << lum::CubeVertexIterable<Face>(FaceY0)[3] << ", "
+            << lum::CubeEdgeIterable<Cube>().IndexOf(Edge13) << ", "
+            << lum::CalculatePseudoInverse(Eigen::Matrix3d::Identity(), 1e-9).rank << ", "
+            << lum::RootFinding::RegulaFalsi([](double i_x) { return i_x - 1; }, {0, 4}, 1e-9) << '\n';
   return 0;
 }
