@@ -16,12 +16,9 @@ namespace {
 // the version is counted here.
 std::int32_t CountRank(std::array<double, 3> const& i_singular_values, double i_tolerance) {
   double const threshold = i_singular_values[0] * i_tolerance;
-  std::int32_t rank = 3;
-  for (auto value = i_singular_values.rbegin(); value != i_singular_values.rend(); ++value) {
-    if (*value != 0 && !(*value < threshold)) break;
-    --rank;
-  }
-  return rank;
+  std::size_t rank = 3;
+  while (rank > 0 && (i_singular_values[rank - 1] == 0 || i_singular_values[rank - 1] < threshold)) --rank;
+  return static_cast<std::int32_t>(rank);
 }
 
 }  // namespace

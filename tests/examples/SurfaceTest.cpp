@@ -490,7 +490,7 @@ TEST_F(Surface, TurnsTheTable) {
 }
 
 TEST_F(Surface, ReadsVolumes) {
-  std::vector<float> values(8 * 8 * 8);
+  std::vector<float> values(512);
   for (std::size_t k = 2; k < 6; ++k) {
     for (std::size_t j = 2; j < 6; ++j) {
       for (std::size_t i = 2; i < 6; ++i) values[i + 8 * (j + 8 * k)] = 1;

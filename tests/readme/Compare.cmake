@@ -1,10 +1,10 @@
-file(READ "${README}" readme)
+file(READ "${PAGE}" page)
 file(READ "${SOURCE}" source)
 execute_process(COMMAND "${PROGRAM}" OUTPUT_VARIABLE output COMMAND_ERROR_IS_FATAL ANY)
 
 foreach(block IN ITEMS "```cpp\n${source}```" "```text\n${output}```")
-  string(FIND "${readme}" "${block}" position)
+  string(FIND "${page}" "${block}" position)
   if(position EQUAL -1)
-    message(FATAL_ERROR "The README does not show this:\n${block}")
+    message(FATAL_ERROR "${PAGE} does not show this:\n${block}")
   endif()
 endforeach()

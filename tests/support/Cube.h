@@ -1,0 +1,191 @@
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <compare>
+#include <cstddef>
+#include <iterator>
+#include <ranges>
+
+namespace lum::test {
+
+/// An element of the unit cube in plain coordinates: 0 or 1 along each axis, or free.
+using Coordinates = std::array<int, 3>;
+constexpr int free_axis = 2;
+
+/// All 27.
+constexpr std::array<Coordinates, 27> GetElements() {
+  std::array<Coordinates, 27> elements{};
+  std::size_t index = 0;
+  for (int z = 0; z <= free_axis; ++z) {
+    for (int y = 0; y <= free_axis; ++y) {
+      for (int x = 0; x <= free_axis; ++x) elements[index++] = {x, y, z};
+    }
+  }
+  return elements;
+}
+
+/// The number of free axes.
+constexpr int GetDimension(Coordinates const& i_element) {
+  return static_cast<int>(std::count(i_element.begin(), i_element.end(), free_axis));
+}
+
+/// The first axis that is free, or that is not.
+constexpr std::size_t FindAxis(Coordinates const& i_element, bool i_is_free) {
+  std::size_t axis = 0;
+  while ((i_element[axis] == free_axis) != i_is_free) ++axis;
+  return axis;
+}
+
+/// The value of the identifier: 8, 16, 32 for the free axes, 1, 2, 4 for coordinates of 1.
+constexpr unsigned int Encode(Coordinates const& i_element) {
+  constexpr std::array<unsigned int, 3> free_values = {8, 16, 32};
+  constexpr std::array<unsigned int, 3> one_values = {1, 2, 4};
+  unsigned int value = 0;
+  for (std::size_t axis = 0; axis < 3; ++axis) {
+    if (i_element[axis] == free_axis) value += free_values[axis];
+    if (i_element[axis] == 1) value += one_values[axis];
+  }
+  return value;
+}
+
+/// The elements of a dimension, 8, 12, 6 or 1 of them, in no particular order.
+template <std::size_t Count>
+constexpr std::array<Coordinates, Count> GetElementsOfDimension(int i_dimension) {
+  std::array<Coordinates, Count> found{};
+  std::ranges::copy_if(GetElements(), found.begin(),
+                       [=](Coordinates const& i_element) { return GetDimension(i_element) == i_dimension; });
+  return found;
+}
+constexpr std::array<Coordinates, 12> edges = GetElementsOfDimension<12>(1);
+constexpr std::array<Coordinates, 6> faces = GetElementsOfDimension<6>(2);
+
+/// What lists put together, element by element.
+template <class Id, std::size_t N>
+using Ids = std::array<Id, N>;
+
+/// Vertices ordered by x, then y, then z, x changing fastest.
+template <class Vertex>
+constexpr Ids<Vertex, 8> ListVertices() {
+  Ids<Vertex, 8> list{};
+  for (int z = 0; z < 2; ++z) {
+    for (int y = 0; y < 2; ++y) {
+      for (int x = 0; x < 2; ++x)
+        list[static_cast<std::size_t>(x + 2 * y + 4 * z)] = Vertex{Encode({x, y, z})};
+    }
+  }
+  return list;
+}
+
+/// The edges along an axis: the coordinate along the axis that follows it cyclically changes fastest, then
+/// that along the next.
+template <class Edge>
+constexpr Ids<Edge, 4> ListEdges(std::size_t i_axis) {
+  Ids<Edge, 4> list{};
+  for (int second = 0; second < 2; ++second) {
+    for (int first = 0; first < 2; ++first) {
+      Coordinates edge{};
+      edge[i_axis] = free_axis;
+      edge[(i_axis + 1) % 3] = first;
+      edge[(i_axis + 2) % 3] = second;
+      list[static_cast<std::size_t>(first + 2 * second)] = Edge{Encode(edge)};
+    }
+  }
+  return list;
+}
+
+/// The faces across an axis, that at coordinate 0 first.
+template <class Face>
+constexpr Ids<Face, 2> ListFaces(std::size_t i_axis) {
+  Coordinates face{free_axis, free_axis, free_axis};
+  face[i_axis] = 0;
+  Face const base{Encode(face)};
+  face[i_axis] = 1;
+  return {base, Face{Encode(face)}};
+}
+
+/// What is listed for each of the three axes, one after the other.
+template <class Id, std::size_t N, class List>
+constexpr Ids<Id, 3 * N> ListForAllAxes(List const& i_list) {
+  Ids<Id, 3 * N> all{};
+  for (std::size_t axis = 0; axis < 3; ++axis) {
+    std::ranges::copy(i_list(axis), all.begin() + static_cast<std::ptrdiff_t>(axis * N));
+  }
+  return all;
+}
+
+/// The start of an edge, then its end.
+template <class Vertex>
+constexpr Ids<Vertex, 2> ListVerticesOfEdge(Coordinates i_edge) {
+  std::size_t const axis = FindAxis(i_edge, true);
+  i_edge[axis] = 0;
+  Vertex const start{Encode(i_edge)};
+  i_edge[axis] = 1;
+  return {start, Vertex{Encode(i_edge)}};
+}
+
+/// The vertices of a face: the coordinate along the axis that follows its normal changes fastest.
+template <class Vertex>
+constexpr Ids<Vertex, 4> ListVerticesOfFace(Coordinates i_face) {
+  std::size_t const normal = FindAxis(i_face, false);
+  Ids<Vertex, 4> list{};
+  for (int second = 0; second < 2; ++second) {
+    for (int first = 0; first < 2; ++first) {
+      i_face[(normal + 1) % 3] = first;
+      i_face[(normal + 2) % 3] = second;
+      list[static_cast<std::size_t>(first + 2 * second)] = Vertex{Encode(i_face)};
+    }
+  }
+  return list;
+}
+
+/// The edges of a face: two along the axis that follows its normal, then two along the next, each time that
+/// at coordinate 0 first.
+template <class Edge>
+constexpr Ids<Edge, 4> ListEdgesOfFace(Coordinates const& i_face) {
+  std::size_t const normal = FindAxis(i_face, false);
+  Ids<Edge, 4> list{};
+  for (std::size_t pair = 0; pair < 2; ++pair) {
+    for (int side = 0; side < 2; ++side) {
+      Coordinates edge = i_face;
+      edge[(normal + 1 + (1 - pair)) % 3] = side;
+      list[2 * pair + static_cast<std::size_t>(side)] = Edge{Encode(edge)};
+    }
+  }
+  return list;
+}
+
+/// Whether a range lists just these elements, by every way to ask it.
+template <class Range, class Id, std::size_t N>
+constexpr bool Lists(Range const& i_range, Ids<Id, N> const& i_expected) {
+  static_assert(std::ranges::random_access_range<Range> && std::ranges::sized_range<Range> &&
+                std::ranges::common_range<Range> && std::ranges::borrowed_range<Range>);
+  if (i_range.size() != N || !std::ranges::equal(i_range, i_expected)) return false;
+  if (!std::ranges::equal(std::views::reverse(i_range), std::views::reverse(i_expected))) return false;
+  auto const begin = i_range.begin();
+  for (std::size_t i = 0; i < N; ++i) {
+    auto const offset = static_cast<std::ptrdiff_t>(i);
+    if (i_range[i] != i_expected[i] || begin[offset] != i_expected[i]) return false;
+    if (i_range.IndexOf(i_expected[i]) != i) return false;
+    if (std::ranges::find(i_range, i_expected[i]) - begin != offset) return false;
+  }
+  return i_range.end() - begin == static_cast<std::ptrdiff_t>(N);
+}
+
+/// Whether an iterator moves and compares as those of random access do. It must be at the start of a range of
+/// two elements or more.
+template <class Iterator>
+constexpr bool Walks(Iterator const i_begin) {
+  static_assert(std::random_access_iterator<Iterator>);
+  Iterator it = i_begin;
+  Iterator const before = it++;
+  bool is_right = before == i_begin && it != i_begin && it > i_begin && i_begin < it && it >= before;
+  is_right = is_right && it - i_begin == 1 && i_begin - it == -1 && *it == i_begin[1];
+  is_right = is_right && it == i_begin + 1 && it == 1 + i_begin && it - 1 == i_begin;
+  Iterator const after = it--;
+  is_right = is_right && it == i_begin && after == i_begin + 1 && ++it == after && --it == i_begin;
+  is_right = is_right && (it += 1) == after && (it -= 1) == i_begin;
+  return is_right && (i_begin <=> after) == std::strong_ordering::less;
+}
+
+}  // namespace lum::test
