@@ -161,7 +161,10 @@ constexpr bool Lists(Range const& i_range, Ids<Id, N> const& i_expected) {
   static_assert(std::ranges::random_access_range<Range> && std::ranges::sized_range<Range> &&
                 std::ranges::common_range<Range> && std::ranges::borrowed_range<Range>);
   if (i_range.size() != N || !std::ranges::equal(i_range, i_expected)) return false;
-  if (!std::ranges::equal(std::views::reverse(i_range), std::views::reverse(i_expected))) return false;
+  if (!std::equal(std::make_reverse_iterator(i_range.end()), std::make_reverse_iterator(i_range.begin()),
+                  i_expected.rbegin(), i_expected.rend())) {
+    return false;
+  }
   auto const begin = i_range.begin();
   for (std::size_t i = 0; i < N; ++i) {
     auto const offset = static_cast<std::ptrdiff_t>(i);
