@@ -87,10 +87,18 @@ class Stepper {
     return state.is_done;
   }
 
-  /// Called by the stepped types before each operation.
+  /// Called by the stepped types before each operation; those of a mutex show whether it is held.
   static void Announce(Operation i_operation, void const* ip_address, bool const* ip_is_held = nullptr) {
     if (Current() != nullptr) Current()->stepper->Stop(*Current(), i_operation, ip_address, ip_is_held);
+    if (Scheduler()) Scheduler()(i_operation, ip_is_held);
     if (Observer()) Observer()(ip_address);
+  }
+
+  /// Is called before every operation and returns when it may take effect: for other ways to schedule than
+  /// this class's.
+  static std::function<void(Operation, bool const*)>& Scheduler() {
+    static std::function<void(Operation, bool const*)> scheduler;
+    return scheduler;
   }
 
   /// Is called with the address of every operation, at the moment it takes effect.
@@ -108,7 +116,7 @@ class Stepper {
     Stepper* stepper = nullptr;
     Operation operation{};
     void const* address = nullptr;
-    bool const* is_held = nullptr;  // the state of the mutex that the next operation locks
+    bool const* is_held = nullptr;  // the state of the mutex that the next operation is on
     bool is_running = false;
     bool is_done = false;
   };
@@ -120,7 +128,7 @@ class Stepper {
 
   bool Step(State& io_state) {
     std::unique_lock<std::mutex> lock(m_mutex);
-    if (io_state.is_done || (io_state.is_held != nullptr && *io_state.is_held)) return false;
+    if (io_state.is_done || (io_state.operation == Operation::kLock && *io_state.is_held)) return false;
     io_state.is_running = true;
     m_changed.notify_all();
     m_changed.wait(lock, [&io_state] { return !io_state.is_running; });
@@ -213,7 +221,7 @@ class SteppedMutex {
     m_is_held = true;
   }
   bool try_lock() {
-    Stepper::Announce(Operation::kTryLock, this);
+    Stepper::Announce(Operation::kTryLock, this, &m_is_held);
     return !std::exchange(m_is_held, true);
   }
   void unlock() {
