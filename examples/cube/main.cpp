@@ -12,6 +12,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdio>
+#include <exception>
 
 namespace {
 
@@ -52,19 +53,19 @@ class Drawing {
   void DrawLine(Point const& i_from, Point const& i_to, char const* ip_style) const {
     auto const [x1, y1, z1] = m_to_pixels * i_from;
     auto const [x2, y2, z2] = m_to_pixels * i_to;
-    std::printf("<line x1=\"%.1f\" y1=\"%.1f\" x2=\"%.1f\" y2=\"%.1f\" %s/>\n", x1, y1, x2, y2, ip_style);
+    std::printf("<line x1='%.1f' y1='%.1f' x2='%.1f' y2='%.1f' %s/>\n", x1, y1, x2, y2, ip_style);
   }
 
   void DrawText(Point const& i_place, char const* ip_text) const {
     auto const [x, y, z] = m_to_pixels * i_place;
-    std::printf("<text x=\"%.1f\" y=\"%.1f\" fill=\"#444\">%s</text>\n", x, y + 6, ip_text);
+    std::printf("<text x='%.1f' y='%.1f' fill='#444'>%s</text>\n", x, y + 6, ip_text);
   }
 
   void DrawNumber(Point const& i_place, lum::CubeElement i_element, char const* ip_colour) const {
     auto const [x, y, z] = m_to_pixels * i_place;
-    std::printf("<rect x=\"%.1f\" y=\"%.1f\" width=\"34\" height=\"26\" rx=\"%s\" fill=\"%s\"/>\n", x - 17,
-                y - 13, i_element.GetIndex() < 8 ? "13" : "5", ip_colour);
-    std::printf("<text x=\"%.1f\" y=\"%.1f\" fill=\"#fff\">%u</text>\n", x, y + 6, i_element.GetIndex());
+    std::printf("<rect x='%.1f' y='%.1f' width='34' height='26' rx='%s' fill='%s'/>\n", x - 17, y - 13,
+                i_element.GetIndex() < 8 ? "13" : "5", ip_colour);
+    std::printf("<text x='%.1f' y='%.1f' fill='#fff'>%u</text>\n", x, y + 6, i_element.GetIndex());
   }
 
  private:
@@ -78,25 +79,23 @@ void DrawAxes(Drawing const& i_drawing) {
     Point const origin;
     Vector direction;
     direction[axis] = 1;
-    i_drawing.DrawLine(origin + direction, origin + direction * 1.16, "stroke=\"#999\" stroke-width=\"2\"");
+    i_drawing.DrawLine(origin + direction, origin + direction * 1.16, "stroke='#999' stroke-width='2'");
     i_drawing.DrawText(origin + direction * 1.22, names[axis]);
   }
 }
 
-}  // namespace
-
-int main() {
+void DrawCube() {
   std::puts(
-      "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 720 580\" width=\"720\" height=\"580\"\n"
-      "     font-family=\"sans-serif\" font-size=\"17\" text-anchor=\"middle\">");
-  std::puts("<rect width=\"720\" height=\"580\" rx=\"10\" fill=\"#fff\"/>");
+      "<svg xmlns='http://www.w3.org/2000/svg' viewBox='0 0 720 580' width='720' height='580'\n"
+      "     font-family='sans-serif' font-size='17' text-anchor='middle'>");
+  std::puts("<rect width='720' height='580' rx='10' fill='#fff'/>");
   Drawing const drawing;
   DrawAxes(drawing);
   for (Edge const edge : CubeEdgeIterable<Cube>()) {
     CubeVertexIterable<Edge> const ends(edge);
     drawing.DrawLine(GetPosition(ends[0]), GetPosition(ends[1]),
-                     IsVisible(edge) ? "stroke=\"#333\" stroke-width=\"2\""
-                                     : "stroke=\"#999\" stroke-width=\"2\" stroke-dasharray=\"6 5\"");
+                     IsVisible(edge) ? "stroke='#333' stroke-width='2'"
+                                     : "stroke='#999' stroke-width='2' stroke-dasharray='6 5'");
   }
   drawing.DrawNumber(GetMiddle(WholeCube), WholeCube, "#555");
   for (Face const face : CubeFaceIterable<Cube>()) {
@@ -107,5 +106,16 @@ int main() {
     drawing.DrawNumber(GetPosition(vertex), vertex, "#205a9e");
   }
   std::puts("</svg>");
-  return 0;
+}
+
+}  // namespace
+
+int main() {
+  try {
+    DrawCube();
+    return 0;
+  } catch (std::exception const& exception) {
+    std::fprintf(stderr, "cube: %s\n", exception.what());
+    return 1;
+  }
 }

@@ -68,10 +68,10 @@ using Ids = std::array<Id, N>;
 template <class Vertex>
 constexpr Ids<Vertex, 8> ListVertices() {
   Ids<Vertex, 8> list{};
+  auto next = list.begin();
   for (int z = 0; z < 2; ++z) {
     for (int y = 0; y < 2; ++y) {
-      for (int x = 0; x < 2; ++x)
-        list[static_cast<std::size_t>(x + 2 * y + 4 * z)] = Vertex{Encode({x, y, z})};
+      for (int x = 0; x < 2; ++x) *next++ = Vertex{Encode({x, y, z})};
     }
   }
   return list;
@@ -82,13 +82,14 @@ constexpr Ids<Vertex, 8> ListVertices() {
 template <class Edge>
 constexpr Ids<Edge, 4> ListEdges(std::size_t i_axis) {
   Ids<Edge, 4> list{};
+  auto next = list.begin();
   for (int second = 0; second < 2; ++second) {
     for (int first = 0; first < 2; ++first) {
       Coordinates edge{};
       edge[i_axis] = free_axis;
       edge[(i_axis + 1) % 3] = first;
       edge[(i_axis + 2) % 3] = second;
-      list[static_cast<std::size_t>(first + 2 * second)] = Edge{Encode(edge)};
+      *next++ = Edge{Encode(edge)};
     }
   }
   return list;
@@ -129,11 +130,12 @@ template <class Vertex>
 constexpr Ids<Vertex, 4> ListVerticesOfFace(Coordinates i_face) {
   std::size_t const normal = FindAxis(i_face, false);
   Ids<Vertex, 4> list{};
+  auto next = list.begin();
   for (int second = 0; second < 2; ++second) {
     for (int first = 0; first < 2; ++first) {
       i_face[(normal + 1) % 3] = first;
       i_face[(normal + 2) % 3] = second;
-      list[static_cast<std::size_t>(first + 2 * second)] = Vertex{Encode(i_face)};
+      *next++ = Vertex{Encode(i_face)};
     }
   }
   return list;
@@ -145,11 +147,12 @@ template <class Edge>
 constexpr Ids<Edge, 4> ListEdgesOfFace(Coordinates const& i_face) {
   std::size_t const normal = FindAxis(i_face, false);
   Ids<Edge, 4> list{};
+  auto next = list.begin();
   for (std::size_t pair = 0; pair < 2; ++pair) {
     for (int side = 0; side < 2; ++side) {
       Coordinates edge = i_face;
       edge[(normal + 1 + (1 - pair)) % 3] = side;
-      list[2 * pair + static_cast<std::size_t>(side)] = Edge{Encode(edge)};
+      *next++ = Edge{Encode(edge)};
     }
   }
   return list;
