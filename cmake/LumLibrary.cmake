@@ -60,6 +60,11 @@ function(lum_add_library target)
                POSITION_INDEPENDENT_CODE ON
                VERSION ${PROJECT_VERSION}
                SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
+  get_target_property(type ${target} TYPE)
+  if(type STREQUAL SHARED_LIBRARY)
+    # Values may outlive whatever loaded the library, and need its pools and identities.
+    target_link_options(${target} PRIVATE LINKER:-z,nodelete)
+  endif()
   if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
     # Eigen gives up on matrices that are not finite; g++ cannot see that none such gets there.
     set_source_files_properties("${PROJECT_SOURCE_DIR}/geometry/EigenAlgorithms.cpp"

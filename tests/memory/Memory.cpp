@@ -1,0 +1,134 @@
+// Every operation of the library under the memory sanitizer, with each result looked at. Only headers of the
+// standard library are used whose code is compiled here: what its shared library writes, the sanitizer would
+// take for uninitialised. With an argument, reads a fresh object before it is written, which must be found.
+
+#include <array>
+#include <cstddef>
+#include <cstdio>
+#include <stdexcept>
+
+#include "geometry/CanonicalCubeElement.h"
+#include "geometry/CubeEdgeIterator.h"
+#include "geometry/CubeFaceIterator.h"
+#include "geometry/CubeVertexIterator.h"
+#include "geometry/Matrix.h"
+#include "geometry/PseudoInverse.h"
+#include "geometry/Quaternion.h"
+#include "geometry/RootFinding.h"
+#include "geometry/TrilinearInterpolation.h"
+
+namespace {
+
+int looked_at = 0;
+
+// A branch on the value is what the sanitizer reports.
+template <class T>
+void Look(T i_value) {
+  if (i_value != T(12345)) ++looked_at;
+}
+template <class T>
+void LookAtAll(T const* ip_values, std::size_t i_count) {
+  for (std::size_t i = 0; i < i_count; ++i) Look(ip_values[i]);
+}
+template <class T>
+void Look(lum::Matrix<T> const& i_matrix) {
+  LookAtAll(i_matrix.GetAsPtr(), 16);
+  if (i_matrix.HasInverse()) LookAtAll(i_matrix.GetMatrixInverse()->data(), 16);
+}
+void Look(lum::Quaternionf const& i_quaternion) { LookAtAll(i_quaternion.GetCoefficients().data(), 4); }
+
+template <class T>
+void LookAtTransforms() {
+  using M = lum::Matrix<T>;
+  using Vector = lum::Vector<T, 3>;
+  // More than a block, so that recycled objects and a second block are met.
+  for (int round = 0; round < 100; ++round) {
+    auto const x = static_cast<T>(round + 1);
+    M const translation = M::Translate(x, 2, 3);
+    M const rotation = M::Rotate(lum::GetNormalized(Vector(1, x, 2)), x);
+    M product = translation * rotation * M::Scale(x, 2, 1) * M::Normalize(1, x, 3);
+    Look(M());
+    Look(translation);
+    Look(product);
+    Look(M::Scale(0));
+    Look(product.GetInverse());
+    Look(product.GetTranspose());
+    Look(product.GetNormalTransform());
+    Look(product.GetDeterminant());
+    Look(M(product.GetAsPtr()));
+    Look(M(lum::Point<T, 3>(1, 2, 3), Vector(x, 0, 0), Vector(0, 1, 0), Vector(0, 0, 1)));
+    LookAtAll((product * Vector(1, 2, x)).data(), 3);
+    LookAtAll((product * lum::Point<T, 3>(1, 2, x)).data(), 3);
+    lum::Plane<T> const plane = product * lum::Plane<T>(1, 2, 3, x);
+    Look(plane.GetA() + plane.GetB() + plane.GetC() + plane.GetD());
+    M copy = product;
+    copy.GetMutableInternal()->translation().x() = 1;
+    copy.GetMutableInverseInternal()->translation().x() = 1;
+    Look(copy);
+    product *= copy;
+    Look(product);
+    if (product == copy) ++looked_at;
+  }
+  Look(lum::Matrix<float>(lum::Matrix<double>::Rotate({0, 0, 1}, 1)));
+  Look(lum::Matrix<double>(lum::Matrix<float>::Rotate({0, 0, 1}, 1)));
+}
+
+void LookAtRotations() {
+  for (int round = 0; round < 100; ++round) {
+    auto const angle = static_cast<float>(round);
+    lum::Quaternionf const q({0, 0, 1}, angle);
+    lum::Quaternionf const p(lum::Matrix<float>::Rotate({1, 0, 0}, angle));
+    Look(lum::Quaternionf());
+    Look(q);
+    Look(p);
+    Look(q * p);
+    Look(q.Slerp(0.25F, p));
+    Look(q.GetAsMatrix());
+    LookAtAll(q.Transform({1, 2, 3}).data(), 3);
+    LookAtAll(q.InverseTransform({1, 2, 3}).data(), 3);
+    if (q.IsApproximately(p, 0.1F)) ++looked_at;
+  }
+}
+
+void LookAtNumerics() {
+  std::array<double, 8> const corners = {1, 2, 3, 4, 5, 6, 7, 8};
+  Look(lum::TrilinearInterpolation(corners, {0.25, 0.5, 0.75}));
+  Look(lum::RootFinding::RegulaFalsi([](double i_x) { return i_x * i_x - 2; }, {0, 2}, 1e-9));
+  Eigen::Matrix3d matrix;
+  matrix << 1, 2, 3, 4, 5, 6, 7, 8, 10;
+  for (double const corner : {10.0, 9.0, 1.0 / 0.0}) {
+    matrix(2, 2) = corner;
+    auto const [inverse, rank] = lum::CalculatePseudoInverse(matrix, 1e-9);
+    LookAtAll(inverse.data(), 9);
+    Look(rank);
+  }
+}
+
+void LookAtTheCube() {
+  using namespace lum::CubeElementIds;
+  for (Edge const edge : lum::CubeEdgeIterable<Cube>()) {
+    for (Vertex const vertex : lum::CubeVertexIterable<Edge>(edge)) Look(static_cast<unsigned>(vertex));
+    Look(lum::CanonicalCubeElement(lum::CubeElement(edge)).GetDimensionality());
+  }
+  for (Face const face : lum::CubeFaceIterable<Cube>()) {
+    for (Edge const edge : lum::CubeEdgeIterable<Face>(face)) Look(static_cast<unsigned>(edge));
+  }
+}
+
+}  // namespace
+
+int main(int i_count, char**) {
+  LookAtTransforms<float>();
+  LookAtTransforms<double>();
+  LookAtRotations();
+  LookAtNumerics();
+  LookAtTheCube();
+  if (i_count > 1) {
+    // More than were ever in use at once, so the last has not been handed out before.
+    std::array<lum::Matrix<double>::ObjectHandle, 100> handles;
+    for (auto& handle : handles) handle = lum::CreateGlobalObject<lum::MatrixObject<double>>();
+    Look(*handles.back()->data());
+  }
+  std::printf("%d values looked at\n", looked_at);
+  return 0;
+}
