@@ -1,5 +1,5 @@
-// Two shared libraries use lum and exchange values: both linked with lum's shared library, or each with a static
-// copy, whose names the dynamic linker then resolves to the first. Either way there is one identity.
+// Two shared libraries use lum and exchange values: both linked with lum's shared library, or each with a
+// static copy, whose names the dynamic linker then resolves to the first. Either way there is one identity.
 
 #include "Check.h"
 #include "Plugin.h"
