@@ -1,0 +1,298 @@
+// A program of operations on transforms in both precisions, rotations and handles, checked after every step
+// against a model that holds plain values: each value keeps its bits whatever happens to the others, and each
+// object counts as many references as there are handles onto it.
+
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <stdexcept>
+#include <string_view>
+#include <utility>
+
+#include "Bytes.h"
+#include "geometry/Matrix.h"
+#include "geometry/Quaternion.h"
+
+namespace {
+
+using lum::Matrix;
+using lum::Quaternionf;
+using lum::test::Bytes;
+using lum::test::Require;
+
+constexpr std::size_t slots = 6;
+
+bool AreSame(double i_a, double i_b) { return i_a == i_b || (std::isnan(i_a) && std::isnan(i_b)); }
+
+template <class T>
+struct Model {
+  std::array<T, 16> transform;
+  std::optional<std::array<T, 16>> inverse;
+  bool is_identity = false;  // the shared one
+};
+
+template <class T>
+std::array<T, 16> Copy(T const* ip_values) {
+  std::array<T, 16> values{};
+  std::memcpy(values.data(), ip_values, sizeof(values));
+  return values;
+}
+
+template <class T>
+std::array<T, 16> Multiply(std::array<T, 16> const& i_a, std::array<T, 16> const& i_b) {
+  std::array<T, 16> product{};
+  for (std::size_t row = 0; row < 4; ++row) {
+    for (std::size_t column = 0; column < 4; ++column) {
+      T sum = i_a[row] * i_b[4 * column];
+      for (std::size_t k = 1; k < 4; ++k) {
+        T const term = i_a[row + 4 * k] * i_b[k + 4 * column];
+        sum = sum + term;
+      }
+      product[row + 4 * column] = sum;
+    }
+  }
+  return product;
+}
+
+// Matrices of one precision, and handles onto their objects.
+template <class T>
+class Matrices {
+ public:
+  using Handle = typename Matrix<T>::ObjectHandle;
+
+  Matrices() {
+    for (std::size_t slot = 0; slot < slots; ++slot) Adopt(slot);
+  }
+
+  Matrix<T> const& Get(std::size_t i_slot) const { return m_matrices[i_slot]; }
+
+  void Step(Bytes& io_bytes) {
+    std::size_t const to = io_bytes.TakeIndex(slots);
+    std::size_t const a = io_bytes.TakeIndex(slots);
+    std::size_t const b = io_bytes.TakeIndex(slots);
+    auto const number = [&] { return static_cast<T>(io_bytes.Take<std::int8_t>()) / 4; };
+    Matrix<T>& target = m_matrices[to];
+    switch (io_bytes.TakeIndex(16)) {
+      case 0:
+        target = Matrix<T>();
+        return Adopt(to);
+      case 1:
+        target = Matrix<T>::Translate(number(), number(), number());
+        return Adopt(to);
+      case 2:
+        target = Matrix<T>::Scale(number(), number(), number());
+        return Adopt(to);
+      case 3:
+        target = Matrix<T>::Rotate({number(), number(), number()}, number());
+        return Adopt(to);
+      case 4:
+        target = m_matrices[a] * m_matrices[b];
+        m_models[to] = Product(m_models[a], m_models[b]);
+        return;
+      case 5:
+        target *= m_matrices[a];
+        m_models[to] = Product(m_models[to], m_models[a]);
+        return;
+      case 6:
+        return Invert(to, a);
+      case 7:
+        target = m_matrices[a].GetTranspose();
+        return Adopt(to);
+      case 8:
+        if (m_matrices[a].HasInverse()) target = m_matrices[a].GetNormalTransform();
+        return Adopt(to);
+      case 9: {
+        std::size_t const place = io_bytes.TakeIndex(16);
+        m_models[to].transform[place] = target.GetMutableInternal()->data()[place] = number();
+        m_models[to].is_identity = false;
+        return;
+      }
+      case 10: {
+        if (!target.HasInverse()) return;
+        std::size_t const place = io_bytes.TakeIndex(16);
+        (*m_models[to].inverse)[place] = target.GetMutableInverseInternal()->data()[place] = number();
+        return;
+      }
+      case 11:
+        target = m_matrices[a];
+        m_models[to] = m_models[a];
+        return;
+      case 12:
+        if (to == a) return;
+        target = std::move(m_matrices[a]);
+        m_models[to] = m_models[a];
+        m_matrices[a] = Matrix<T>();
+        return Adopt(a);
+      case 13: {
+        std::array<T, 16> values{};
+        for (T& value : values) value = io_bytes.Take<T>();
+        target = Matrix<T>(values.data());
+        return Adopt(to);
+      }
+      case 14:
+        m_handles[to] = io_bytes.TakeFlag() ? m_matrices[a].GetMatrix() : m_matrices[a].GetMatrixInverse();
+        return;
+      default:
+        if (io_bytes.TakeFlag())
+          m_handles[to] = m_handles[a];
+        else
+          m_handles[to] = Handle();
+        return;
+    }
+  }
+
+  template <class U>
+  void Convert(std::size_t i_to, Matrix<U> const& i_from) {
+    m_matrices[i_to] = i_from;
+    Adopt(i_to);
+    for (std::size_t i = 0; i < 16; ++i) {
+      Require(AreSame(m_models[i_to].transform[i], static_cast<T>(i_from.GetAsPtr()[i])), "a conversion");
+    }
+  }
+
+  void Check() const {
+    std::map<void const*, unsigned long> holders;
+    holders[Matrix<T>::mgh_identity.GetValue().Get()] = 1;
+    auto const count = [&](Handle const& i_handle) {
+      if (i_handle) ++holders[i_handle.Get()];
+    };
+    for (std::size_t slot = 0; slot < slots; ++slot) {
+      Matrix<T> const& matrix = m_matrices[slot];
+      Model<T> const& model = m_models[slot];
+      count(matrix.GetMatrix());
+      count(matrix.GetMatrixInverse());
+      count(m_handles[slot]);
+      Require(matrix.HasInverse() == model.inverse.has_value(), "whether there is an inverse");
+      Require(matrix.IsKnownIdentity() == model.is_identity, "whether it is the known identity");
+      for (std::size_t i = 0; i < 16; ++i) {
+        Require(AreSame(matrix.GetAsPtr()[i], model.transform[i]), "a value of a transform");
+        if (!model.inverse) continue;
+        Require(AreSame(matrix.GetMatrixInverse()->data()[i], (*model.inverse)[i]), "a value of an inverse");
+      }
+    }
+    for (std::size_t slot = 0; slot < slots; ++slot) {
+      Matrix<T> const& matrix = m_matrices[slot];
+      for (Handle const* handle : {&matrix.GetMatrix(), &matrix.GetMatrixInverse(), &m_handles[slot]}) {
+        Require(handle->GetReferenceCount() == (*handle ? holders[handle->Get()] : 0), "a reference count");
+      }
+    }
+  }
+
+ private:
+  // Takes what the library just made for the model.
+  void Adopt(std::size_t i_slot) {
+    Matrix<T> const& matrix = m_matrices[i_slot];
+    m_models[i_slot] = {Copy(matrix.GetAsPtr()), {}, matrix.IsKnownIdentity()};
+    if (matrix.HasInverse()) m_models[i_slot].inverse = Copy(matrix.GetMatrixInverse()->data());
+  }
+
+  static Model<T> Product(Model<T> const& i_a, Model<T> const& i_b) {
+    if (i_a.is_identity) return i_b;
+    if (i_b.is_identity) return i_a;
+    Model<T> product = {Multiply(i_a.transform, i_b.transform), {}, false};
+    if (i_a.inverse && i_b.inverse) product.inverse = Multiply(*i_b.inverse, *i_a.inverse);
+    return product;
+  }
+
+  void Invert(std::size_t i_to, std::size_t i_from) {
+    Model<T> const model = m_models[i_from];
+    try {
+      m_matrices[i_to] = m_matrices[i_from].GetInverse();
+      Require(model.inverse.has_value(), "an inverse that is not there");
+      // What was the inverse may be the identity's object too.
+      m_models[i_to] = {*model.inverse, model.transform, m_matrices[i_to].IsKnownIdentity()};
+    } catch (std::domain_error const& error) {
+      Require(!model.inverse &&
+                  std::string_view(error.what()) == "attempt to get inverse of non-invertible matrix",
+              "a message");
+    }
+  }
+
+  std::array<Matrix<T>, slots> m_matrices;
+  std::array<Model<T>, slots> m_models;
+  std::array<Handle, slots> m_handles;
+};
+
+class Rotations {
+ public:
+  Rotations() {
+    for (std::size_t slot = 0; slot < slots; ++slot) Adopt(slot);
+  }
+
+  void Step(Bytes& io_bytes, Matrices<float> const& i_matrices) {
+    std::size_t const to = io_bytes.TakeIndex(slots);
+    std::size_t const a = io_bytes.TakeIndex(slots);
+    std::size_t const b = io_bytes.TakeIndex(slots);
+    auto const number = [&] { return static_cast<float>(io_bytes.Take<std::int8_t>()) / 16; };
+    Quaternionf& target = m_quaternions[to];
+    switch (io_bytes.TakeIndex(6)) {
+      case 0:
+        target = Quaternionf();
+        break;
+      case 1:
+        target = Quaternionf({number(), number(), number()}, number());
+        break;
+      case 2:
+        target = m_quaternions[a] * m_quaternions[b];
+        break;
+      case 3:
+        target = m_quaternions[a].Slerp(number(), m_quaternions[b]);
+        break;
+      case 4:
+        target = Quaternionf(i_matrices.Get(a));
+        break;
+      default:
+        target = m_quaternions[a];
+        m_models[to] = m_models[a];
+        return;
+    }
+    Adopt(to);
+  }
+
+  void Check() const {
+    for (std::size_t slot = 0; slot < slots; ++slot) {
+      std::array<float, 4> const values = m_quaternions[slot].GetCoefficients();
+      for (std::size_t i = 0; i < 4; ++i) Require(AreSame(values[i], m_models[slot][i]), "a coefficient");
+    }
+  }
+
+ private:
+  void Adopt(std::size_t i_slot) { m_models[i_slot] = m_quaternions[i_slot].GetCoefficients(); }
+
+  std::array<Quaternionf, slots> m_quaternions;
+  std::array<std::array<float, 4>, slots> m_models{};
+};
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* ip_data, std::size_t i_size) {
+  Bytes bytes(ip_data, i_size);
+  Matrices<float> floats;
+  Matrices<double> doubles;
+  Rotations rotations;
+  while (!bytes.IsAtEnd()) {
+    switch (bytes.TakeIndex(5)) {
+      case 0:
+        floats.Step(bytes);
+        break;
+      case 1:
+        doubles.Step(bytes);
+        break;
+      case 2:
+        rotations.Step(bytes, floats);
+        break;
+      case 3:
+        floats.Convert(bytes.TakeIndex(slots), doubles.Get(bytes.TakeIndex(slots)));
+        break;
+      default:
+        doubles.Convert(bytes.TakeIndex(slots), floats.Get(bytes.TakeIndex(slots)));
+        break;
+    }
+    floats.Check();
+    doubles.Check();
+    rotations.Check();
+  }
+  return 0;
+}
