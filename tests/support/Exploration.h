@@ -79,7 +79,7 @@ class Exploration {
  private:
   // More than any program takes that ends.
   static constexpr std::size_t kStepLimit = 5000;
-  static constexpr std::size_t kStackSize = 128 * 1024;
+  static constexpr std::size_t kStackSize = std::size_t{128} * 1024;
 
   struct Actor {
     ucontext_t context{};
