@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstddef>
 #include <functional>
 #include <new>
@@ -78,6 +79,7 @@ TYPED_TEST(AllocationFailure, LosesNothingInWhatMakesMatrices) {
   M const b = M::Scale(2);
   M const singular(b.GetMatrix(), {});
   test::Values<TypeParam> const values = test::ValuesOf(a);
+  test::Values<TypeParam> const inverse_values = test::InverseValuesOf(a);
   EXPECT_EQ(CountFailures<Object>([] { M::Scale(1, 2, 3); }), 2U);
   EXPECT_EQ(CountFailures<Object>([] { M::Scale(0); }), 1U);
   EXPECT_EQ(CountFailures<Object>([] { M::Translate(1, 2, 3); }), 2U);
@@ -92,6 +94,9 @@ TYPED_TEST(AllocationFailure, LosesNothingInWhatMakesMatrices) {
   EXPECT_EQ(CountFailures<Object>([&] { a.GetTranspose(); }), 2U);
   EXPECT_EQ(CountFailures<Object>([&] { a.GetNormalTransform(); }), 2U);
   EXPECT_EQ(CountFailures<Object>([&] { a.GetInverse(); }), 0U);
+  EXPECT_TRUE(test::AreSameBits(test::ValuesOf(a), values));
+  EXPECT_TRUE(test::AreSameBits(test::InverseValuesOf(a), inverse_values));
+  EXPECT_TRUE(test::AreSameBits(test::ValuesOf(b), test::Diagonal<TypeParam>(2, 2, 2)));
   EXPECT_EQ(a.GetMatrix().GetReferenceCount(), 1U);
   EXPECT_EQ(a.GetMatrixInverse().GetReferenceCount(), 1U);
 }
@@ -154,13 +159,18 @@ TEST(AllocationFailure, AConversionKeepsTheStepsThatSucceeded) {
 }
 
 TEST(AllocationFailure, LosesNothingInWhatMakesQuaternions) {
+  Matrix<float> const identity;  // made now, while there is memory
   Quaternionf const q({0, 0, 1}, 1);
+  std::array<float, 4> const coefficients = q.GetCoefficients();
   Matrix<float> const matrix = Matrix<float>::Rotate({0, 0, 1}, 1);
   EXPECT_EQ(CountFailures<QuaternionObject>([] { Quaternionf({0, 0, 1}, 1); }), 1U);
   EXPECT_EQ(CountFailures<QuaternionObject>([&] { Quaternionf{matrix}; }), 1U);
   EXPECT_EQ(CountFailures<QuaternionObject>([&] { q* q; }), 1U);
   EXPECT_EQ(CountFailures<QuaternionObject>([&] { q.Slerp(0.5F, q); }), 1U);
   EXPECT_EQ(CountFailures<QuaternionObject>([&] { q.Transform({1, 2, 3}); }), 0U);
+  EXPECT_EQ(CountFailures<QuaternionObject>([&] { (void)q.IsApproximately(q, 1); }), 0U);
+  EXPECT_EQ(CountFailures<MatrixObject<float>>([&] { q.InverseTransform({1, 2, 3}); }), 2U);
+  EXPECT_EQ(q.GetCoefficients(), coefficients);
   EXPECT_EQ(CountFailures<MatrixObject<float>>([&] { q.GetAsMatrix(); }), 2U);
 }
 
