@@ -92,8 +92,9 @@ class Inputs {
       case 3:
         return uniform * std::numeric_limits<T>::min();
       case 4:
-        return m_last = std::ldexp(uniform,
-                                   static_cast<int>(m_random() % (2 * static_cast<unsigned>(reach))) - reach);
+        return m_last = std::ldexp(
+                   uniform,
+                   static_cast<int>(m_random() % (std::size_t{2} * static_cast<std::size_t>(reach))) - reach);
       default:
         return m_last = uniform;
     }
