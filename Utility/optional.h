@@ -30,8 +30,13 @@ class optional {
 
   constexpr optional() noexcept : m_nothing{} {}
   constexpr optional(nullopt_t) noexcept : m_nothing{} {}
-  constexpr optional(T const& i_value) : m_value(i_value), m_is_engaged(true) {}
-  constexpr optional(T&& i_value) : m_value(std::move(i_value)), m_is_engaged(true) {}
+  /// From whatever makes a T; implicit where that is.
+  template <class U = T>
+  requires(!std::same_as<std::remove_cvref_t<U>, optional<T>> &&
+           !std::same_as<std::remove_cvref_t<U>, std::in_place_t> &&
+           std::constructible_from<T, U>) constexpr explicit(!std::is_convertible_v<U, T>)
+      optional(U&& i_value)
+      : m_value(std::forward<U>(i_value)), m_is_engaged(true) {}
   template <class... Arguments>
   requires std::constructible_from<T, Arguments...>
   constexpr explicit optional(std::in_place_t, Arguments&&... i_arguments)
@@ -45,8 +50,16 @@ class optional {
   constexpr optional& operator=(optional const& i_other);
   constexpr optional& operator=(optional&& i_other) noexcept(
       std::is_nothrow_move_constructible_v<T>&& std::is_nothrow_move_assignable_v<T>);
-  constexpr optional& operator=(T const& i_value);
-  constexpr optional& operator=(T&& i_value);
+  /// Takes part for whatever assigns a T, but not for `{}` given to a scalar: `o = {}` empties every
+  /// optional.
+  template <class U = T>
+  requires(!std::same_as<std::remove_cvref_t<U>, optional<T>> && std::constructible_from<T, U> &&
+           std::is_assignable_v<T&, U> &&
+           !(std::is_scalar_v<T> && std::same_as<T, std::decay_t<U>>)) constexpr optional&
+  operator=(U&& i_value) {
+    Assign(std::forward<U>(i_value));
+    return *this;
+  }
 
   constexpr bool has_value() const noexcept { return m_is_engaged; }
   constexpr explicit operator bool() const noexcept { return m_is_engaged; }
@@ -122,18 +135,6 @@ constexpr optional<T>& optional<T>::operator=(optional&& i_other) noexcept(
   } else {
     reset();
   }
-  return *this;
-}
-
-template <class T>
-constexpr optional<T>& optional<T>::operator=(T const& i_value) {
-  Assign(i_value);
-  return *this;
-}
-
-template <class T>
-constexpr optional<T>& optional<T>::operator=(T&& i_value) {
-  Assign(std::move(i_value));
   return *this;
 }
 

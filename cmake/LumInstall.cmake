@@ -19,7 +19,7 @@ configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/lumConfig.cmake.in"
 write_basic_package_version_file("${PROJECT_BINARY_DIR}/lumConfigVersion.cmake" COMPATIBILITY SameMinorVersion)
 install(
   FILES "${PROJECT_BINARY_DIR}/lumConfig.cmake" "${PROJECT_BINARY_DIR}/lumConfigVersion.cmake"
-        "${PROJECT_SOURCE_DIR}/cmake/LumEigen.cmake" "${PROJECT_SOURCE_DIR}/cmake/FindEigen3.cmake"
+        "${PROJECT_SOURCE_DIR}/cmake/FindEigen3.cmake"
   DESTINATION "${lum_package_dir}")
 
 # Relative to the file itself, so that the installed tree can be moved.

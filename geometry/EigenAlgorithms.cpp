@@ -39,8 +39,15 @@ std::array<float, 4> ExtractRotation(float const* ip_values) {
       }
     }
   }
-  lum_eigen::Matrix3f rotation;
-  transform.computeRotationScaling(&rotation, static_cast<lum_eigen::Matrix3f*>(nullptr));
+  // As Transform::computeRotationScaling does it in 3.4. Written out, because older versions turn another
+  // column where the block mirrors.
+  lum_eigen::Matrix3f const block = transform.matrix().topLeftCorner<3, 3>();
+  lum_eigen::JacobiSVD<lum_eigen::Matrix3f> const svd(block,
+                                                      lum_eigen::ComputeFullU | lum_eigen::ComputeFullV);
+  bool const mirrors = (svd.matrixU() * svd.matrixV().transpose()).determinant() < 0;
+  lum_eigen::Matrix3f u = svd.matrixU();
+  if (mirrors) u.col(2) = -u.col(2);
+  lum_eigen::Matrix3f const rotation = u * svd.matrixV().transpose();
   lum_eigen::Quaternionf const quaternion(rotation);
   return {quaternion.x(), quaternion.y(), quaternion.z(), quaternion.w()};
 }

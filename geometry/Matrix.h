@@ -28,8 +28,9 @@ using MatrixPoolTypes = PoolTypes<MatrixObject<T>>;
 /// A default-constructed matrix shares the one identity object. That object is recognised by its address (a
 /// *known identity*); operations with it share instead of computing.
 ///
-/// A moved-from matrix may be destroyed and assigned to; any other use is caught by an assertion in builds
-/// without NDEBUG.
+/// A moved-from matrix may be destroyed and assigned to. Its handles are empty, which `GetMatrix`,
+/// `GetMatrixInverse`, `HasInverse` and its copies show; use of its values is caught by an assertion in
+/// builds without NDEBUG.
 ///
 /// Thread safety: one matrix must not be written while another thread uses it. Matrices that merely share
 /// objects may be used on different threads freely.

@@ -16,8 +16,8 @@ namespace lum {
 /// default value shares the one identity object, which is recognised by its address (the *known identity*).
 /// Unit length is not an invariant: nothing is ever normalised, and no argument is checked.
 ///
-/// A moved-from quaternion may be destroyed and assigned to; any other use is caught by an assertion in
-/// builds without NDEBUG.
+/// A moved-from quaternion may be destroyed, assigned to and copied, which gives another like it; use of its
+/// values is caught by an assertion in builds without NDEBUG.
 ///
 /// Thread safety: one value must not be written while another thread uses it. Values that share an object may
 /// be used on different threads freely.
@@ -30,8 +30,9 @@ class LUM_EXPORT Quaternionf {
 
   /// The known identity, (0, 0, 0, 1).
   Quaternionf();
-  /// The rotation of the upper-left 3x3 block, freed of scale and shear by its polar decomposition. A block
-  /// with a value that is not finite gives NaNs. Never a known identity.
+  /// The rotation of the upper-left 3x3 block, freed of scale and shear by its polar decomposition. Of a
+  /// block that mirrors, the direction of the smallest scale is turned back. A block with a value that is not
+  /// finite gives NaNs. Never a known identity.
   explicit Quaternionf(Matrix<float> const& i_matrix);
   /// The rotation about an axis through an angle in radians, right-handed. The axis is taken as it is: one of
   /// length L gives a vector part L times too long.

@@ -18,14 +18,16 @@ class OutputFile {
   ~OutputFile();
 
   std::string const& GetPath() const { return m_path; }
-  /// Where to write.
-  std::string GetPartPath() const { return m_path + ".part"; }
+  /// Where to write from now on.
+  std::string Begin();
   /// Throws `std::runtime_error` with one line of text.
   void Publish();
 
  private:
+  std::string GetPartPath() const { return m_path + ".part"; }
+
   std::string m_path;
-  bool m_is_open = true;
+  bool m_is_begun = false;
 };
 
 }  // namespace common

@@ -29,16 +29,15 @@ Picture StretchContrast(std::size_t i_width, std::size_t i_height, std::vector<d
   return picture;
 }
 
-void WritePng(Picture const& i_picture, OutputFile const& i_file) {
+void WritePng(Picture const& i_picture, OutputFile& io_file) {
   png_image image{};
   image.version = PNG_IMAGE_VERSION;
   image.width = static_cast<png_uint_32>(i_picture.width);
   image.height = static_cast<png_uint_32>(i_picture.height);
   bool const is_grey = i_picture.pixels.size() == i_picture.width * i_picture.height;
   image.format = is_grey ? PNG_FORMAT_GRAY : PNG_FORMAT_RGB;
-  if (png_image_write_to_file(&image, i_file.GetPartPath().c_str(), 0, i_picture.pixels.data(), 0, nullptr) ==
-      0) {
-    throw std::runtime_error("cannot write " + i_file.GetPath() + ": " + image.message);
+  if (png_image_write_to_file(&image, io_file.Begin().c_str(), 0, i_picture.pixels.data(), 0, nullptr) == 0) {
+    throw std::runtime_error("cannot write " + io_file.GetPath() + ": " + image.message);
   }
 }
 

@@ -19,6 +19,6 @@ struct Picture {
 Picture StretchContrast(std::size_t i_width, std::size_t i_height, std::vector<double> const& i_samples);
 
 /// Writes a PNG file. What cannot be written throws `std::runtime_error` with one line of text.
-void WritePng(Picture const& i_picture, OutputFile const& i_file);
+void WritePng(Picture const& i_picture, OutputFile& io_file);
 
 }  // namespace common

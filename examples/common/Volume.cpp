@@ -34,17 +34,20 @@ lum::Matrix<double> ToMatrix(mat44 const& i_affine) {
 }
 
 // Reads the voxels ourselves: nifti_image_load takes a file that ends early for whole, and turns NaNs into 0.
-// zlib reads plain files too, and notices a compressed one that is cut short or damaged.
+// zlib reads plain files too, and notices a compressed one that is cut short or damaged. Memory is taken as
+// bytes come: a header may claim any number of them.
 std::vector<unsigned char> ReadBytes(nifti_image const& i_image, std::size_t i_count) {
-  constexpr std::size_t largest_read = std::size_t{1} << 30;
-  std::vector<unsigned char> bytes(i_count);
+  constexpr std::size_t largest_read = std::size_t{1} << 24;
+  std::vector<unsigned char> bytes;
   gzFile file = gzopen(i_image.iname, "rb");
   bool is_whole = file != nullptr && gzseek(file, i_image.iname_offset, SEEK_SET) == i_image.iname_offset;
-  for (std::size_t done = 0; is_whole && done < i_count;) {
-    int const read =
-        gzread(file, &bytes[done], static_cast<unsigned>(std::min(i_count - done, largest_read)));
+  while (is_whole && bytes.size() < i_count) {
+    std::size_t const done = bytes.size();
+    std::size_t const wanted = std::min(i_count - done, largest_read);
+    bytes.resize(done + wanted);
+    int const read = gzread(file, &bytes[done], static_cast<unsigned>(wanted));
     is_whole = read > 0;
-    if (is_whole) done += static_cast<std::size_t>(read);
+    bytes.resize(is_whole ? done + static_cast<std::size_t>(read) : done);
   }
   // The checksum stands at the very end, behind whatever follows the voxels.
   std::array<unsigned char, 4096> rest{};

@@ -13,6 +13,7 @@
 #include <cstddef>
 #include <cstdio>
 #include <exception>
+#include <stdexcept>
 
 namespace {
 
@@ -113,6 +114,7 @@ void DrawCube() {
 int main() {
   try {
     DrawCube();
+    if (std::fflush(stdout) != 0) throw std::runtime_error("cannot write the picture");
     return 0;
   } catch (std::exception const& exception) {
     std::fprintf(stderr, "cube: %s\n", exception.what());

@@ -35,6 +35,9 @@ Point GetMiddle(common::Volume const& i_volume) {
   return middle;
 }
 
+// Pixels along a side.
+constexpr double largest_size = 16384;
+
 // How many pixels the slice reaches from its middle to either side.
 struct Reach {
   double left;
@@ -82,6 +85,10 @@ Slice PlaceSlice(common::Volume const& i_volume, Placement const& i_placement) {
   Reach const reach = i_placement.size
                           ? ReachOf(*i_placement.size)
                           : ReachOf(i_volume, plane_to_world.GetInverse() * i_volume.voxel_to_world);
+  if (!(std::max(reach.left + reach.right, reach.down + reach.up) < largest_size)) {
+    throw std::invalid_argument(
+        "the slice would be more than 16384 pixels wide or high; --size makes it smaller");
+  }
   return {static_cast<std::size_t>(reach.left + reach.right) + 1,
           static_cast<std::size_t>(reach.down + reach.up) + 1,
           plane_to_world * lum::Matrix<double>::Translate(-reach.left, -reach.down, 0)};

@@ -32,7 +32,7 @@ struct Slice {
 /// A picture in the slice's order, row by row from the top; NaN outside the volume.
 using Samples = std::vector<double>;
 
-/// An axis of length zero throws `std::invalid_argument`.
+/// An axis of length zero, and a slice of more than 16384 pixels along a side, throw `std::invalid_argument`.
 Slice PlaceSlice(common::Volume const& i_volume, Placement const& i_placement);
 
 Samples Resample(common::Volume const& i_volume, Slice const& i_slice);

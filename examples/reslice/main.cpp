@@ -2,6 +2,8 @@
 //
 // An oblique slice through a volume: pixels of one square millimetre, x to the right, y up.
 
+#include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <exception>
 #include <iostream>
@@ -30,8 +32,17 @@ struct Arguments {
 };
 
 lum::Vector<float, 3> ParseAxis(std::string_view i_option, std::string_view i_text) {
-  std::vector<double> const axis = common::ParseList(i_option, i_text, "X,Y,Z");
+  std::vector<double> axis = common::ParseList(i_option, i_text, "X,Y,Z");
+  // Only the direction counts, and floats hold no squares of very long or short axes.
+  double const largest = std::max({std::abs(axis[0]), std::abs(axis[1]), std::abs(axis[2])});
+  if (largest == 0) throw std::invalid_argument("the axis has length zero");
+  for (double& component : axis) component /= largest;
   return {static_cast<float>(axis[0]), static_cast<float>(axis[1]), static_cast<float>(axis[2])};
+}
+
+// In radians, and within a turn: floats tell no degrees apart in large angles.
+double ParseAngle(std::string_view i_option, std::string_view i_text) {
+  return std::remainder(common::ParseNumber(i_option, i_text), 360.0) * std::numbers::pi / 180;
 }
 
 Arguments ParseArguments(std::vector<std::string_view> const& i_words) {
@@ -49,7 +60,7 @@ Arguments ParseArguments(std::vector<std::string_view> const& i_words) {
     std::string_view const value = i_words[index];
     reslice::Placement& placement = arguments.placement;
     if (word == "--axis") placement.axis = ParseAxis(word, value);
-    if (word == "--angle") placement.angle = common::ParseNumber(word, value) * std::numbers::pi / 180;
+    if (word == "--angle") placement.angle = ParseAngle(word, value);
     if (word == "--offset") placement.offset = common::ParseNumber(word, value);
     if (word == "--size") placement.size = common::ParseCount(word, value, largest_size);
   }

@@ -160,9 +160,12 @@ Vector ToFloat(lum::Vector<double, 3> const& i_vector) {
 }
 
 void DrawMesh(Mesh const& i_mesh, Colour const& i_colour, lum::Matrix<float> const& i_world_to_view,
-              std::optional<lum::Plane<float>> const& i_clip, Canvas& io_canvas) {
+              std::optional<lum::Plane<float>> const& i_clip, Progress const& i_progress, Canvas& io_canvas) {
   lum::Matrix<float> const normal_transform = i_world_to_view.GetNormalTransform();
+  std::size_t drawn = 0;
   for (auto const& triangle : i_mesh.triangles) {
+    if (drawn++ % 4096 == 0)
+      i_progress(static_cast<double>(drawn) / static_cast<double>(i_mesh.triangles.size()));
     lum::Vector<double, 3> const flat = lum::GetNormalized(i_mesh.GetDoubledArea(triangle));
     Corners corners{};
     for (std::size_t corner = 0; corner < 3; ++corner) {
@@ -290,7 +293,7 @@ lum::Quaternionf Turn(double i_angle, std::size_t i_step, std::size_t i_steps) {
   return LookAt(from).Slerp(static_cast<float>(part), LookAt(from + third));
 }
 
-common::Picture Draw(Mesh const& i_mesh, View const& i_view) {
+common::Picture Draw(Mesh const& i_mesh, View const& i_view, Progress const& i_progress) {
   lum::Matrix<double> const world_to_view = GetWorldToView(i_mesh, i_view.rotation, i_view.is_turning);
   lum::Matrix<float> const drawn(world_to_view);
   std::optional<lum::Plane<float>> clip;
@@ -300,7 +303,7 @@ common::Picture Draw(Mesh const& i_mesh, View const& i_view) {
                  static_cast<float>(plane.GetC()), static_cast<float>(plane.GetD()));
   }
   Canvas canvas(samples_per_pixel * i_view.size);
-  DrawMesh(i_mesh, i_view.palette[0], drawn, clip, canvas);
+  DrawMesh(i_mesh, i_view.palette[0], drawn, clip, i_progress, canvas);
   if (clip) DrawInside(i_view, *clip, drawn, canvas);
   if (i_view.palette[1] != i_view.palette[0]) DrawSharpEdges(i_mesh, i_view.palette, drawn, clip, canvas);
   return AverageSamples(canvas, i_view.size);

@@ -11,6 +11,7 @@
 
 #include "common/Picture.h"
 #include "surface/Colour.h"
+#include "surface/Contour.h"
 #include "surface/Mesh.h"
 
 namespace surface {
@@ -36,6 +37,6 @@ lum::Quaternionf LookAt(double i_angle);
 lum::Quaternionf Turn(double i_angle, std::size_t i_step, std::size_t i_steps);
 
 /// A picture by a plain z-buffer: parallel projection, shaded, edges smoothed.
-common::Picture Draw(Mesh const& i_mesh, View const& i_view);
+common::Picture Draw(Mesh const& i_mesh, View const& i_view, Progress const& i_progress);
 
 }  // namespace surface

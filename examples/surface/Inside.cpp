@@ -1,23 +1,33 @@
 #include "surface/Inside.h"
 
+#include <geometry/Range.h>
+
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <iterator>
-#include <vector>
+
+#include "surface/VolumeField.h"
 
 namespace surface {
 
 Inside::Inside(common::Volume const& i_volume)
     : mp_volume(&i_volume), m_world_to_voxel(i_volume.voxel_to_world.GetInverse()) {
-  std::vector<double> values;
-  std::copy_if(i_volume.values.begin(), i_volume.values.end(), std::back_inserter(values),
-               [](double i_value) { return std::isfinite(i_value); });
-  auto const bright = values.begin() + static_cast<std::ptrdiff_t>(values.size() - 1 - values.size() / 50);
-  std::nth_element(values.begin(), bright, values.end());
-  m_bright = *bright;
-  m_dark = *std::min_element(values.begin(), bright + 1);
+  lum::Range<double> const range = GetRange(i_volume);
+  m_dark = range.GetLower();
+  // A histogram tells the quantile well enough for greys, without a copy of the volume.
+  std::array<std::size_t, 1024> counts{};
+  double const scale = (counts.size() - 1) / (range.GetUpper() - range.GetLower());
+  std::size_t total = 0;
+  for (double const value : i_volume.values) {
+    if (!std::isfinite(value)) continue;
+    ++counts[static_cast<std::size_t>((value - m_dark) * scale)];
+    ++total;
+  }
+  std::size_t bright = counts.size();
+  for (std::size_t above = 0; bright > 1 && above <= total / 50;) above += counts[--bright];
+  m_bright = m_dark + static_cast<double>(bright + 1) / scale;
 }
 
 Colour Inside::operator()(lum::Point<double, 3> const& i_world) const {

@@ -9,7 +9,7 @@
 namespace surface {
 
 /// The greys of a volume at points of the world: black at its lowest value, white where only a few voxels are
-/// brighter.
+/// brighter. The volume must not be the same everywhere.
 class Inside {
  public:
   /// Keeps a reference to the volume.

@@ -32,7 +32,11 @@ class Words {
 
 lum::Plane<double> ParsePlane(std::string_view i_option, std::string_view i_text) {
   std::vector<double> const values = common::ParseList(i_option, i_text, "A,B,C,D");
-  return {values[0], values[1], values[2], values[3]};
+  try {
+    return {values[0], values[1], values[2], values[3]};
+  } catch (std::invalid_argument const&) {
+    throw std::invalid_argument(std::string(i_option) + " takes a plane A,B,C,D whose normal is not zero");
+  }
 }
 
 }  // namespace

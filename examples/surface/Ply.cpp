@@ -42,9 +42,9 @@ class Bytes {
 
 }  // namespace
 
-void WritePly(Mesh const& i_mesh, Palette const& i_palette, common::OutputFile const& i_file,
+void WritePly(Mesh const& i_mesh, Palette const& i_palette, common::OutputFile& io_file,
               Progress const& i_progress) {
-  std::ofstream file(i_file.GetPartPath(), std::ios::binary);
+  std::ofstream file(io_file.Begin(), std::ios::binary);
   file << "ply\n"
           "format binary_little_endian 1.0\n"
        << "element vertex " << i_mesh.vertices.size() << '\n'
@@ -74,7 +74,7 @@ void WritePly(Mesh const& i_mesh, Palette const& i_palette, common::OutputFile c
   }
   bytes.Flush();
   file.close();
-  if (!file) throw std::runtime_error("cannot write " + i_file.GetPath());
+  if (!file) throw std::runtime_error("cannot write " + io_file.GetPath());
 }
 
 }  // namespace surface

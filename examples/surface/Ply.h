@@ -9,7 +9,7 @@ namespace surface {
 
 /// Writes a binary little-endian PLY file with positions, normals and colours. What cannot be written throws
 /// `std::runtime_error` with one line of text.
-void WritePly(Mesh const& i_mesh, Palette const& i_palette, common::OutputFile const& i_file,
+void WritePly(Mesh const& i_mesh, Palette const& i_palette, common::OutputFile& io_file,
               Progress const& i_progress);
 
 }  // namespace surface

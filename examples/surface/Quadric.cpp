@@ -29,11 +29,6 @@ void Quadric::Add(Point const& i_point, Vector const& i_normal) {
   ++m_count;
 }
 
-Quadric::Point Quadric::GetMassPoint() const {
-  Eigen::Vector3d const mean = m_points / m_count;
-  return {mean.x(), mean.y(), mean.z()};
-}
-
 Quadric::Minimum Quadric::Minimise() const {
   double const weight = 3 / m_count;
   Eigen::Matrix3d const normals = m_normals * weight;

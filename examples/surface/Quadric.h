@@ -25,11 +25,9 @@ class Quadric {
   /// A plane by a point on it and its unit normal.
   void Add(Point const& i_point, Vector const& i_normal);
 
-  /// The mean of the points.
-  Point GetMassPoint() const;
-
   /// The sum of squared distances is smallest here among the points of the cell; where it is the same along a
-  /// line or plane, this is the point closest to the mass point. At least one plane must have been added.
+  /// line or plane, this is the point closest to the mass point, the mean of the points. At least one plane
+  /// must have been added.
   Minimum Minimise() const;
 
  private:

@@ -5,15 +5,34 @@
 #include <geometry/TrilinearInterpolation.h>
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <cmath>
 #include <limits>
-#include <sstream>
 #include <stdexcept>
+#include <string>
 
 namespace surface {
 namespace {
 
-// Empty when no value is finite.
+// All digits that tell it from its neighbours, and no more.
+std::string Print(double i_value) {
+  std::array<char, 32> text{};
+  auto const [end, error] = std::to_chars(text.data(), text.data() + text.size(), i_value);
+  return {text.data(), end};
+}
+
+// Blending along an edge is linear: false position meets zero at once, but for rounding.
+constexpr double relative_tolerance = 1e-9;
+
+double GetTolerance(common::Volume const& i_volume) {
+  lum::Range<double> const range = GetRange(i_volume);
+  return std::max(relative_tolerance * (range.GetUpper() - range.GetLower()),
+                  std::numeric_limits<double>::denorm_min());
+}
+
+}  // namespace
+
 lum::Range<double> GetRange(common::Volume const& i_volume) {
   double lowest = std::numeric_limits<double>::infinity();
   double highest = -lowest;
@@ -25,16 +44,6 @@ lum::Range<double> GetRange(common::Volume const& i_volume) {
   return {lowest, highest};
 }
 
-// Blending along an edge is linear: false position meets zero at once, but for rounding.
-constexpr double relative_tolerance = 1e-9;
-
-double GetTolerance(common::Volume const& i_volume) {
-  lum::Range<double> const range = GetRange(i_volume);
-  return relative_tolerance * (range.GetUpper() - range.GetLower());
-}
-
-}  // namespace
-
 VolumeField::VolumeField(common::Volume const& i_volume, double i_level)
     : Field({{i_volume.size[0] + 2, i_volume.size[1] + 2, i_volume.size[2] + 2},
              i_volume.voxel_to_world * lum::Matrix<double>::Translate(-1, -1, -1),
@@ -44,15 +53,15 @@ VolumeField::VolumeField(common::Volume const& i_volume, double i_level)
       m_level(i_level),
       m_lowest(GetRange(i_volume).GetLower()) {
   lum::Range<double> const range = GetRange(i_volume);
-  if (i_level >= range.GetLower() && i_level < range.GetUpper()) return;
-  std::ostringstream text;
-  text << "the volume never crosses the level " << i_level;
-  if (range.IsEmpty()) {
-    text << ": none of its values is finite";
-  } else {
-    text << ": its values range from " << range.GetLower() << " to " << range.GetUpper();
+  if (range.IsEmpty()) throw std::invalid_argument("none of the volume's values is finite");
+  if (!std::isfinite(range.GetUpper() - range.GetLower())) {
+    throw std::invalid_argument("the volume's values range too far: from " + Print(range.GetLower()) +
+                                " to " + Print(range.GetUpper()));
   }
-  throw std::invalid_argument(text.str());
+  if (i_level >= range.GetLower() && i_level < range.GetUpper()) return;
+  throw std::invalid_argument("the volume never crosses the level " + Print(i_level) +
+                              ": its values range from " + Print(range.GetLower()) + " to " +
+                              Print(range.GetUpper()));
 }
 
 double VolumeField::Evaluate(Point const& i_grid_point) const {

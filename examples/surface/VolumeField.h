@@ -1,9 +1,14 @@
 #pragma once
 
+#include <geometry/Range.h>
+
 #include "common/Volume.h"
 #include "surface/Field.h"
 
 namespace surface {
+
+/// From the lowest to the highest finite value; empty when there is none.
+lum::Range<double> GetRange(common::Volume const& i_volume);
 
 /// A volume less a level, blended between voxels.
 ///
@@ -12,7 +17,7 @@ namespace surface {
 class VolumeField : public Field {
  public:
   /// Keeps a reference to the volume. A level that it does not cross throws `std::invalid_argument` with the
-  /// range that it has.
+  /// range that it has; so does one whose range is not finite.
   VolumeField(common::Volume const& i_volume, double i_level);
 
   double Evaluate(Point const& i_grid_point) const override;

@@ -13,10 +13,13 @@
 #include <memory>
 #include <numbers>
 #include <optional>
+#include <set>
 #include <sstream>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <system_error>
+#include <utility>
 #include <vector>
 
 #include "common/OutputFile.h"
@@ -53,6 +56,18 @@ class Interrupted : public std::runtime_error {
   Interrupted() : std::runtime_error("interrupted") {}
 };
 constexpr int exit_by_interrupt = 128 + SIGINT;
+void ThrowIfInterrupted() {
+  if (is_interrupted != 0) throw Interrupted();
+}
+
+// Whether what is to be written would replace something else that is read or written.
+void RefuseEqualPaths(surface::Options const& i_options) {
+  std::set<std::filesystem::path> paths;
+  for (std::string const& path : {i_options.input, i_options.mesh, i_options.picture}) {
+    if (path.empty() || paths.insert(std::filesystem::weakly_canonical(path)).second) continue;
+    throw std::invalid_argument(path + " is named twice");
+  }
+}
 
 // What is shown and how, apart from where one stands.
 struct Scene {
@@ -72,7 +87,7 @@ Scene MakeScene(surface::Options const& i_options) {
   } else {
     scene.volume = common::ReadVolume(i_options.input);
     scene.field = std::make_unique<surface::VolumeField>(*scene.volume, i_options.level);
-    scene.view.inside = surface::Inside(*scene.volume);
+    if (i_options.clip) scene.view.inside = surface::Inside(*scene.volume);
     scene.view.palette = surface::skin;
   }
   return scene;
@@ -85,9 +100,11 @@ std::string GetFramePath(std::string const& i_folder, std::size_t i_frame) {
 
 class Program {
  public:
-  explicit Program(surface::Options const& i_options) : m_options(i_options), m_report(i_options.is_quiet) {}
+  explicit Program(surface::Options i_options)
+      : m_options(std::move(i_options)), m_report(m_options.is_quiet) {}
 
   void Run() {
+    RefuseEqualPaths(m_options);
     std::optional<common::OutputFile> picture;
     common::OutputFile mesh_file(m_options.mesh);
     if (!m_options.picture.empty()) picture.emplace(m_options.picture);
@@ -101,7 +118,7 @@ class Program {
     if (picture) {
       Begin("drawing");
       scene.view.rotation = surface::LookAt(three_quarter_view);
-      common::WritePng(surface::Draw(mesh, scene.view), *picture);
+      common::WritePng(surface::Draw(mesh, scene.view, m_progress), *picture);
     }
     std::vector<common::OutputFile> frames;
     if (m_options.frames > 0) {
@@ -134,20 +151,21 @@ class Program {
       throw std::runtime_error("cannot write " + m_options.turntable_folder + ": " + error.message());
     i_view.size = frame_size;
     i_view.is_turning = true;
+    surface::Progress const check_interrupt = [](double) { ThrowIfInterrupted(); };
     std::vector<common::OutputFile> frames;
     for (std::size_t frame = 0; frame < m_options.frames; ++frame) {
       m_progress(static_cast<double>(frame) / static_cast<double>(m_options.frames));
       i_view.rotation = surface::Turn(three_quarter_view, frame, m_options.frames);
       frames.emplace_back(GetFramePath(m_options.turntable_folder, frame));
-      common::WritePng(surface::Draw(i_mesh, i_view), frames.back());
+      common::WritePng(surface::Draw(i_mesh, i_view, check_interrupt), frames.back());
     }
     return frames;
   }
 
-  surface::Options const& m_options;
+  surface::Options m_options;
   surface::Report m_report;
   surface::Progress m_progress = [this](double i_part) {
-    if (is_interrupted != 0) throw Interrupted();
+    ThrowIfInterrupted();
     m_report.Show(i_part);
   };
 };

@@ -82,6 +82,28 @@ TEST(Optional, ComparesStatesAndValues) {
   EXPECT_FALSE(O("a") == nullopt);
 }
 
+TEST(Optional, EmptyBracesEmptyIt) {
+  optional<int> number(3);
+  number = {};
+  EXPECT_FALSE(number.has_value());
+  optional<double> real(3.5);
+  real = {};
+  EXPECT_FALSE(real.has_value());
+  optional<std::string> text(std::string("text"));
+  text = {};
+  EXPECT_FALSE(text.has_value());
+}
+
+TEST(Optional, TakesWhateverMakesAValue) {
+  optional<std::string> text = "abc";
+  EXPECT_EQ(text.value(), "abc");
+  text = "other";
+  EXPECT_EQ(text.value(), "other");
+  optional<double> number(3);
+  number = 4;
+  EXPECT_EQ(number.value(), 4.0);
+}
+
 TEST(Optional, AssigningOverAValueAssignsToIt) {
   optional<std::string> target("abc");
   std::string const* const address = &*target;

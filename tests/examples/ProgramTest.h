@@ -27,11 +27,9 @@ class ProgramTest : public testing::Test {
       : m_name(std::move(i_name)), m_program(std::move(i_program)) {}
 
   void SetUp() override {
-    auto const* const info = testing::UnitTest::GetInstance()->current_test_info();
-    m_folder = std::filesystem::temp_directory_path() /
-               (std::string("lum-") + info->test_suite_name() + "-" + info->name());
-    std::filesystem::remove_all(m_folder);
-    std::filesystem::create_directories(m_folder);
+    std::string name = (std::filesystem::temp_directory_path() / "lum-XXXXXX").string();
+    ASSERT_NE(mkdtemp(name.data()), nullptr);
+    m_folder = name;
   }
   void TearDown() override { std::filesystem::remove_all(m_folder); }
 

@@ -101,7 +101,9 @@ TEST_F(Reslice, ASliceThereAndBackFindsTheSameSamples) {
   Slice const slice = PlaceSlice(head, {.axis = {0.2F, 1, 0}, .angle = 0.7});
   lum::Matrix<double> const there = head.voxel_to_world.GetInverse() * slice.pixel_to_world;
   Slice again = slice;
-  again.pixel_to_world = head.voxel_to_world * (there.GetInverse().GetInverse());
+  lum::Matrix<double> const back = there.GetInverse();
+  // Built from the values of the inverse alone, whose own inverse is then computed anew.
+  again.pixel_to_world = head.voxel_to_world * lum::Matrix<double>(back.GetAsPtr()).GetInverse();
   Samples const first = Resample(head, slice);
   Samples const second = Resample(head, again);
   std::size_t compared = 0;
@@ -194,6 +196,36 @@ TEST_F(Reslice, RefusesATruncatedFile) {
   bytes = ReadBytes(HEAD_VOLUME);
   bytes.resize(bytes.size() / 2);
   ExpectRefusal(WriteBytes("short.nii.gz", bytes) + output, "truncated or damaged");
+}
+
+// 32767 x 32767 x 32767 voxels of int16: no memory is taken for what is not there.
+TEST_F(Reslice, RefusesAHeaderThatClaimsMoreThanTheFileHolds) {
+  std::vector<char> bytes = ReadBytes(WriteVolume<std::int16_t>("a.nii", DT_INT16, m_straight));
+  for (std::size_t const dimension : {42U, 44U, 46U}) {
+    bytes[dimension] = static_cast<char>(0xff);
+    bytes[dimension + 1] = 0x7f;
+  }
+  ExpectRefusal(WriteBytes("claims.nii", bytes) + " " + In("refused.png"), "truncated or damaged");
+}
+
+TEST_F(Reslice, RefusesASliceThatWouldBeTooLarge) {
+  std::string const input =
+      WriteVolume<float>("large.nii", DT_FLOAT32, {{{1e8F, 0, 0, 0}, {0, 1e8F, 0, 0}, {0, 0, 1e8F, 0}}});
+  ExpectRefusal(input + " " + In("refused.png"), "more than 16384 pixels");
+  EXPECT_EQ(Run(input + " " + In("a.png") + " --size 100"), 0);
+}
+
+TEST_F(Reslice, TakesAxesOfAnyLengthAndAnglesOfAnySize) {
+  std::string const input = WriteVolume<float>("a.nii", DT_FLOAT32, m_straight) + " ";
+  ASSERT_EQ(Run(input + In("a.png") + " --axis 1,2,0 --angle 65"), 0);
+  std::vector<char> const expected = ReadBytes(In("a.png"));
+  for (std::string const arguments : {"--axis 1e20,2e20,0 --angle 65", "--axis 1e300,2e300,0 --angle 65",
+                                      "--axis 1e-30,2e-30,0 --angle 65", "--axis 1,2,0 --angle 360065"}) {
+    ASSERT_EQ(Run(input + In("b.png") + " " + arguments), 0) << arguments;
+    EXPECT_EQ(ReadBytes(In("b.png")), expected) << arguments;
+  }
+  EXPECT_EQ(Run(input + In("b.png") + " --axis 1,2,0 --angle 1e300"), 0);
+  EXPECT_EQ(ReadText(In("out")).find(": 1 x 1 mm"), std::string::npos);
 }
 
 TEST_F(Reslice, RefusesADamagedCompressedFile) {

@@ -21,6 +21,7 @@
 #include "common/Volume.h"
 #include "surface/Contour.h"
 #include "surface/Draw.h"
+#include "surface/Inside.h"
 #include "surface/Mesh.h"
 #include "surface/Solid.h"
 #include "surface/VolumeField.h"
@@ -285,9 +286,43 @@ TEST(Contour, RefusesALevelThatIsNeverCrossed) {
 
   common::Volume const nothing =
       MakeVolume({2, 2, 2}, {}, [](auto...) { return std::numeric_limits<double>::quiet_NaN(); });
+  EXPECT_TRUE(lum::test::Throws<std::invalid_argument>([&] { VolumeField(nothing, 1); },
+                                                       "none of the volume's values is finite"));
+}
+
+TEST(Contour, SaysTheRangeInAllItsDigits) {
+  common::Volume const volume = MakeVolume(
+      {3, 3, 3}, {}, [](std::size_t i_i, auto...) { return 123456789.0 + static_cast<double>(i_i); });
   EXPECT_TRUE(lum::test::Throws<std::invalid_argument>(
-      [&] { VolumeField(nothing, 1); },
-      "the volume never crosses the level 1: none of its values is finite"));
+      [&] { VolumeField(volume, 123456791.5); },
+      "the volume never crosses the level 123456791.5: its values range from 123456789 to 123456791"));
+}
+
+TEST(Contour, RefusesARangeThatOverflows) {
+  common::Volume const volume =
+      MakeVolume({3, 3, 3}, {}, [](std::size_t i_i, auto...) { return i_i == 1 ? 1.7e308 : -1.7e308; });
+  EXPECT_TRUE(lum::test::Throws<std::invalid_argument>(
+      [&] { VolumeField(volume, 0); }, "the volume's values range too far: from -1.7e+308 to 1.7e+308"));
+}
+
+TEST(Contour, TheLeastRangeIsContoured) {
+  common::Volume const volume =
+      MakeVolume({3, 3, 3}, {}, [](std::size_t i_i, auto...) { return i_i == 1 ? 1e-320 : 0; });
+  ExpectClosed(ContourVolume(volume, 5e-321));
+}
+
+TEST(Inside, ShowsTheVolumesGreysWhereTheyLie) {
+  // Values grow along the second voxel axis, which the affine turns to the world's first.
+  lum::Matrix<double> const affine =
+      lum::Matrix<double>::Translate(5, 0, 0) *
+      lum::Matrix<double>(Point(), Vector(0, 1, 0), Vector(2, 0, 0), Vector(0, 0, 1));
+  common::Volume const volume = MakeVolume(
+      {4, 101, 4}, affine, [](std::size_t, std::size_t i_j, auto...) { return static_cast<double>(i_j); });
+  Inside const inside(volume);
+  EXPECT_EQ(inside({5, 1, 1}), (Colour{0, 0, 0}));
+  EXPECT_EQ(inside({5 + 200, 1, 1}), (Colour{255, 255, 255}));
+  EXPECT_NEAR(inside({5 + 100, 1, 1})[0], 128, 4);
+  EXPECT_EQ(inside({4, 30, 1}), (Colour{0, 0, 0})) << "outside";
 }
 
 TEST(Contour, WhatProgressThrowsEndsTheWork) {
@@ -328,7 +363,7 @@ View MakeView() {
 
 TEST(Draw, TheDieLooksAsItDid) {
   common::Picture const expected = ReadPng(DIE_PICTURE);
-  common::Picture const drawn = Draw(GetDie(), MakeView());
+  common::Picture const drawn = Draw(GetDie(), MakeView(), &IgnoreProgress);
   ASSERT_EQ(expected.width, 120U);
   ASSERT_EQ(expected.pixels.size(), drawn.pixels.size());
   EXPECT_LT(GetMeanDifference(drawn, expected), 1);
@@ -338,7 +373,8 @@ TEST(Draw, TheDieLooksAsItDid) {
   EXPECT_GT(GetMeanDifference(black, expected), 100);
   View mirrored = MakeView();
   mirrored.rotation = LookAt(1.8 * std::numbers::pi);
-  EXPECT_GT(GetMeanDifference(Draw(GetDie(), mirrored), expected), 5) << "another side of the die";
+  EXPECT_GT(GetMeanDifference(Draw(GetDie(), mirrored, &IgnoreProgress), expected), 5)
+      << "another side of the die";
 }
 
 TEST(Draw, AClipPlaneShowsTheInside) {
@@ -346,9 +382,9 @@ TEST(Draw, AClipPlaneShowsTheInside) {
   View view = MakeView();
   view.rotation = {};
   std::size_t const middle = 3 * (60 * view.size + 60);
-  EXPECT_NE(Draw(mesh, view).pixels[middle], 10);
+  EXPECT_NE(Draw(mesh, view, &IgnoreProgress).pixels[middle], 10);
   view.clip.emplace(0, 0, 1, 0.2);
-  common::Picture const cut = Draw(mesh, view);
+  common::Picture const cut = Draw(mesh, view, &IgnoreProgress);
   EXPECT_EQ((std::array{cut.pixels[middle], cut.pixels[middle + 1], cut.pixels[middle + 2]}),
             (std::array<std::uint8_t, 3>{10, 20, 30}));
   // Less than the sphere's own disc, which reaches the border but for a margin.
@@ -369,8 +405,13 @@ TEST(Draw, TheInsideIsAskedForWhereThePlaneCuts) {
     EXPECT_NEAR(lum::Dot(view.clip->GetNormal(), i_world - lum::Origin), view.clip->GetD(), 1e-5);
     return Colour{};
   };
-  Draw(mesh, view);
+  Draw(mesh, view, &IgnoreProgress);
   EXPECT_GT(asked, 1000U);
+}
+
+TEST(Draw, WhatProgressThrowsEndsTheWork) {
+  EXPECT_TRUE(lum::test::Throws<std::runtime_error>(
+      [] { Draw(GetDie(), MakeView(), [](double) { throw std::runtime_error("enough"); }); }, "enough"));
 }
 
 TEST(Draw, ATurnGoesAllTheWayRound) {
@@ -558,7 +599,7 @@ TEST_F(Surface, RefusesBadOptions) {
   ExpectRefusal("--solid die --turntable 0 " + In("frames") + mesh, "from 1 to 9999");
   ExpectRefusal("--solid die --turntable 5", "--turntable takes a value");
   ExpectRefusal("--solid die --clip 1,2,3" + mesh, "--clip takes numbers A,B,C,D");
-  ExpectRefusal("--solid die --clip 0,0,0,1" + mesh, "cannot be all zeroes");
+  ExpectRefusal("--solid die --clip 0,0,0,1" + mesh, "--clip takes a plane A,B,C,D whose normal is not zero");
   ExpectRefusal("--solid die --spin" + mesh, "unknown option --spin");
 }
 
@@ -572,6 +613,11 @@ TEST_F(Surface, RefusesOutputsThatCannotBeWrittenAndKeepsOlderOnes) {
                 "cannot write " + no_folder);
   ExpectRefusal("--solid sphere --mesh " + In("refused.ply") + " --turntable 2 " + In("file"),
                 "cannot write " + In("file"));
+  std::string const twice = In("refused.ply");
+  ExpectRefusal("--solid sphere --mesh " + twice + " --picture " + twice, "is named twice");
+  WriteBytes("other.ply.part", {'x'});
+  EXPECT_EQ(Run("--solid cone --mesh " + In("other.ply")), 1);
+  EXPECT_TRUE(fs::exists(In("other.ply.part"))) << "not ours";
   WriteBytes("old.ply", {'o', 'l', 'd'});
   EXPECT_EQ(Run("--solid sphere --mesh " + In("old.ply") + " --picture " + no_folder), 1);
   EXPECT_EQ(ReadText(In("old.ply")), "old");

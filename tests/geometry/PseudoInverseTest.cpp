@@ -48,7 +48,7 @@ class Random {
   std::mt19937 m_random;
 };
 
-// By another decomposition in 64 bits of mantissa.
+// By the same decomposition, in 64 bits of mantissa.
 Matrix3d PseudoInverseInExtendedPrecision(Matrix3d const& i_matrix, double i_tolerance) {
   Eigen::JacobiSVD<Extended> const svd(i_matrix.cast<long double>(),
                                        Eigen::ComputeFullU | Eigen::ComputeFullV);

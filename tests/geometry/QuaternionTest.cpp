@@ -132,6 +132,14 @@ TEST(Quaternion, FromAMirroringMatrixIsStillARotation) {
                         Matrix<float>::Scale(2 * mirror[0], 3 * mirror[1], mirror[2]);
     Coefficients const actual = Quaternionf(matrix).GetCoefficients();
     EXPECT_NEAR(DotInPairs(actual, actual), 1, 2 * rounding);
+    // The smallest scale is that along z: what is left of the mirror turns z back.
+    auto const expected = Matrix<float>::Rotate(V(0, 0, 1), 0.5F) *
+                          Matrix<float>::Scale(mirror[0], mirror[1], mirror[0] * mirror[1]);
+    Matrix<float> const rotation = Quaternionf(matrix).GetAsMatrix();
+    for (int row = 0; row < 3; ++row) {
+      for (int column = 0; column < 3; ++column)
+        EXPECT_NEAR(rotation(row, column), expected(row, column), 1e-6F);
+    }
   }
 }
 

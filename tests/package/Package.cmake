@@ -86,6 +86,16 @@ elseif(CASE STREQUAL "PkgConfig")
 elseif(CASE STREQUAL "Subproject")
   build_consumer("-DLUM_SOURCE_DIR=${SOURCE_DIR}")
 
+elseif(CASE STREQUAL "SubprojectWithAnEigenOfItsOwn")
+  build_consumer("-DLUM_SOURCE_DIR=${SOURCE_DIR}" "-DOWN_EIGEN=${EIGEN_INCLUDE_DIR}")
+
+elseif(CASE STREQUAL "IsNotFoundWithoutEigen")
+  run("${CMAKE_COMMAND}" --install "${BUILD_DIR}" --prefix "${prefix}")
+  file(WRITE "${WORK_DIR}/seeker/CMakeLists.txt" "cmake_minimum_required(VERSION 3.25)\nproject(seeker LANGUAGES CXX)\n"
+       "find_package(lum QUIET)\nif(lum_FOUND)\n  message(FATAL_ERROR \"found\")\nendif()\n")
+  configure("${WORK_DIR}/seeker" "${WORK_DIR}/seeker/build" "-Dlum_DIR=${prefix}/lib/cmake/lum" ${hide_packages}
+            -DCMAKE_FIND_USE_CMAKE_PATH=OFF)
+
 elseif(CASE STREQUAL "RefusesFastMathWhenConfiguring")
   foreach(flag IN ITEMS -DCMAKE_CXX_FLAGS=-ffast-math -DCMAKE_CXX_FLAGS_RELEASE=-Ofast
                         -DCMAKE_CXX_FLAGS=-fassociative-math)
