@@ -94,6 +94,15 @@ TYPED_TEST(AllocationFailure, LosesNothingInWhatMakesMatrices) {
   EXPECT_EQ(CountFailures<Object>([&] { a.GetTranspose(); }), 2U);
   EXPECT_EQ(CountFailures<Object>([&] { a.GetNormalTransform(); }), 2U);
   EXPECT_EQ(CountFailures<Object>([&] { a.GetInverse(); }), 0U);
+  M other = M::Scale(3);
+  EXPECT_EQ(CountFailures<Object>([] { M{}; }), 0U);
+  EXPECT_EQ(CountFailures<Object>([&] { M{a}; }), 0U);
+  EXPECT_EQ(CountFailures<Object>([&] { M(M(a)) = b; }), 0U);
+  EXPECT_EQ(CountFailures<Object>([&] { other.GetMutableInternal(); }), 0U) << "nothing shares it";
+  EXPECT_EQ(CountFailures<Object>([&] { other.GetMutableInverseInternal(); }), 0U);
+  EXPECT_EQ(CountFailures<Object>([&] { (void)(a * Vector<TypeParam, 3>(1, 2, 3)); }), 0U);
+  EXPECT_EQ(CountFailures<Object>([&] { (void)(a * Point<TypeParam, 3>(1, 2, 3)); }), 0U);
+  EXPECT_EQ(CountFailures<Object>([&] { (void)(a * Plane<TypeParam>(1, 2, 3, 4)); }), 0U);
   EXPECT_TRUE(test::AreSameBits(test::ValuesOf(a), values));
   EXPECT_TRUE(test::AreSameBits(test::InverseValuesOf(a), inverse_values));
   EXPECT_TRUE(test::AreSameBits(test::ValuesOf(b), test::Diagonal<TypeParam>(2, 2, 2)));

@@ -150,10 +150,15 @@ TEST(CubeVertexIterator, AnyBitsAtAllAreDefined) {
               ExpectIndexOnEdge(context, value));
     ASSERT_EQ(CubeVertexIterable<Face>(Face{context}).IndexOf(Vertex{value}),
               ExpectIndexOnFace(context, value));
-    ASSERT_EQ(static_cast<unsigned int>(CubeVertexIterable<Edge>(Edge{context})[0]), context & 7U);
-    ASSERT_EQ(static_cast<unsigned int>(CubeVertexIterable<Face>(Face{context})[0]), context & 7U);
-    ASSERT_EQ(Collect(CubeVertexIterable<Edge>(Edge{context})).size(), 2U);
-    ASSERT_EQ(Collect(CubeVertexIterable<Face>(Face{context})).size(), 4U);
+    // Shifts by more than all bits take their count modulo 32.
+    unsigned int const on_edge = 1U << ((context >> 4) % 32);
+    ASSERT_EQ(Collect(CubeVertexIterable<Edge>(Edge{context})),
+              (Values{context & 7U, on_edge | (context & 7U)}));
+    Values on_face;
+    for (unsigned int i = 0; i < 4; ++i) {
+      on_face.push_back((i << ((((context >> 4) ^ 3U) + 1) % 32)) % 7 | (context & 7U));
+    }
+    ASSERT_EQ(Collect(CubeVertexIterable<Face>(Face{context})), on_face);
   }
 }
 
