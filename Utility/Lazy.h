@@ -10,7 +10,8 @@
 
 namespace lum {
 
-/// A value that is made by a factory on the first request, once, and handed out unchanged afterwards.
+/// A value that is made by a factory on the first request, once, and handed out unchanged afterwards. Its end
+/// destroys the factory, then the value if it was made.
 ///
 /// Thread safety: `GetValue` may be called from any number of threads. One of them runs the factory while
 /// the others wait; afterwards a call costs one acquire load. A factory that asks its own Lazy for the value
@@ -31,9 +32,6 @@ class Lazy {
   Lazy(Lazy const&) = delete;
   Lazy& operator=(Lazy const&) = delete;
 
-  /// Destroys the factory, then the value if it was made.
-  ~Lazy();
-
   /// The value, made on the first call.
   ///
   /// What the factory throws passes out and nothing is recorded: the next call runs the factory again.
@@ -45,7 +43,8 @@ class Lazy {
   // Written once, under m_mutex, by a release store after m_value is in place. A thread whose acquire load
   // reads true therefore sees the whole value without the lock.
   mutable std::atomic<bool> m_is_created{false};
-  // Written only under m_mutex and only before m_is_created is true; read-only afterwards.
+  // Written only under m_mutex and only before m_is_created is true; read-only afterwards. Declared before
+  // the factory, so destroyed after it.
   mutable optional<T> m_value;
   // Never written after construction. Exactly one of the two is set: a std::function has no constexpr
   // constructor, so a plain function is kept beside it.
@@ -58,12 +57,6 @@ class Lazy {
 template <class T>
 Lazy<T>::Lazy(std::function<T()> i_function) : m_function(std::move(i_function)) {
   if (!*m_function) throw std::invalid_argument("i_function must be callable.");
-}
-
-template <class T>
-Lazy<T>::~Lazy() {
-  m_function.reset();
-  m_value.reset();
 }
 
 template <class T>

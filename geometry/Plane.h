@@ -30,10 +30,10 @@ class Plane {
   friend constexpr bool operator==(Plane const&, Plane const&) noexcept = default;
 
  private:
-  T m_a = 0;
-  T m_b = 0;
-  T m_c = 0;
-  T m_d = 0;
+  T m_a;
+  T m_b;
+  T m_c;
+  T m_d;
 };
 
 extern template class LUM_EXPORT Plane<float>;

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <barrier>
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <stdexcept>
@@ -51,6 +52,20 @@ TEST(Lazy, TriesAgainAfterAFactoryThatThrew) {
   EXPECT_TRUE(test::Throws<std::runtime_error>([&] { lazy.GetValue(); }, "not yet"));
   EXPECT_EQ(lazy.GetValue(), 5);
   EXPECT_EQ(runs, 2);
+}
+
+int runs_of_plain_function = 0;
+int ThrowFirst() {
+  if (++runs_of_plain_function == 1) throw std::runtime_error("not yet");
+  return 5;
+}
+
+TEST(Lazy, TriesAgainAfterAPlainFunctionThatThrew) {
+  runs_of_plain_function = 0;
+  Lazy<int> const lazy(ThrowFirst);
+  EXPECT_TRUE(test::Throws<std::runtime_error>([&] { lazy.GetValue(); }, "not yet"));
+  EXPECT_EQ(lazy.GetValue(), 5);
+  EXPECT_EQ(runs_of_plain_function, 2);
 }
 
 TEST(Lazy, ReleasesItsValueAtItsEnd) {
@@ -140,6 +155,38 @@ TEST(Lazy, RunsItsFactoryOnceHoweverManyThreadsAsk) {
     for (int const* const address : addresses) EXPECT_EQ(address, addresses[0]);
     EXPECT_EQ(*addresses[0], 1);
   }
+}
+
+// The factory does not end before the second thread is about to ask, and then gives it time to reach the
+// lock. Whether it got there or came later, it reads the one value.
+TEST(Lazy, AThreadThatWaitsForTheFactoryReadsItsValue) {
+  std::atomic<bool> is_asking{false};
+  int runs = 0;
+  Lazy<int> const lazy([&is_asking, &runs] {
+    while (!is_asking) std::this_thread::yield();
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    return ++runs;
+  });
+  std::jthread const maker([&lazy] { EXPECT_EQ(lazy.GetValue(), 1); });
+  std::jthread const waiter([&lazy, &is_asking] {
+    is_asking = true;
+    EXPECT_EQ(lazy.GetValue(), 1);
+  });
+}
+
+// The second thread learns by a relaxed flag that the value is there, so nothing but the Lazy itself orders
+// the making of the value before its use: under the thread sanitizer a weaker publication is a race.
+TEST(Lazy, PublishesItsValueToAThreadThatComesLater) {
+  std::atomic<bool> is_made{false};
+  Lazy<std::vector<int>> const lazy([] { return std::vector<int>{1, 2, 3}; });
+  std::jthread const maker([&lazy, &is_made] {
+    lazy.GetValue();
+    is_made.store(true, std::memory_order_relaxed);
+  });
+  std::jthread const reader([&lazy, &is_made] {
+    while (!is_made.load(std::memory_order_relaxed)) std::this_thread::yield();
+    EXPECT_EQ(lazy.GetValue(), (std::vector<int>{1, 2, 3}));
+  });
 }
 
 }  // namespace

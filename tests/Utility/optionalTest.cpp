@@ -79,6 +79,8 @@ TEST(Optional, ComparesStatesAndValues) {
   EXPECT_TRUE(O("a") == O("a"));
   EXPECT_FALSE(O("a") == O("b"));
   EXPECT_FALSE(O() == std::string("a"));
+  EXPECT_TRUE(O("a") == std::string("a"));
+  EXPECT_FALSE(O("a") == std::string("b"));
   EXPECT_FALSE(O("a") == nullopt);
 }
 
@@ -133,6 +135,14 @@ TEST(Optional, CopiesMovesAndAssigns) {
   EXPECT_EQ(moved.value(), "x");
   moved = nullopt;
   EXPECT_EQ(moved, nullopt);
+  optional<std::string> const empty;
+  copy = empty;
+  EXPECT_FALSE(copy) << "emptied by an assignment";
+  optional<std::string> const second = empty;
+  EXPECT_FALSE(second);
+  optional<std::string> const third = std::move(copy);
+  EXPECT_FALSE(third);
+  EXPECT_EQ(full.value(), "abc");
 }
 
 TEST(Optional, DestroysItsValueExactlyOnce) {

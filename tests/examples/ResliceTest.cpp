@@ -219,12 +219,13 @@ TEST_F(Reslice, TakesAxesOfAnyLengthAndAnglesOfAnySize) {
   std::string const input = WriteVolume<float>("a.nii", DT_FLOAT32, m_straight) + " ";
   ASSERT_EQ(Run(input + In("a.png") + " --axis 1,2,0 --angle 65"), 0);
   std::vector<char> const expected = ReadBytes(In("a.png"));
-  for (std::string const arguments : {"--axis 1e20,2e20,0 --angle 65", "--axis 1e300,2e300,0 --angle 65",
+  std::string const command = input + In("b.png") + " ";
+  for (char const* const arguments : {"--axis 1e20,2e20,0 --angle 65", "--axis 1e300,2e300,0 --angle 65",
                                       "--axis 1e-30,2e-30,0 --angle 65", "--axis 1,2,0 --angle 360065"}) {
-    ASSERT_EQ(Run(input + In("b.png") + " " + arguments), 0) << arguments;
+    ASSERT_EQ(Run(command + arguments), 0) << arguments;
     EXPECT_EQ(ReadBytes(In("b.png")), expected) << arguments;
   }
-  EXPECT_EQ(Run(input + In("b.png") + " --axis 1,2,0 --angle 1e300"), 0);
+  EXPECT_EQ(Run(command + "--axis 1,2,0 --angle 1e300"), 0);
   EXPECT_EQ(ReadText(In("out")).find(": 1 x 1 mm"), std::string::npos);
 }
 

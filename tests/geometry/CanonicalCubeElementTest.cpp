@@ -10,6 +10,7 @@
 
 #include "geometry/CanonicalCubeElement.h"
 #include "support/Cube.h"
+#include "support/Ordered.h"
 #include "support/Throws.h"
 
 namespace lum {
@@ -68,7 +69,7 @@ TEST(CanonicalCubeElement, ForgetsWhereAnElementLies) {
 TEST(CanonicalCubeElement, ComparesByValue) {
   EXPECT_EQ(CanonicalCubeElement(CubeElementIds::Edge01), CanonicalCubeElement(CubeElementIds::Edge23));
   EXPECT_NE(CanonicalCubeElement(CubeElementIds::Edge01), CanonicalCubeElement(CubeElementIds::Edge02));
-  EXPECT_LT(CanonicalCubeElement(1U), CanonicalCubeElement(2U));
+  EXPECT_TRUE(test::IsOrdered(CanonicalCubeElement(1U), CanonicalCubeElement(2U)));
 }
 
 TEST(CanonicalCubeElement, TheDimensionIsTheNumberOfBits) {
@@ -120,6 +121,11 @@ TEST(CanonicalCubeElement, FacesAreListedByTheAxisTheyLeaveOut) {
   EXPECT_EQ(CanonicalFaceIterator(true) - CanonicalFaceIterator(false), 3);
   EXPECT_EQ(CanonicalFaceIterable()[0], CanonicalFace{6});
   EXPECT_EQ(CanonicalFaceIterable()[2], CanonicalFace{3});
+}
+
+TEST(CanonicalCubeElement, IteratorsAreOrderedByTheirIndex) {
+  EXPECT_TRUE(test::IsOrdered(CanonicalEdgeIterator(false), CanonicalEdgeIterator(true)));
+  EXPECT_TRUE(test::IsOrdered(CanonicalFaceIterator(false), CanonicalFaceIterator(true)));
 }
 
 TEST(CanonicalCubeElement, TheIndexOfAnyValueIsDefined) {

@@ -12,6 +12,7 @@
 
 #include "geometry/CubeEdgeIterator.h"
 #include "support/Cube.h"
+#include "support/Ordered.h"
 #include "support/Throws.h"
 
 namespace lum {
@@ -160,6 +161,18 @@ TEST(CubeEdgeIterator, TheNumberOfBitsDecidesAboutTheSpace) {
     EXPECT_TRUE(test::Throws<std::invalid_argument>([&] { (void)edges.end(); }, message)) << space;
     EXPECT_TRUE(test::Throws<std::invalid_argument>([&] { (void)edges[0]; }, message)) << space;
   }
+}
+
+TEST(CubeEdgeIterator, IsOrderedByItsIndexThenItsContext) {
+  using CubeIterator = CubeEdgeIterator<Cube>;
+  using FaceIterator = CubeEdgeIterator<Face>;
+  EXPECT_TRUE(test::IsOrdered(CubeIterator(false), CubeIterator(CubeSpaceIds::AxisX, true)));
+  EXPECT_TRUE(
+      test::IsOrdered(CubeIterator(CubeSpaceIds::AxisX, false), CubeIterator(CubeSpaceIds::AxisZ, false)));
+  EXPECT_TRUE(test::IsOrdered(FaceIterator(FaceX1, false), FaceIterator(FaceZ0, true)));
+  EXPECT_TRUE(test::IsOrdered(FaceIterator(FaceZ0, false), FaceIterator(FaceX1, false)));
+  EXPECT_EQ(CubeIterator(), CubeIterator(false));
+  EXPECT_EQ(FaceIterator(), FaceIterator(Face{0}, false));
 }
 
 TEST(CubeEdgeIterator, AnIteratorOfNoOrientationTakesTheAxesInTurn) {

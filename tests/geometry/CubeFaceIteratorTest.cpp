@@ -12,6 +12,7 @@
 
 #include "geometry/CubeFaceIterator.h"
 #include "support/Cube.h"
+#include "support/Ordered.h"
 #include "support/Throws.h"
 
 namespace lum {
@@ -139,6 +140,14 @@ TEST(CubeFaceIterator, AnIteratorOfNoPlaneThrowsWhenItIsLookedAt) {
       }
     }
   }
+}
+
+TEST(CubeFaceIterator, IsOrderedByItsIndexThenItsContext) {
+  using Iterator = CubeFaceIterator<Cube>;
+  EXPECT_TRUE(test::IsOrdered(Iterator(CubeSpaceIds::PlaneYZ, false), Iterator(CubeSpaceIds::PlaneXY, true)));
+  EXPECT_TRUE(
+      test::IsOrdered(Iterator(CubeSpaceIds::PlaneXY, false), Iterator(CubeSpaceIds::PlaneYZ, false)));
+  EXPECT_EQ(Iterator(), Iterator(false));
 }
 
 TEST(CubeFaceIterator, AnIteratorOfAnyOtherSpaceTakesTheAxesInTurn) {

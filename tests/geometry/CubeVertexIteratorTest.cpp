@@ -11,6 +11,7 @@
 
 #include "geometry/CubeVertexIterator.h"
 #include "support/Cube.h"
+#include "support/Ordered.h"
 
 namespace lum {
 namespace {
@@ -107,6 +108,18 @@ TEST(CubeVertexIterator, WalksLikeAPointer) {
   EXPECT_NE(CubeVertexIterator<Face>(FaceX0, false), CubeVertexIterator<Face>(FaceX1, false))
       << "the context counts";
   EXPECT_NE(CubeVertexIterator<Edge>(Edge01, false), CubeVertexIterator<Edge>(Edge02, false));
+}
+
+TEST(CubeVertexIterator, IsOrderedByItsIndexThenItsContext) {
+  using FaceIterator = CubeVertexIterator<Face>;
+  using EdgeIterator = CubeVertexIterator<Edge>;
+  EXPECT_TRUE(test::IsOrdered(CubeVertexIterator<Cube>(false), CubeVertexIterator<Cube>(true)));
+  EXPECT_TRUE(test::IsOrdered(FaceIterator(FaceX1, false), FaceIterator(FaceZ0, true)));
+  EXPECT_TRUE(test::IsOrdered(FaceIterator(FaceZ0, false), FaceIterator(FaceX1, false)));
+  EXPECT_TRUE(test::IsOrdered(EdgeIterator(Edge37, false), EdgeIterator(Edge01, true)));
+  EXPECT_TRUE(test::IsOrdered(EdgeIterator(Edge01, false), EdgeIterator(Edge37, false)));
+  EXPECT_EQ(FaceIterator(), FaceIterator(Face{0}, false));
+  EXPECT_EQ(EdgeIterator(), EdgeIterator(Edge{0}, false));
 }
 
 TEST(CubeVertexIterator, ServesTheStandardAlgorithms) {

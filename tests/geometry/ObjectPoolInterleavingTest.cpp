@@ -205,6 +205,31 @@ TEST_F(ObjectPoolInterleaving, OnlyTheHolderOfTheCreationMutexAllocates) {
   EXPECT_NE(made.Get(), waited.Get());
 }
 
+// Two returns see the last value of the position; the second resets it while the first has yet to try. The
+// first then claims the position after it: no entry is written twice.
+TEST_F(ObjectPoolInterleaving, TwoReturnsThatMeetAtTheLastPositionClaimOneEach) {
+  auto& position = Access::ReturnPosition(*m_first_block);
+  position.store(~0UL);
+  Access::TakePosition(*m_first_block).store(~0UL);
+  FillTo(32);
+  PoolHandle first = std::move(m_handles[5]);
+  PoolHandle second = std::move(m_handles[7]);
+  m_handles.erase(m_handles.begin() + 7);
+  m_handles.erase(m_handles.begin() + 5);
+  {
+    Stepper stepper;
+    auto const return_first = stepper.Add([&] { first = PoolHandle(); });
+    auto const return_second = stepper.Add([&] { second = PoolHandle(); });
+    ASSERT_TRUE(stepper.RunTo(return_first, Operation::kCompareExchange, &position));
+    ASSERT_TRUE(stepper.Finish(return_second));
+    ASSERT_TRUE(stepper.Finish(return_first));
+  }
+  EXPECT_EQ(position.load(), 1U);
+  FillTo(32);
+  EXPECT_EQ(GetDistinctObjects().size(), 32U);
+  EXPECT_EQ(Access::CurrentBlock(*m_pool), m_first_block) << "a slot of the first block is lost";
+}
+
 // The stepped mutex holds off who comes second; otherwise the tests above would show nothing.
 TEST_F(ObjectPoolInterleaving, TheStepperSeesAnActorBlock) {
   Stepper stepper;

@@ -29,6 +29,15 @@ TYPED_TEST(PlaneOf, MakesItsNormalAUnitVector) {
   EXPECT_EQ(plane, (Plane<TypeParam>(0, 0, 1, 2)));
 }
 
+TYPED_TEST(PlaneOf, ComparesEveryValue) {
+  using P = Plane<TypeParam>;
+  EXPECT_TRUE(P(1, 0, 0, 2) == P(1, 0, 0, 2));
+  EXPECT_FALSE(P(1, 0, 0, 2) == P(-1, 0, 0, 2));
+  EXPECT_FALSE(P(0, 1, 0, 2) == P(0, -1, 0, 2));
+  EXPECT_FALSE(P(0, 0, 1, 2) == P(0, 0, -1, 2));
+  EXPECT_FALSE(P(0, 0, 1, 2) == P(0, 0, 1, 3));
+}
+
 TYPED_TEST(PlaneOf, DividesByTheLengthSummedFromA) {
   TypeParam const a = TypeParam(0.1);
   TypeParam const b = TypeParam(0.7);

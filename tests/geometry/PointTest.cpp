@@ -39,6 +39,14 @@ TEST(Point, BindsFromAConstantAndATemporary) {
   EXPECT_EQ(a + 10 * b, 54);
 }
 
+TEST(Point, ComparesEveryCoordinate) {
+  EXPECT_TRUE(P(1, 2, 3) == P(1, 2, 3));
+  EXPECT_FALSE(P(1, 2, 3) == P(0, 2, 3));
+  EXPECT_FALSE(P(1, 2, 3) == P(1, 0, 3));
+  EXPECT_FALSE(P(1, 2, 3) == P(1, 2, 0));
+  EXPECT_TRUE((Point<float, 2>(1, 2) != Point<float, 2>(1, 3)));
+}
+
 TEST(Point, MovesByVectors) {
   Point<float, 3> point = Origin;
   point += Vector<float, 3>(1, 2, 3);

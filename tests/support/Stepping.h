@@ -3,6 +3,8 @@
 #include <atomic>
 #include <condition_variable>
 #include <cstddef>
+#include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <functional>
 #include <memory>
@@ -151,27 +153,49 @@ class Stepper {
   std::vector<std::unique_ptr<State>> m_actors;
 };
 
+/// Scenarios show sequentially consistent executions, which say nothing about weaker orders: an operation
+/// that asks for one ends the program. What reads a count may ask for acquire.
+inline void DemandOrder(std::memory_order i_order, std::memory_order i_weakest = std::memory_order_seq_cst) {
+  if (i_order == std::memory_order_seq_cst || i_order == i_weakest) return;
+  std::fputs("a stepped operation asks for a weaker memory order than scenarios show\n", stderr);
+  std::abort();
+}
+
 template <class Word>
 class SteppedAtomicRef {
  public:
   explicit SteppedAtomicRef(Word& io_word) : m_word(io_word) {}
 
-  Word load(std::memory_order = std::memory_order_seq_cst) const { return At(Operation::kLoad); }
-  void store(Word i_value) const { At(Operation::kStore) = i_value; }
-  Word exchange(Word i_value) const { return std::exchange(At(Operation::kExchange), i_value); }
-  Word fetch_add(Word i_value) const {
+  Word load(std::memory_order i_order = std::memory_order_seq_cst) const {
+    DemandOrder(i_order, std::memory_order_acquire);
+    return At(Operation::kLoad);
+  }
+  void store(Word i_value, std::memory_order i_order = std::memory_order_seq_cst) const {
+    DemandOrder(i_order);
+    At(Operation::kStore) = i_value;
+  }
+  Word exchange(Word i_value, std::memory_order i_order = std::memory_order_seq_cst) const {
+    DemandOrder(i_order);
+    return std::exchange(At(Operation::kExchange), i_value);
+  }
+  Word fetch_add(Word i_value, std::memory_order i_order = std::memory_order_seq_cst) const {
+    DemandOrder(i_order);
     Word& word = At(Operation::kAdd);
     return std::exchange(word, word + i_value);
   }
-  Word fetch_sub(Word i_value) const {
+  Word fetch_sub(Word i_value, std::memory_order i_order = std::memory_order_seq_cst) const {
+    DemandOrder(i_order);
     Word& word = At(Operation::kSubtract);
     return std::exchange(word, word - i_value);
   }
-  Word fetch_or(Word i_value) const {
+  Word fetch_or(Word i_value, std::memory_order i_order = std::memory_order_seq_cst) const {
+    DemandOrder(i_order);
     Word& word = At(Operation::kOr);
     return std::exchange(word, word | i_value);
   }
-  bool compare_exchange_strong(Word& io_expected, Word i_value) const {
+  bool compare_exchange_strong(Word& io_expected, Word i_value,
+                               std::memory_order i_order = std::memory_order_seq_cst) const {
+    DemandOrder(i_order);
     Word& word = At(Operation::kCompareExchange);
     if (word != io_expected) {
       io_expected = word;
@@ -193,15 +217,17 @@ class SteppedAtomicRef {
 template <class Word>
 class SteppedAtomic {
  public:
+  using Order = std::memory_order;
+
   SteppedAtomic(Word i_value = 0) : m_word(i_value) {}
 
-  Word load(std::memory_order i_order = std::memory_order_seq_cst) const { return Ref().load(i_order); }
-  void store(Word i_value) { Ref().store(i_value); }
-  Word fetch_add(Word i_value) { return Ref().fetch_add(i_value); }
-  Word fetch_sub(Word i_value) { return Ref().fetch_sub(i_value); }
-  Word fetch_or(Word i_value) { return Ref().fetch_or(i_value); }
-  bool compare_exchange_strong(Word& io_expected, Word i_value) {
-    return Ref().compare_exchange_strong(io_expected, i_value);
+  Word load(Order i_order = Order::seq_cst) const { return Ref().load(i_order); }
+  void store(Word i_value, Order i_order = Order::seq_cst) { Ref().store(i_value, i_order); }
+  Word fetch_add(Word i_value, Order i_order = Order::seq_cst) { return Ref().fetch_add(i_value, i_order); }
+  Word fetch_sub(Word i_value, Order i_order = Order::seq_cst) { return Ref().fetch_sub(i_value, i_order); }
+  Word fetch_or(Word i_value, Order i_order = Order::seq_cst) { return Ref().fetch_or(i_value, i_order); }
+  bool compare_exchange_strong(Word& io_expected, Word i_value, Order i_order = Order::seq_cst) {
+    return Ref().compare_exchange_strong(io_expected, i_value, i_order);
   }
 
  private:
