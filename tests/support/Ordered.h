@@ -6,8 +6,8 @@ namespace lum::test {
 template <class T>
 constexpr bool IsOrdered(T const& i_first, T const& i_second) {
   for (T const& value : {i_first, i_second}) {
-    if (value < value || value > value || !(value <= value) || !(value >= value) || value != value)
-      return false;
+    T const same = value;
+    if (value < same || value > same || !(value <= same) || !(value >= same) || value != same) return false;
   }
   return i_first < i_second && i_first <= i_second && !(i_first > i_second) && !(i_first >= i_second) &&
          i_first != i_second && i_second > i_first && i_second >= i_first && !(i_second < i_first) &&
