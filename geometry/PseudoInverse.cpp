@@ -24,13 +24,10 @@ std::int32_t CountRank(std::array<double, 3> const& i_singular_values, double i_
 }  // namespace
 
 PseudoInverseResult CalculatePseudoInverse(Eigen::Matrix3d const& i_matrix, double i_tolerance) {
-  PseudoInverseResult result{};
   if (!std::all_of(i_matrix.data(), i_matrix.data() + 9,
                    [](double i_value) { return std::isfinite(i_value); })) {
     // Newer versions of Eigen give up on such a matrix and leave the decomposition uninitialised.
-    std::fill_n(result.pseudoInverse.data(), 9, std::numeric_limits<double>::quiet_NaN());
-    result.rank = 0;
-    return result;
+    return {Eigen::Matrix3d::Constant(std::numeric_limits<double>::quiet_NaN()), 0};
   }
 
   internal::SingularValueDecomposition const decomposition =
@@ -39,6 +36,7 @@ PseudoInverseResult CalculatePseudoInverse(Eigen::Matrix3d const& i_matrix, doub
   std::array<double, 3> inverted{};
   std::transform(singular_values.begin(), singular_values.end(), inverted.begin(),
                  [i_tolerance](double i_value) { return i_value >= i_tolerance ? 1 / i_value : 0; });
+  PseudoInverseResult result{};
   double* const values = result.pseudoInverse.data();
   for (std::size_t column = 0; column < 3; ++column) {
     for (std::size_t row = 0; row < 3; ++row) {

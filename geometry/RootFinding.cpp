@@ -26,13 +26,11 @@ double RegulaFalsi(std::function<double(double)> const& i_function, Range<double
   double b = i_range.GetUpper();
   double fa = i_function(a);
   double fb = i_function(b);
-  double x = 0;
-  double fx = 0;
-  do {
+  for (;;) {
     double const t = std::abs(fa) < std::numeric_limits<double>::infinity() ? (0 - fa) / (fb - fa)
                                                                             : (0 - fb) / (fb - fa) + 1;
-    x = b * t + (1 - t) * a;
-    fx = i_function(x);
+    double const x = b * t + (1 - t) * a;
+    double const fx = i_function(x);
     if (fa * fx <= 0) {
       b = x;
       fb = fx;
@@ -42,8 +40,8 @@ double RegulaFalsi(std::function<double(double)> const& i_function, Range<double
     } else {
       return std::numeric_limits<double>::quiet_NaN();
     }
-  } while (std::abs(fx) > i_tolerance);
-  return x;
+    if (!(std::abs(fx) > i_tolerance)) return x;
+  }
 }
 
 }  // namespace lum::RootFinding

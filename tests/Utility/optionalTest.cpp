@@ -106,6 +106,27 @@ TEST(Optional, TakesWhateverMakesAValue) {
   EXPECT_EQ(number.value(), 4.0);
 }
 
+TEST(Optional, BuildsItsValueInPlace) {
+  optional<std::string> const text(std::in_place, 3U, 'x');
+  ASSERT_TRUE(text.has_value());
+  EXPECT_EQ(*text, "xxx");
+}
+
+TEST(Optional, AssigningAValueOverAValueMakesNoOther) {
+  struct Counted {
+    explicit Counted(int& io_made) : mp_made(&io_made) {}
+    Counted(Counted const& i_other) : mp_made(i_other.mp_made) { ++*mp_made; }
+    Counted& operator=(Counted const&) = default;
+    int* mp_made;
+  };
+  int made = 0;
+  Counted const value(made);
+  optional<Counted> target(value);
+  EXPECT_EQ(made, 1);
+  target = value;
+  EXPECT_EQ(made, 1);
+}
+
 TEST(Optional, AssigningOverAValueAssignsToIt) {
   optional<std::string> target("abc");
   std::string const* const address = &*target;

@@ -35,6 +35,7 @@ TEST(Point, BindsFromAConstantAndATemporary) {
   Point<double, 3> const point(1, 2, 3);
   auto const& [x, y, z] = point;
   EXPECT_EQ(x + 10 * y + 100 * z, 321);
+  EXPECT_EQ(point.end() - point.begin(), 3);
   auto [a, b] = Point<float, 2>(4, 5);
   EXPECT_EQ(a + 10 * b, 54);
 }

@@ -126,6 +126,21 @@ TEST(Quaternion, FromAMatrixDropsStretchAlongAnyAxes) {
   for (std::size_t i = 0; i < 4; ++i) EXPECT_NEAR(actual[i], expected[i], 4 * rounding);
 }
 
+// Rounding takes the determinant of the rotation to either side of 1.
+TEST(Quaternion, FromAMatrixFindsAnyRotation) {
+  constexpr unsigned seed = 20261122;
+  std::mt19937 random(seed);
+  std::uniform_real_distribution<float> number(-1, 1);
+  for (int round = 0; round < 300; ++round) {
+    V const axis = GetNormalized(V(number(random), number(random), number(random)));
+    float const angle = 3 * number(random);
+    Coefficients const expected = Quaternionf(axis, angle).GetCoefficients();
+    Coefficients const actual =
+        Quaternionf(Matrix<float>::Rotate(axis, angle) * Matrix<float>::Scale(2)).GetCoefficients();
+    EXPECT_NEAR(std::abs(DotInPairs(actual, expected)), 1, 4 * rounding) << "seed " << seed << ", " << round;
+  }
+}
+
 TEST(Quaternion, FromAMirroringMatrixIsStillARotation) {
   for (V const& mirror : {V(-1, 1, 1), V(1, -1, 1), V(1, 1, -1), V(-1, -1, -1)}) {
     auto const matrix = Matrix<float>::Rotate(V(0, 0, 1), 0.5F) *

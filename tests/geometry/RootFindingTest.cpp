@@ -8,6 +8,7 @@
 #include <numbers>
 #include <random>
 #include <stdexcept>
+#include <utility>
 #include <vector>
 
 #include "geometry/RootFinding.h"
@@ -220,6 +221,41 @@ TEST(RootFinding, RefusesEndsOfTheSameSign) {
 TEST(RootFinding, ProductsThatUnderflowToZeroPassForACrossing) {
   // 1e-200 times 1e-200 is 0: the first round takes t = -1/0.
   EXPECT_TRUE(std::isnan(RegulaFalsi([](double i_x) { return i_x == i_x ? 1e-200 : nan; }, {0, 1}, 1e-300)));
+}
+
+// Gives these values one after the other, whatever it is asked for.
+Function Script(std::vector<double> i_values) {
+  return [values = std::move(i_values), next = std::size_t{0}](double) mutable { return values.at(next++); };
+}
+
+// The product of the values at the lower end and at the estimate underflows: the upper end moves, both ends
+// have the same value then, and the next estimate is no number.
+TEST(RootFinding, AProductThatUnderflowsMovesTheUpperEnd) {
+  Trace const trace = Record(Script({1e-200, -1e-200, 1e-200, -1e-200, 1e-200, 0}), {0, 1}, 1e-250);
+  ASSERT_EQ(trace.evaluated.size(), 6U);
+  EXPECT_EQ(trace.evaluated[4], 0.5);
+  EXPECT_TRUE(std::isnan(trace.evaluated[5]));
+}
+
+// With the first product just above underflow and the second below, the lower end moves.
+TEST(RootFinding, AProductWithTheUpperEndThatUnderflowsMovesTheLowerEnd) {
+  Trace const trace = Record(Script({2e-162, -1e-162, 2e-162, -1e-162, 2e-162, 0}), {0, 3}, 1e-250);
+  ASSERT_EQ(trace.evaluated.size(), 6U);
+  EXPECT_DOUBLE_EQ(trace.evaluated[4], 2);
+  EXPECT_DOUBLE_EQ(trace.evaluated[5], 2 + 2.0 / 3);
+}
+
+// The values that count are those of the second evaluation at each end. Where they have the sign of the
+// estimate, however small their product, there is no root to be found.
+TEST(RootFinding, EndsThatBothHaveTheSignOfTheEstimateGiveNaN) {
+  Trace const trace = Record(Script({1, -1, 1, 2, 0.25}), {0, 1}, 1e-3);
+  EXPECT_TRUE(std::isnan(trace.root));
+  EXPECT_EQ(trace.evaluated.size(), 5U);
+}
+
+TEST(RootFinding, AZeroOfTheUpperEndAloneMovesTheLowerEnd) {
+  Trace const trace = Record(Script({1, 0, 1, 0, 1, 0}), {0, 1}, 1e-3);
+  EXPECT_EQ(trace.evaluated.size(), 6U);
 }
 
 TEST(RootFinding, AnEmptyFunctionThrowsAtItsFirstCall) {

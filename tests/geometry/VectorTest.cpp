@@ -5,6 +5,7 @@
 #include <limits>
 #include <random>
 #include <type_traits>
+#include <utility>
 
 #include "geometry/Vector.h"
 
@@ -49,6 +50,7 @@ TYPED_TEST(VectorOf, BindsToItsComponentsInOrder) {
   for (TypeParam const component : vector) sum += component;
   EXPECT_EQ(sum, 11);
   EXPECT_EQ(vector.data() + 3, vector.end());
+  EXPECT_EQ(std::as_const(vector).data() + 3, std::as_const(vector).end());
 }
 
 TYPED_TEST(VectorOf, ComparesNumerically) {
