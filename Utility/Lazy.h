@@ -36,6 +36,10 @@ class Lazy {
   ///
   /// What the factory throws passes out and nothing is recorded: the next call runs the factory again.
   T const& GetValue() const;
+  /// The value if it has been made, null otherwise.
+  T const* GetValueIfCreated() const noexcept {
+    return m_is_created.load(std::memory_order_acquire) ? &*m_value : nullptr;
+  }
 
  private:
   T const& CreateValue() const;

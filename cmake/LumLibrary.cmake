@@ -14,6 +14,7 @@ function(lum_add_library target)
             "${PROJECT_SOURCE_DIR}/geometry/PseudoInverse.cpp"
             "${PROJECT_SOURCE_DIR}/geometry/Quaternion.cpp"
             "${PROJECT_SOURCE_DIR}/geometry/RootFinding.cpp"
+            "${PROJECT_SOURCE_DIR}/geometry/TransformArrays.cpp"
             "${PROJECT_SOURCE_DIR}/geometry/TrilinearInterpolation.cpp"
             "${PROJECT_SOURCE_DIR}/geometry/Vector.cpp"
     PUBLIC FILE_SET
@@ -48,6 +49,7 @@ function(lum_add_library target)
            "${PROJECT_SOURCE_DIR}/geometry/Quaternion.h"
            "${PROJECT_SOURCE_DIR}/geometry/Range.h"
            "${PROJECT_SOURCE_DIR}/geometry/RootFinding.h"
+           "${PROJECT_SOURCE_DIR}/geometry/SingleThread.h"
            "${PROJECT_SOURCE_DIR}/geometry/TrilinearInterpolation.h"
            "${PROJECT_SOURCE_DIR}/geometry/Vector.h")
   target_compile_features(${target} PUBLIC cxx_std_20)

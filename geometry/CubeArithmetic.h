@@ -1,5 +1,7 @@
 #pragma once
 
+#include <bit>
+
 namespace lum::internal {
 
 /// The bit arithmetic that the topology of the cube rests on.
@@ -17,9 +19,7 @@ constexpr unsigned int ShiftRight(unsigned int i_bits, unsigned int i_count) noe
 
 /// The number of set bits, of all 32.
 constexpr unsigned int CountBits(unsigned int i_bits) noexcept {
-  unsigned int count = 0;
-  for (; i_bits != 0; i_bits &= i_bits - 1) ++count;
-  return count;
+  return static_cast<unsigned int>(std::popcount(i_bits));
 }
 
 /// The number of an axis given by its value: 0, 1, 2 for 1, 2, 4. Meant for those three only.

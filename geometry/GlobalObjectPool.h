@@ -1,6 +1,7 @@
 #pragma once
 
 #include <Eigen/Geometry>
+#include <array>
 #include <atomic>
 
 #include "Utility/Lazy.h"
@@ -43,6 +44,12 @@ using GlobalPoolOf = GlobalObjectPool<typename PoolTypes<T>::ObjectPool, typenam
 template <class T>
 typename PoolTypes<T>::ObjectHandle CreateGlobalObject() {
   return GlobalPoolOf<T>::m_pool.GetValue()->CreateObject();
+}
+
+/// Takes two; see `ObjectPool::CreateTwoObjects`.
+template <class T>
+std::array<typename PoolTypes<T>::ObjectHandle, 2> CreateTwoGlobalObjects() {
+  return GlobalPoolOf<T>::m_pool.GetValue()->CreateTwoObjects();
 }
 
 /// The object that holds the numbers of a `Matrix<T>`: all 16 values, column by column.

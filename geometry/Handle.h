@@ -5,7 +5,14 @@
 #include <type_traits>
 #include <utility>
 
+#include "geometry/SingleThread.h"
+
 namespace lum {
+
+namespace internal {
+/// Tag of the constructor for an object that nobody else knows yet.
+struct FirstReference {};
+}  // namespace internal
 
 /// A shared owner of one pooled object: the object, its reference count and what returns it to its pool.
 ///
@@ -32,9 +39,14 @@ class Handle {
   /// this order; no count is touched then.
   Handle(T* ip_object, C* ip_reference_count, D i_delete);
 
+  /// The first handle onto an object whose count is 0: sets it to 1, without a test of the arguments.
+  Handle(internal::FirstReference, T* ip_object, C* ip_reference_count, D i_delete) noexcept;
+
   Handle(Handle const& i_other) noexcept;
   Handle(Handle&& io_other) noexcept;
-  ~Handle() { Release(); }
+  ~Handle() {
+    if (mp_object != nullptr) Release();
+  }
 
   /// A self-assignment, or one from another handle onto the same object, leaves the count unchanged.
   /// A deleter that throws leaves this handle empty; the reference that was taken from the source is dropped.
@@ -54,14 +66,20 @@ class Handle {
   /// acquire load orders whatever the former holders did with the object before what the caller does next.
   unsigned long GetReferenceCount() const noexcept;
 
+  /// Empties two handles, the first of them first. Where both are the last ones onto objects of one block,
+  /// the deleter gets the two objects in one call.
+  static void ReleaseTogether(Handle& io_first, Handle& io_second) noexcept;
+
  private:
   static constexpr bool kReleasesQuietly = std::is_nothrow_invocable_v<D&, T*>;
 
   void Adopt(Handle& io_taken) noexcept(kReleasesQuietly);
   void Release() noexcept(kReleasesQuietly);
+  static bool DropReference(C& io_reference_count) noexcept;
 
   T* mp_object = nullptr;
-  // Changed only by sequentially consistent adds and subtracts, so exactly one release sees the 1.
+  // Changed only by sequentially consistent adds and subtracts, so exactly one release sees the 1; and by
+  // plain stores while one handle is all there is.
   C* mp_reference_count = nullptr;
   D m_delete{};
 };
@@ -72,7 +90,13 @@ Handle<T, C, D>::Handle(T* ip_object, C* ip_reference_count, D i_delete)
   if (mp_object == nullptr) throw std::invalid_argument("ip_object cannot be nullptr");
   if (mp_reference_count == nullptr) throw std::invalid_argument("ip_reference_count cannot be nullptr");
   if (!m_delete) throw std::invalid_argument("i_delete must be a callable function");
-  mp_reference_count->fetch_add(1);
+  internal::FetchAdd(*mp_reference_count, 1);
+}
+
+template <class T, class C, class D>
+Handle<T, C, D>::Handle(internal::FirstReference, T* ip_object, C* ip_reference_count, D i_delete) noexcept
+    : mp_object(ip_object), mp_reference_count(ip_reference_count), m_delete(std::move(i_delete)) {
+  mp_reference_count->store(1, std::memory_order_release);
 }
 
 template <class T, class C, class D>
@@ -80,7 +104,7 @@ Handle<T, C, D>::Handle(Handle const& i_other) noexcept
     : mp_object(i_other.mp_object),
       mp_reference_count(i_other.mp_reference_count),
       m_delete(i_other.m_delete) {
-  if (mp_reference_count != nullptr) mp_reference_count->fetch_add(1);
+  if (mp_reference_count != nullptr) internal::FetchAdd(*mp_reference_count, 1);
 }
 
 template <class T, class C, class D>
@@ -113,7 +137,7 @@ unsigned long Handle<T, C, D>::GetReferenceCount() const noexcept {
 template <class T, class C, class D>
 void Handle<T, C, D>::Adopt(Handle& io_taken) noexcept(kReleasesQuietly) {
   if (mp_object == io_taken.mp_object) return;
-  Release();
+  if (mp_object != nullptr) Release();
   std::swap(mp_object, io_taken.mp_object);
   std::swap(mp_reference_count, io_taken.mp_reference_count);
   std::swap(m_delete, io_taken.m_delete);
@@ -126,7 +150,46 @@ void Handle<T, C, D>::Release() noexcept(kReleasesQuietly) {
   T* const object = std::exchange(mp_object, nullptr);
   C* const reference_count = std::exchange(mp_reference_count, nullptr);
   D release = std::exchange(m_delete, D{});
-  if (reference_count != nullptr && reference_count->fetch_sub(1) == 1) release(object);
+  if (reference_count != nullptr && DropReference(*reference_count)) release(object);
+}
+
+// A count of 1 is this handle's own, and no other is there that could raise it. The acquire load puts what
+// former holders did with the object before its return.
+template <class T, class C, class D>
+bool Handle<T, C, D>::DropReference(C& io_reference_count) noexcept {
+  if (io_reference_count.load(std::memory_order_acquire) == 1) {
+    io_reference_count.store(0, std::memory_order_release);
+    return true;
+  }
+  return internal::FetchSubtract(io_reference_count, 1) == 1;
+}
+
+// The handles are emptied last, where the compiler sees it: destructors that follow then cost nothing.
+template <class T, class C, class D>
+void Handle<T, C, D>::ReleaseTogether(Handle& io_first, Handle& io_second) noexcept {
+  static_assert(kReleasesQuietly);
+  C* const first_count = io_first.mp_reference_count;
+  C* const second_count = io_second.mp_reference_count;
+  if (first_count == second_count) {
+    if (first_count != nullptr && internal::FetchSubtract(*first_count, 2) == 2) {
+      io_first.m_delete(io_first.mp_object);
+    }
+  } else {
+    bool const is_first_last = first_count != nullptr && DropReference(*first_count);
+    bool const is_second_last = second_count != nullptr && DropReference(*second_count);
+    if (is_first_last && is_second_last && io_first.m_delete.SharesBlock(io_second.m_delete)) {
+      io_first.m_delete(io_first.mp_object, io_second.mp_object);
+    } else {
+      if (is_first_last) io_first.m_delete(io_first.mp_object);
+      if (is_second_last) io_second.m_delete(io_second.mp_object);
+    }
+  }
+  io_first.mp_object = nullptr;
+  io_first.mp_reference_count = nullptr;
+  io_first.m_delete = D{};
+  io_second.mp_object = nullptr;
+  io_second.mp_reference_count = nullptr;
+  io_second.m_delete = D{};
 }
 
 }  // namespace lum

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "Utility/NeverDestroyed.h"
+#include "geometry/Column.h"
 #include "geometry/EigenAlgorithms.h"
 #include "geometry/StrictArithmetic.h"
 
@@ -29,11 +30,18 @@ typename MatrixPoolTypes<T>::ObjectHandle CreateHandle(Values<T> const& i_values
   return handle;
 }
 
+// A transform and its inverse, in objects taken at once.
 template <class T>
-typename MatrixPoolTypes<T>::ObjectHandle CreateInverse(T const* ip_values) {
-  auto handle = CreateGlobalObject<MatrixObject<T>>();
-  internal::InvertMatrix(ip_values, handle->data());
-  return handle;
+Matrix<T> CreateMatrix(Values<T> const& i_transform, Values<T> const& i_inverse) {
+  auto [transform, inverse] = CreateTwoGlobalObjects<MatrixObject<T>>();
+  std::copy(i_transform.begin(), i_transform.end(), transform->data());
+  std::copy(i_inverse.begin(), i_inverse.end(), inverse->data());
+  return Matrix<T>(std::move(transform), std::move(inverse));
+}
+
+template <class T>
+Matrix<T> CreateMatrixWithoutInverse(Values<T> const& i_transform) {
+  return Matrix<T>(CreateHandle(i_transform), {});
 }
 
 template <class T>
@@ -85,6 +93,34 @@ Values<T> MakeTranspose(T const* s) {
           s[1], s[5], s[9],  0,  //
           s[2], s[6], s[10], 0,  //
           s[3], s[7], s[11], 1};
+}
+
+template <class T>
+struct Columns {
+  using Column = internal::Column<T>;
+
+  explicit Columns(T const* ip_values) noexcept
+      : m_x(Column::Load(ip_values)),
+        m_y(Column::Load(ip_values + 4)),
+        m_z(Column::Load(ip_values + 8)),
+        m_translation(Column::Load(ip_values + 12)) {}
+
+  Column CombineWith(T i_x, T i_y, T i_z, Column const& i_last) const noexcept {
+    return ((m_x * i_x + m_y * i_y) + m_z * i_z) + i_last;
+  }
+
+  Column m_x;
+  Column m_y;
+  Column m_z;
+  Column m_translation;
+};
+
+// The first application in a process makes the identity. Apart, so that the others need not save registers
+// for that call.
+template <class T, class Argument>
+[[gnu::noinline]] Argument ApplyFirst(Matrix<T> const& i_matrix, Argument const& i_argument) {
+  Matrix<T>::mgh_identity.GetValue();
+  return i_matrix * i_argument;
 }
 
 template <class T>
@@ -145,13 +181,12 @@ template <class T>
 Matrix<T>::Matrix() : m_transform(mgh_identity.GetValue()), m_inverse(mgh_identity.GetValue()) {}
 
 template <class T>
-Matrix<T>::Matrix(ObjectHandle i_transform, ObjectHandle i_inverse) noexcept
-    : m_transform(std::move(i_transform)), m_inverse(std::move(i_inverse)) {}
-
-template <class T>
-Matrix<T>::Matrix(T const* ip_values) : m_transform(CreateGlobalObject<Object>()) {
-  std::copy_n(ip_values, 16, m_transform->data());
-  m_inverse = CreateInverse(m_transform->data());
+Matrix<T>::Matrix(T const* ip_values) {
+  auto [transform, inverse] = CreateTwoGlobalObjects<Object>();
+  std::copy_n(ip_values, 16, transform->data());
+  internal::InvertMatrix(ip_values, inverse->data());
+  m_transform = std::move(transform);
+  m_inverse = std::move(inverse);
 }
 
 template <class T>
@@ -179,12 +214,12 @@ const& Matrix<T>::operator=(Matrix<U> const& i_other) {
 
 template <class T>
 Matrix<T> Matrix<T>::Scale(T i_x, T i_y, T i_z) {
-  ObjectHandle transform = CreateHandle(MakeScale(i_x, i_y, i_z));
   T const x = 1 / i_x;
   T const y = 1 / i_y;
   T const z = 1 / i_z;
-  if (!IsFinite(x) || !IsFinite(y) || !IsFinite(z)) return Matrix(std::move(transform), ObjectHandle());
-  return Matrix(std::move(transform), CreateHandle(MakeScale(x, y, z)));
+  Values<T> const transform = MakeScale(i_x, i_y, i_z);
+  if (!IsFinite(x) || !IsFinite(y) || !IsFinite(z)) return CreateMatrixWithoutInverse(transform);
+  return CreateMatrix(transform, MakeScale(x, y, z));
 }
 
 template <class T>
@@ -194,8 +229,7 @@ Matrix<T> Matrix<T>::Scale(T i_factor) {
 
 template <class T>
 Matrix<T> Matrix<T>::Translate(T i_x, T i_y, T i_z) {
-  ObjectHandle transform = CreateHandle(MakeTranslation(i_x, i_y, i_z));
-  return Matrix(std::move(transform), CreateHandle(MakeTranslation(-i_x, -i_y, -i_z)));
+  return CreateMatrix(MakeTranslation(i_x, i_y, i_z), MakeTranslation(-i_x, -i_y, -i_z));
 }
 
 template <class T>
@@ -207,8 +241,8 @@ template <class T>
 Matrix<T> Matrix<T>::Rotate(Vector<T, 3> const& i_axis, T i_angle) {
   if (i_angle == 0) return Matrix();
   T const cosine = std::cos(i_angle);
-  ObjectHandle transform = CreateHandle(MakeRotation(i_axis, std::sin(i_angle), cosine));
-  return Matrix(std::move(transform), CreateHandle(MakeRotation(i_axis, std::sin(-i_angle), cosine)));
+  return CreateMatrix(MakeRotation(i_axis, std::sin(i_angle), cosine),
+                      MakeRotation(i_axis, std::sin(-i_angle), cosine));
 }
 
 template <class T>
@@ -246,18 +280,16 @@ bool Matrix<T>::IsKnownIdentity() const {
 }
 
 template <class T>
-Matrix<T> Matrix<T>::GetInverse() const {
-  assert(m_transform);
-  if (!m_inverse) throw std::domain_error(no_inverse_message);
-  return Matrix(m_inverse, m_transform);
+void Matrix<T>::ThrowNoInverse() {
+  throw std::domain_error(no_inverse_message);
 }
 
 template <class T>
 Matrix<T> Matrix<T>::GetTranspose() const {
   if (IsKnownIdentity()) return *this;
-  ObjectHandle transform = CreateHandle(MakeTranspose(GetAsPtr()));
-  if (!m_inverse) return Matrix(std::move(transform), ObjectHandle());
-  return Matrix(std::move(transform), CreateHandle(MakeTranspose<T>(m_inverse->data())));
+  Values<T> const transform = MakeTranspose(GetAsPtr());
+  if (!m_inverse) return CreateMatrixWithoutInverse(transform);
+  return CreateMatrix(transform, MakeTranspose<T>(m_inverse->data()));
 }
 
 // Complementary 2x2 minors of columns 0 and 1 against columns 2 and 3.
@@ -278,8 +310,7 @@ template <class T>
 Matrix<T> Matrix<T>::GetNormalTransform() const {
   if (IsKnownIdentity()) return *this;
   T const* const inverse = GetInverseValues<T>(m_inverse, "GetNormalTransform assumes an invertible matrix");
-  ObjectHandle transform = CreateHandle(MakeTranspose(inverse));
-  return Matrix(std::move(transform), CreateHandle(MakeTranspose(GetAsPtr())));
+  return CreateMatrix(MakeTranspose(inverse), MakeTranspose(GetAsPtr()));
 }
 
 template <class T>
@@ -287,10 +318,9 @@ Matrix<T> Matrix<T>::operator*(Matrix const& i_right) const {
   assert(i_right.m_transform);
   if (IsKnownIdentity()) return i_right;
   if (i_right.IsKnownIdentity()) return *this;
-  ObjectHandle transform = CreateHandle(MakeProduct(GetAsPtr(), i_right.GetAsPtr()));
-  if (!m_inverse || !i_right.m_inverse) return Matrix(std::move(transform), ObjectHandle());
-  return Matrix(std::move(transform),
-                CreateHandle(MakeProduct<T>(i_right.m_inverse->data(), m_inverse->data())));
+  Values<T> const transform = MakeProduct(GetAsPtr(), i_right.GetAsPtr());
+  if (!m_inverse || !i_right.m_inverse) return CreateMatrixWithoutInverse(transform);
+  return CreateMatrix(transform, MakeProduct<T>(i_right.m_inverse->data(), m_inverse->data()));
 }
 
 template <class T>
@@ -300,22 +330,25 @@ Matrix<T>& Matrix<T>::operator*=(Matrix const& i_right) {
 
 template <class T>
 Vector<T, 3> Matrix<T>::operator*(Vector<T, 3> const& i_vector) const {
-  if (IsKnownIdentity()) return i_vector;
-  T const* const m = GetAsPtr();
-  auto const [x, y, z] = i_vector;
-  return {((m[0] * x + m[4] * y) + m[8] * z) + m[12] * 0,  //
-          ((m[1] * x + m[5] * y) + m[9] * z) + m[13] * 0,  //
-          ((m[2] * x + m[6] * y) + m[10] * z) + m[14] * 0};
+  auto const* const identity = mgh_identity.GetValueIfCreated();
+  if (identity == nullptr) return ApplyFirst(*this, i_vector);
+  if (m_transform.Get() == identity->Get()) return i_vector;
+  Columns<T> const columns(GetAsPtr());
+  Vector<T, 3> image;
+  columns.CombineWith(i_vector[0], i_vector[1], i_vector[2], columns.m_translation * 0)
+      .StoreThree(image.data());
+  return image;
 }
 
 template <class T>
 Point<T, 3> Matrix<T>::operator*(Point<T, 3> const& i_point) const {
-  if (IsKnownIdentity()) return i_point;
-  T const* const m = GetAsPtr();
-  auto const [x, y, z] = i_point;
-  return {((m[0] * x + m[4] * y) + m[8] * z) + m[12],  //
-          ((m[1] * x + m[5] * y) + m[9] * z) + m[13],  //
-          ((m[2] * x + m[6] * y) + m[10] * z) + m[14]};
+  auto const* const identity = mgh_identity.GetValueIfCreated();
+  if (identity == nullptr) return ApplyFirst(*this, i_point);
+  if (m_transform.Get() == identity->Get()) return i_point;
+  Columns<T> const columns(GetAsPtr());
+  Point<T, 3> image;
+  columns.CombineWith(i_point[0], i_point[1], i_point[2], columns.m_translation).StoreThree(image.data());
+  return image;
 }
 
 // A plane is carried by the transpose of the inverse, applied to its homogeneous row (a, b, c, -d).

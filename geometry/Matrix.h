@@ -1,6 +1,10 @@
 #pragma once
 
+#include <array>
+#include <cassert>
 #include <concepts>
+#include <span>
+#include <utility>
 
 #include "Utility/Lazy.h"
 #include "geometry/Export.h"
@@ -51,6 +55,8 @@ class LUM_EXPORT Matrix {
   Matrix(Matrix&&) noexcept = default;
   /// Shares the objects of two handles, the second of which may be empty. Nothing is checked.
   Matrix(ObjectHandle i_transform, ObjectHandle i_inverse) noexcept;
+  /// Lets go of the inverse, then of the transform.
+  ~Matrix() { ObjectHandle::ReleaseTogether(m_inverse, m_transform); }
   /// Copies 16 values, column by column, and inverts them. A singular matrix gets an inverse of infinities
   /// and NaNs.
   explicit Matrix(T const* ip_values);
@@ -100,8 +106,9 @@ class LUM_EXPORT Matrix {
   bool HasInverse() const noexcept { return static_cast<bool>(m_inverse); }
   /// Always true: every matrix is taken to be affine; row 3 is not looked at.
   bool IsAffine() const noexcept { return true; }
-  /// Swaps the two handles. Without an inverse throws `std::domain_error`.
-  Matrix GetInverse() const;
+  /// Swaps the two handles. Without an inverse throws `std::domain_error`. Of a temporary, takes them.
+  Matrix GetInverse() const&;
+  Matrix GetInverse() &&;
   /// The transpose of the upper-left 3x3 block, with row 3 moved into column 3 and row 3 set to (0, 0, 0, 1):
   /// the translation is dropped. Has an inverse when this matrix has one.
   Matrix GetTranspose() const;
@@ -136,11 +143,51 @@ class LUM_EXPORT Matrix {
   static Lazy<ObjectHandle> const& mgh_identity;
 
  private:
+  void RequireInverse() const;
+  [[noreturn]] static void ThrowNoInverse();
+
   // Never empty, except in a moved-from matrix.
   ObjectHandle m_transform;
-  // Destroyed first, as members are in reverse order.
   ObjectHandle m_inverse;
 };
+
+template <class T>
+inline Matrix<T>::Matrix(ObjectHandle i_transform, ObjectHandle i_inverse) noexcept
+    : m_transform(std::move(i_transform)), m_inverse(std::move(i_inverse)) {}
+
+template <class T>
+inline Matrix<T> Matrix<T>::GetInverse() const& {
+  RequireInverse();
+  return Matrix(m_inverse, m_transform);
+}
+
+template <class T>
+inline Matrix<T> Matrix<T>::GetInverse() && {
+  RequireInverse();
+  return Matrix(std::move(m_inverse), std::move(m_transform));
+}
+
+template <class T>
+inline void Matrix<T>::RequireInverse() const {
+  assert(m_transform);
+  if (!m_inverse) ThrowNoInverse();
+}
+
+/// Carries every point of an array as the product with one point does, to the same bits; a known identity
+/// copies.
+///
+/// The arrays may be one and the same, but must not overlap otherwise. Arrays of different sizes throw
+/// `std::invalid_argument`, and nothing is written then. Takes nothing from the pools; counts are not
+/// touched.
+LUM_EXPORT void TransformPoints(Matrix<float> const& i_matrix, std::span<Point<float, 3> const> i_points,
+                                std::span<Point<float, 3>> o_points);
+LUM_EXPORT void TransformPoints(Matrix<double> const& i_matrix, std::span<Point<double, 3> const> i_points,
+                                std::span<Point<double, 3>> o_points);
+/// The same for vectors.
+LUM_EXPORT void TransformVectors(Matrix<float> const& i_matrix, std::span<Vector<float, 3> const> i_vectors,
+                                 std::span<Vector<float, 3>> o_vectors);
+LUM_EXPORT void TransformVectors(Matrix<double> const& i_matrix, std::span<Vector<double, 3> const> i_vectors,
+                                 std::span<Vector<double, 3>> o_vectors);
 
 template <>
 LUM_EXPORT Lazy<MatrixPoolTypes<float>::ObjectHandle> const& Matrix<float>::mgh_identity;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <memory>
 #include <mutex>
@@ -10,6 +11,7 @@
 #include "geometry/ObjectPoolBlock.h"
 #include "geometry/ObjectPoolDeleter.h"
 #include "geometry/ObjectPoolPolicy.h"
+#include "geometry/SingleThread.h"
 
 namespace lum {
 
@@ -40,6 +42,8 @@ class ObjectPool {
   ///
   /// Passes on what allocating a block or locking a mutex throws; the pool is unchanged then.
   ObjectHandle CreateObject();
+  /// Two objects at once, for little more than one: those that two calls of `CreateObject` would give.
+  std::array<ObjectHandle, 2> CreateTwoObjects();
 
  private:
   friend struct ObjectPoolTestAccess;
@@ -49,6 +53,7 @@ class ObjectPool {
     std::size_t index;
   };
 
+  ObjectHandle MakeHandle(Block& io_block, std::size_t i_slot) noexcept;
   Slot TakeSlot();
   optional<Slot> TakeFromCurrentBlock();
   Slot TakeFromNewBlock();
@@ -73,8 +78,29 @@ template <class T, std::size_t Size, std::size_t Alignment, class Policy>
 typename ObjectPool<T, Size, Alignment, Policy>::ObjectHandle
 ObjectPool<T, Size, Alignment, Policy>::CreateObject() {
   Slot const slot = TakeSlot();
-  return ObjectHandle(slot.block->GetObject(slot.index), slot.block->GetReferenceCount(slot.index),
-                      {this, slot.block});
+  return MakeHandle(*slot.block, slot.index);
+}
+
+// Where there are not two slots to be had at once, the objects are taken one by one.
+template <class T, std::size_t Size, std::size_t Alignment, class Policy>
+std::array<typename ObjectPool<T, Size, Alignment, Policy>::ObjectHandle, 2>
+ObjectPool<T, Size, Alignment, Policy>::CreateTwoObjects() {
+  {
+    internal::ThreadLock<typename Policy::Mutex> const lock(m_current_block_mutex);
+    Block& block = *m_current_block;
+    if (auto const slots = block.TakeTwoSlots()) {
+      return {MakeHandle(block, (*slots)[0]), MakeHandle(block, (*slots)[1])};
+    }
+  }
+  ObjectHandle first = CreateObject();
+  return {std::move(first), CreateObject()};
+}
+
+template <class T, std::size_t Size, std::size_t Alignment, class Policy>
+inline typename ObjectPool<T, Size, Alignment, Policy>::ObjectHandle
+ObjectPool<T, Size, Alignment, Policy>::MakeHandle(Block& io_block, std::size_t i_slot) noexcept {
+  return ObjectHandle(internal::FirstReference(), io_block.GetObject(i_slot),
+                      io_block.GetReferenceCount(i_slot), {this, &io_block});
 }
 
 // A thread that finds the block full while another makes the next one tries again at once: the new block is
@@ -96,7 +122,7 @@ typename ObjectPool<T, Size, Alignment, Policy>::Slot ObjectPool<T, Size, Alignm
 template <class T, std::size_t Size, std::size_t Alignment, class Policy>
 optional<typename ObjectPool<T, Size, Alignment, Policy>::Slot>
 ObjectPool<T, Size, Alignment, Policy>::TakeFromCurrentBlock() {
-  std::lock_guard<typename Policy::Mutex> const lock(m_current_block_mutex);
+  internal::ThreadLock<typename Policy::Mutex> const lock(m_current_block_mutex);
   if (auto const index = m_current_block->TakeSlot()) return Slot{m_current_block, *index};
   return nullopt;
 }
@@ -110,7 +136,7 @@ ObjectPool<T, Size, Alignment, Policy>::TakeFromNewBlock() {
   Slot const slot{block.get(), *block->TakeSlot()};
   std::unique_ptr<Block> empty;
   {
-    std::lock_guard<typename Policy::Mutex> const lock(m_current_block_mutex);
+    internal::ThreadLock<typename Policy::Mutex> const lock(m_current_block_mutex);
     Block* const previous = std::exchange(m_current_block, block.release());
     if (previous->Supersede()) empty.reset(previous);
   }

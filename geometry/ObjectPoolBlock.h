@@ -7,6 +7,7 @@
 
 #include "Utility/optional.h"
 #include "geometry/ObjectPoolPolicy.h"
+#include "geometry/SingleThread.h"
 
 namespace lum {
 
@@ -21,10 +22,12 @@ namespace lum {
 ///
 ///     use count     bit 63: superseded, bits 0 to 62: objects handed out and reservations in flight
 ///
-/// A take exchanges the entry that it reads for kTaken. A return claims its position, stores its slot and
-/// only then lowers the use count. The pool lets one take in at a time, so return n claims its position after
-/// take n has read there: no return overwrites an entry that is still to be read. A take that finds kTaken
-/// has met a return between its claim and its store; it takes nothing and calls the block full.
+/// A take replaces the entry that it reads by kTaken. A return claims its position, stores its slot and only
+/// then lowers the use count. The pool lets one take in at a time, so return n claims its position after take
+/// n has read and marked there: no return overwrites an entry that is still to be read. A take that finds
+/// kTaken has met a return between its claim and its store; it takes nothing and calls the block full.
+///
+/// Two slots may be taken, and returned, in one go: with the effect of two takes or returns in a row.
 ///
 /// The block frees nothing itself: whoever brings the use count to "superseded, none in use" is told so by
 /// the call that did it, and is the only one to be told.
@@ -53,11 +56,15 @@ class ObjectPoolBlock {
 
   /// Reserves a slot and takes it from the ring; empty when the block is full.
   optional<std::size_t> TakeSlot() noexcept;
+  /// Two slots in the order in which `TakeSlot` would give them; empty when there are not two to be had.
+  optional<std::array<std::size_t, 2>> TakeTwoSlots() noexcept;
 
   /// Puts the slot of an object back on the ring. Lock-free.
   /// \return true when this left the superseded block empty: the caller frees it. Otherwise the caller must
   /// not touch the block again, since another thread may free it at any time.
   [[nodiscard]] bool ReturnSlot(T const* ip_object) noexcept;
+  /// The same for two objects, the first of them first.
+  [[nodiscard]] bool ReturnTwoSlots(T const* ip_first, T const* ip_second) noexcept;
 
   /// Marks the block as no longer current; from now on its last return frees it.
   /// \return true when no slot is in use: the caller frees the block.
@@ -83,13 +90,16 @@ class ObjectPoolBlock {
   };
 
   static std::size_t ClaimPosition(Counter& io_position) noexcept;
+  void StoreSlot(std::size_t i_position, T const* ip_object) noexcept;
 
   // Changed only by atomic read-modify-writes, so the one that reaches kSuperseded alone is unique.
   Counter m_use_count{0};
-  // Running count of takes, advanced by the one take that the caller lets in; atomic all the same.
+  // Running count of takes. Only the one take that the caller lets in reads and writes it.
   Counter m_take_position{0};
   // Plain words, accessed only through atomic references once the block is shared: a take may look at an
-  // entry that a return is about to store.
+  // entry that a return is about to store. A return stores with release and a take loads with acquire, so
+  // that the new owner of a slot comes after the old one. Takes write marks one after the other, and a return
+  // to a marked position comes after the take that marked it.
   std::array<unsigned long, Size> m_free_slots;
   // Running count of returns; each return owns the position that it claimed here.
   Counter m_return_position{0};
@@ -109,26 +119,71 @@ ObjectPoolBlock<T, Size, Alignment, Policy>::ObjectPoolBlock() noexcept {
 }
 
 template <class T, std::size_t Size, std::size_t Alignment, class Policy>
-optional<std::size_t> ObjectPoolBlock<T, Size, Alignment, Policy>::TakeSlot() noexcept {
-  if (m_use_count.fetch_add(1) >= Size) {
-    m_use_count.fetch_sub(1);
+inline optional<std::size_t> ObjectPoolBlock<T, Size, Alignment, Policy>::TakeSlot() noexcept {
+  if (internal::FetchAdd(m_use_count, 1) >= Size) {
+    internal::FetchSubtract(m_use_count, 1);
     return nullopt;
   }
-  Entry entry(m_free_slots[m_take_position.load() % Size]);
-  unsigned long const slot = entry.exchange(kTaken);
+  unsigned long const position = m_take_position.load(std::memory_order_acquire);
+  Entry entry(m_free_slots[position % Size]);
+  unsigned long const slot = entry.load(std::memory_order_acquire);
   if (slot == kTaken) {
-    m_use_count.fetch_sub(1);
+    internal::FetchSubtract(m_use_count, 1);
     return nullopt;
   }
-  ClaimPosition(m_take_position);
+  entry.store(kTaken, std::memory_order_release);
+  m_take_position.store(position + 1, std::memory_order_release);
   return slot;
 }
 
 template <class T, std::size_t Size, std::size_t Alignment, class Policy>
+inline optional<std::array<std::size_t, 2>>
+ObjectPoolBlock<T, Size, Alignment, Policy>::TakeTwoSlots() noexcept {
+  if (internal::FetchAdd(m_use_count, 2) + 2 > Size) {
+    internal::FetchSubtract(m_use_count, 2);
+    return nullopt;
+  }
+  unsigned long const position = m_take_position.load(std::memory_order_acquire);
+  Entry first_entry(m_free_slots[position % Size]);
+  Entry second_entry(m_free_slots[(position + 1) % Size]);
+  unsigned long const first = first_entry.load(std::memory_order_acquire);
+  unsigned long const second = second_entry.load(std::memory_order_acquire);
+  if (first == kTaken || second == kTaken) {
+    internal::FetchSubtract(m_use_count, 2);
+    return nullopt;
+  }
+  first_entry.store(kTaken, std::memory_order_release);
+  second_entry.store(kTaken, std::memory_order_release);
+  m_take_position.store(position + 2, std::memory_order_release);
+  return std::array<std::size_t, 2>{first, second};
+}
+
+template <class T, std::size_t Size, std::size_t Alignment, class Policy>
 bool ObjectPoolBlock<T, Size, Alignment, Policy>::ReturnSlot(T const* ip_object) noexcept {
-  auto const slot = static_cast<unsigned long>(ip_object - m_objects);
-  Entry(m_free_slots[ClaimPosition(m_return_position)]).store(slot);
-  return m_use_count.fetch_sub(1) == (kSuperseded | 1);
+  StoreSlot(ClaimPosition(m_return_position), ip_object);
+  return internal::FetchSubtract(m_use_count, 1) == (kSuperseded | 1);
+}
+
+template <class T, std::size_t Size, std::size_t Alignment, class Policy>
+bool ObjectPoolBlock<T, Size, Alignment, Policy>::ReturnTwoSlots(T const* ip_first,
+                                                                        T const* ip_second) noexcept {
+  // Near its last value the position is advanced in steps of one, which know how to reset it.
+  if (m_return_position.load() >= kLastPosition - 1) {
+    StoreSlot(ClaimPosition(m_return_position), ip_first);
+    StoreSlot(ClaimPosition(m_return_position), ip_second);
+  } else {
+    unsigned long const position = internal::FetchAdd(m_return_position, 2);
+    StoreSlot(position % Size, ip_first);
+    StoreSlot((position + 1) % Size, ip_second);
+  }
+  return internal::FetchSubtract(m_use_count, 2) == (kSuperseded | 2);
+}
+
+template <class T, std::size_t Size, std::size_t Alignment, class Policy>
+inline void ObjectPoolBlock<T, Size, Alignment, Policy>::StoreSlot(std::size_t i_position,
+                                                                   T const* ip_object) noexcept {
+  Entry(m_free_slots[i_position])
+      .store(static_cast<unsigned long>(ip_object - m_objects), std::memory_order_release);
 }
 
 template <class T, std::size_t Size, std::size_t Alignment, class Policy>
@@ -139,12 +194,12 @@ bool ObjectPoolBlock<T, Size, Alignment, Policy>::Supersede() noexcept {
 // At their last value the positions are reset rather than left to wrap in the add; the plain load first
 // keeps a compare-exchange that would fail off every other call.
 template <class T, std::size_t Size, std::size_t Alignment, class Policy>
-std::size_t ObjectPoolBlock<T, Size, Alignment, Policy>::ClaimPosition(Counter& io_position) noexcept {
+inline std::size_t ObjectPoolBlock<T, Size, Alignment, Policy>::ClaimPosition(Counter& io_position) noexcept {
   unsigned long last = kLastPosition;
   if (io_position.load() == kLastPosition && io_position.compare_exchange_strong(last, 0)) {
     return kLastPosition % Size;
   }
-  return io_position.fetch_add(1) % Size;
+  return internal::FetchAdd(io_position, 1) % Size;
 }
 
 }  // namespace lum

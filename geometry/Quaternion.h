@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <span>
 
 #include "Utility/Lazy.h"
 #include "geometry/Export.h"
@@ -52,6 +53,11 @@ class LUM_EXPORT Quaternionf {
 
   /// v + w u + q x u with u = 2 (q x v), where q is the vector part.
   Vector<float, 3> Transform(Vector<float, 3> const& i_vector) const;
+  /// Rotates every vector of an array as the above does one, to the same bits.
+  ///
+  /// The arrays may be one and the same, but must not overlap otherwise. Arrays of different sizes throw
+  /// `std::invalid_argument`, and nothing is written then.
+  void Transform(std::span<Vector<float, 3> const> i_vectors, std::span<Vector<float, 3>> o_vectors) const;
   /// Applies the inverse of `GetAsMatrix`: for unit length, the opposite rotation.
   Vector<float, 3> InverseTransform(Vector<float, 3> const& i_vector) const;
 

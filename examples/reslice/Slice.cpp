@@ -98,11 +98,14 @@ Samples Resample(common::Volume const& i_volume, Slice const& i_slice) {
   lum::Matrix<double> const pixel_to_voxel = i_volume.voxel_to_world.GetInverse() * i_slice.pixel_to_world;
   Samples samples;
   samples.reserve(i_slice.width * i_slice.height);
+  std::vector<Point> points(i_slice.width);
   for (std::size_t row = 0; row < i_slice.height; ++row) {
     auto const y = static_cast<double>(i_slice.height - 1 - row);
     for (std::size_t column = 0; column < i_slice.width; ++column) {
-      samples.push_back(i_volume.Sample(pixel_to_voxel * Point(static_cast<double>(column), y, 0)));
+      points[column] = Point(static_cast<double>(column), y, 0);
     }
+    lum::TransformPoints(pixel_to_voxel, points, points);
+    for (Point const& point : points) samples.push_back(i_volume.Sample(point));
   }
   return samples;
 }

@@ -162,19 +162,26 @@ Vector ToFloat(lum::Vector<double, 3> const& i_vector) {
 void DrawMesh(Mesh const& i_mesh, Colour const& i_colour, lum::Matrix<float> const& i_world_to_view,
               std::optional<lum::Plane<float>> const& i_clip, Progress const& i_progress, Canvas& io_canvas) {
   lum::Matrix<float> const normal_transform = i_world_to_view.GetNormalTransform();
+  std::vector<Point> positions(i_mesh.vertices.size());
+  std::vector<Vector> normals(i_mesh.vertices.size());
+  for (std::size_t i = 0; i < positions.size(); ++i) {
+    positions[i] = ToFloat(i_mesh.vertices[i].position);
+    normals[i] = ToFloat(i_mesh.vertices[i].normal);
+  }
+  lum::TransformPoints(i_world_to_view, positions, positions);
+  lum::TransformVectors(normal_transform, normals, normals);
   std::size_t drawn = 0;
   for (auto const& triangle : i_mesh.triangles) {
     if (drawn++ % 4096 == 0)
       i_progress(static_cast<double>(drawn) / static_cast<double>(i_mesh.triangles.size()));
-    lum::Vector<double, 3> const flat = lum::GetNormalized(i_mesh.GetDoubledArea(triangle));
+    Vector const flat = normal_transform * ToFloat(lum::GetNormalized(i_mesh.GetDoubledArea(triangle)));
     Corners corners{};
     for (std::size_t corner = 0; corner < 3; ++corner) {
-      Mesh::Vertex const& vertex = i_mesh.vertices[triangle[corner]];
+      std::uint32_t const vertex = triangle[corner];
       // Edges and corners have no normal of their own: each triangle keeps its own there, which shows them
       // sharp.
-      Vector const normal = ToFloat(vertex.rank > 1 ? flat : vertex.normal);
-      corners[corner] = {i_world_to_view * ToFloat(vertex.position),
-                         lum::GetNormalized(normal_transform * normal)};
+      Vector const& normal = i_mesh.vertices[vertex].rank > 1 ? flat : normals[vertex];
+      corners[corner] = {positions[vertex], lum::GetNormalized(normal)};
     }
     DrawTriangle(corners, i_colour, i_clip, io_canvas);
   }

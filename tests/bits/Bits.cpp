@@ -110,6 +110,12 @@ void AddTransforms(std::string const& i_precision) {
     Add(i_precision + " GetDeterminant", &determinant, 1);
     Add(i_precision + " times vector", (a * v).data(), 3);
     Add(i_precision + " times point", (a * p).data(), 3);
+    std::array<Vector<T, 3>, 5> vectors = {v, w, x, w, v};
+    TransformVectors(a, vectors, vectors);
+    for (auto const& vector : vectors) Add(i_precision + " times vectors", vector.data(), 3);
+    std::array<Point<T, 3>, 5> points = {p, p + v, p + w, p + x, p};
+    TransformPoints(a, points, points);
+    for (auto const& point : points) Add(i_precision + " times points", point.data(), 3);
     Add(i_precision + " GetNormalized, 2", GetNormalized(u).data(), 2);
     Add(i_precision + " GetNormalized, 3", GetNormalized(v).data(), 3);
     try {
@@ -141,6 +147,9 @@ void AddRotations() {
     add("Quaternionf from a matrix", Quaternionf(q.GetAsMatrix()));
     AddMatrix("Quaternionf GetAsMatrix", p.GetAsMatrix());
     Add("Quaternionf Transform", p.Transform(w).data(), 3);
+    std::array<Vector<float, 3>, 5> vectors = {v, w, v, w, v};
+    p.Transform(vectors, vectors);
+    for (auto const& vector : vectors) Add("Quaternionf Transform of an array", vector.data(), 3);
     Add("Quaternionf InverseTransform", q.InverseTransform(v).data(), 3);
     float const is_close = p.IsApproximately(q, next()) ? 1 : 0;
     Add("Quaternionf IsApproximately", &is_close, 1);

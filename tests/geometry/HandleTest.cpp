@@ -237,6 +237,7 @@ struct RecordingCount {
     order = i_order;
     return value;
   }
+  void store(unsigned long i_value, std::memory_order) { value = i_value; }
   unsigned long fetch_add(unsigned long i_value) { return std::exchange(value, value + i_value); }
   unsigned long fetch_sub(unsigned long i_value) { return std::exchange(value, value - i_value); }
 

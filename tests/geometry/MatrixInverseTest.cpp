@@ -4,6 +4,7 @@
 
 #include <random>
 #include <stdexcept>
+#include <utility>
 
 #include "geometry/Matrix.h"
 #include "support/Throws.h"
@@ -39,6 +40,24 @@ TYPED_TEST(MatrixInverse, SwapsTheHandles) {
   EXPECT_EQ(twice.GetMatrix().Get(), matrix.GetMatrix().Get());
   EXPECT_EQ(twice.GetMatrixInverse().Get(), matrix.GetMatrixInverse().Get());
   EXPECT_EQ(matrix.GetMatrix().GetReferenceCount(), 3U);
+}
+
+TYPED_TEST(MatrixInverse, OfATemporaryTakesTheHandles) {
+  auto matrix = Matrix<TypeParam>::Translate(1, 2, 3);
+  auto const* const transform = matrix.GetMatrix().Get();
+  auto const* const inverse = matrix.GetMatrixInverse().Get();
+  auto const taken = std::move(matrix).GetInverse();
+  EXPECT_EQ(taken.GetMatrix().Get(), inverse);
+  EXPECT_EQ(taken.GetMatrixInverse().Get(), transform);
+  EXPECT_EQ(taken.GetMatrix().GetReferenceCount(), 1U);
+  EXPECT_EQ(taken.GetMatrixInverse().GetReferenceCount(), 1U);
+}
+
+TYPED_TEST(MatrixInverse, ThatIsAbsentLeavesATemporaryAsItWas) {
+  auto matrix = Matrix<TypeParam>::Scale(0);
+  EXPECT_TRUE(test::Throws<std::domain_error>([&] { (void)std::move(matrix).GetInverse(); },
+                                              "attempt to get inverse of non-invertible matrix"));
+  EXPECT_EQ(matrix, Matrix<TypeParam>::Scale(0));  // NOLINT(bugprone-use-after-move): nothing was taken
 }
 
 TYPED_TEST(MatrixInverse, OfTheKnownIdentityIsKnown) {

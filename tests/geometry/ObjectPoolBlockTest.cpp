@@ -62,6 +62,78 @@ TEST(ObjectPoolBlock, ReusesReturnedSlotsInTheOrderOfTheirReturn) {
   EXPECT_FALSE(block.TakeSlot());
 }
 
+TEST(ObjectPoolBlock, TakesTwoSlotsAsTwoTakesWould) {
+  Block block;
+  for (std::size_t slot = 0; slot < 32; slot += 2) {
+    EXPECT_EQ(block.TakeTwoSlots().value(), (std::array<std::size_t, 2>{slot, slot + 1}));
+  }
+  EXPECT_FALSE(block.TakeTwoSlots());
+  EXPECT_EQ(Access::UseCount(block).load(), 32U);
+  EXPECT_EQ(Access::TakePosition(block).load(), 32U);
+}
+
+TEST(ObjectPoolBlock, LeavesASingleSlotToASingleTake) {
+  Block block;
+  TakeSlots(block, 31);
+  EXPECT_FALSE(block.TakeTwoSlots());
+  EXPECT_EQ(Access::UseCount(block).load(), 31U);
+  EXPECT_EQ(block.TakeSlot().value(), 31U);
+}
+
+// As a take finds it that comes between the claim and the store of a return.
+TEST(ObjectPoolBlock, TakesNeitherSlotWhereOneIsMarked) {
+  constexpr unsigned long mark = all_ones;
+  for (std::size_t const marked : {0U, 1U}) {
+    Block block;
+    Access::Entry(block, marked) = mark;
+    EXPECT_FALSE(block.TakeTwoSlots());
+    EXPECT_EQ(Access::UseCount(block).load(), 0U);
+    EXPECT_EQ(Access::TakePosition(block).load(), 0U);
+    EXPECT_EQ(Access::Entry(block, 1 - marked), 1 - marked);
+  }
+}
+
+TEST(ObjectPoolBlock, MarksWhatItHasTaken) {
+  Block block;
+  block.TakeTwoSlots();
+  block.TakeSlot();
+  for (std::size_t position = 0; position < 3; ++position) EXPECT_GE(Access::Entry(block, position), 32U);
+  EXPECT_EQ(Access::Entry(block, 3), 3U);
+}
+
+TEST(ObjectPoolBlock, ReturnsTwoSlotsInTheirOrder) {
+  Block block;
+  TakeSlots(block, 32);
+  EXPECT_FALSE(block.ReturnTwoSlots(block.GetObject(9), block.GetObject(4)));
+  EXPECT_EQ(Access::UseCount(block).load(), 30U);
+  EXPECT_EQ(Access::ReturnPosition(block).load(), 2U);
+  EXPECT_EQ(TakeSlots(block, 2), (std::vector<std::size_t>{9, 4}));
+}
+
+TEST(ObjectPoolBlock, ReturnsAndTakesTwoSlotsAcrossTheWrap) {
+  for (unsigned long const start : {all_ones - 2, all_ones - 1, all_ones}) {
+    Block block;
+    Access::TakePosition(block).store(start);
+    Access::ReturnPosition(block).store(start);
+    std::size_t const first = start % 32;
+    std::size_t const second = (first + 1) % 32;
+    EXPECT_EQ(block.TakeTwoSlots().value(), (std::array<std::size_t, 2>{first, second}));
+    EXPECT_EQ(Access::TakePosition(block).load(), start + 2);
+    EXPECT_FALSE(block.ReturnTwoSlots(block.GetObject(second), block.GetObject(first)));
+    EXPECT_EQ(Access::Entry(block, first), second);
+    EXPECT_EQ(Access::Entry(block, second), first);
+    EXPECT_EQ(Access::ReturnPosition(block).load(), start + 2);
+  }
+}
+
+TEST(ObjectPoolBlock, TellsTheReturnOfTwoThatItEmptiedASupersededBlock) {
+  Block block;
+  TakeSlots(block, 3);
+  EXPECT_FALSE(block.Supersede());
+  EXPECT_FALSE(block.ReturnSlot(block.GetObject(0)));
+  EXPECT_TRUE(block.ReturnTwoSlots(block.GetObject(1), block.GetObject(2)));
+}
+
 TEST(ObjectPoolBlock, ResetsTheTakePositionAtItsLastValue) {
   Block block;
   Access::TakePosition(block).store(all_ones - 1);

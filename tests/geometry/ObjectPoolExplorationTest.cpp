@@ -56,15 +56,27 @@ class World {
     if (handle.GetReferenceCount() != 1) Fail("a fresh object is shared");
     return handle;
   }
+  std::array<PoolHandle, 2> TakeTwo() {
+    std::array<PoolHandle, 2> handles = m_pool->CreateTwoObjects();
+    for (PoolHandle const& handle : handles) {
+      if (!m_owners.emplace(handle.Get(), 1).second) Fail("a slot has two owners");
+      if (handle.GetReferenceCount() != 1) Fail("a fresh object is shared");
+    }
+    return handles;
+  }
   PoolHandle Copy(PoolHandle const& i_handle) {
     ++m_owners[i_handle.Get()];
     return i_handle;
   }
   void Return(PoolHandle& io_handle) {
-    auto const owner = m_owners.find(io_handle.Get());
-    if (owner == m_owners.end()) return Fail("a slot without an owner is returned");
-    if (--owner->second == 0) m_owners.erase(owner);
+    Disown(io_handle);
     io_handle = PoolHandle();
+  }
+  void ReturnTogether(PoolHandle& io_first, PoolHandle& io_second) {
+    Disown(io_first);
+    Disown(io_second);
+    PoolHandle::ReleaseTogether(io_first, io_second);
+    if (io_first || io_second) Fail("a handle is bound after its release");
   }
 
   /// When nothing is owned any more.
@@ -93,6 +105,11 @@ class World {
   std::string const& GetFailure() const { return m_failure; }
 
  private:
+  void Disown(PoolHandle const& i_handle) {
+    auto const owner = m_owners.find(i_handle.Get());
+    if (owner == m_owners.end()) return Fail("a slot without an owner is returned");
+    if (--owner->second == 0) m_owners.erase(owner);
+  }
   void Fail(char const* ip_what) {
     if (m_failure.empty()) m_failure = ip_what;
   }
@@ -189,6 +206,47 @@ TYPED_TEST(ObjectPoolExploration, AFullBlockEmptiesInAnyOrder) {
   });
 }
 
+// An actor that takes two at once and returns them together, so many times.
+template <class Ring>
+std::function<void()> TakeAndReturnTwo(Ring& io_world, int i_times) {
+  return [&io_world, i_times] {
+    for (int time = 0; time < i_times; ++time) {
+      auto handles = io_world.TakeTwo();
+      io_world.ReturnTogether(handles[0], handles[1]);
+    }
+  };
+}
+
+TYPED_TEST(ObjectPoolExploration, TwoThreadsTakeAndReturnTwoAtOnce) {
+  this->Explore("2 threads take and return two at once", 4, [](auto& io_world) {
+    return typename TestFixture::Actors{TakeAndReturnTwo(io_world, 1), TakeAndReturnTwo(io_world, 2)};
+  });
+}
+
+TYPED_TEST(ObjectPoolExploration, ThreeThreadsTakeOneOrTwo) {
+  this->Explore("3 threads take one or two", 3, [](auto& io_world) {
+    return typename TestFixture::Actors{TakeAndReturnTwo(io_world, 1), TakeAndReturn(io_world, 1),
+                                        TakeAndReturnTwo(io_world, 1)};
+  });
+}
+
+// The first of two is shared, and whoever lets go last returns it.
+TYPED_TEST(ObjectPoolExploration, OneOfTwoIsShared) {
+  this->Explore("one of two is shared", 2, [](auto& io_world) {
+    using Pair = std::array<typename TestFixture::PoolHandle, 2>;
+    auto const pair = std::make_shared<Pair>(io_world.TakeTwo());
+    auto const shared = std::make_shared<Pair>();
+    (*shared)[0] = io_world.Copy((*pair)[0]);
+    return
+        typename TestFixture::Actors{[&io_world, pair] { io_world.ReturnTogether((*pair)[0], (*pair)[1]); },
+                                     [&io_world, shared] {
+                                       (*shared)[1] = io_world.Take();
+                                       io_world.ReturnTogether((*shared)[0], (*shared)[1]);
+                                     },
+                                     TakeAndReturnTwo(io_world, 1)};
+  });
+}
+
 // Two owners of one object let go, and one of them takes another.
 TYPED_TEST(ObjectPoolExploration, TheLastOfSharedHandlesReturnsTheObject) {
   this->Explore("shared handles", 3, [](auto& io_world) {
@@ -212,14 +270,15 @@ TYPED_TEST(ObjectPoolExploration, TheLastOfSharedHandlesReturnsTheObject) {
 TEST(ObjectPoolExplorationAtTheWrap, PositionsWrapUnderThreads) {
   std::optional<World<2>> world;
   Exploration exploration;
-  Exploration::Program const program = {
-      [&] {
-        world.reset();
-        world.emplace();
-        world->Preset(~0UL - 2);
-        return World<2>::Actors{TakeAndReturn(*world, 2), TakeAndReturn(*world, 2), TakeAndReturn(*world, 2)};
-      },
-      [&] { world->Finish(); }};
+  Exploration::Program const program = {[&] {
+                                          world.reset();
+                                          world.emplace();
+                                          world->Preset(~0UL - 2);
+                                          return World<2>::Actors{TakeAndReturn(*world, 2),
+                                                                  TakeAndReturnTwo(*world, 1),
+                                                                  TakeAndReturn(*world, 2)};
+                                        },
+                                        [&] { world->Finish(); }};
   auto const is_failed = [&] { return !world->GetFailure().empty(); };
   std::size_t const searched = exploration.SearchAll(program, 2, is_failed);
   EXPECT_FALSE(exploration.IsStuck()) << exploration.GetSchedule();

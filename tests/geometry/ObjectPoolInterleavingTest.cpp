@@ -73,20 +73,22 @@ class ObjectPoolInterleaving : public testing::Test {
   std::size_t m_late_accesses = 0;
 };
 
-// A take is stopped before it reads its ring entry. Were the entry not read under the lock, another thread
-// could take and return a slot now, and the entry would be overwritten or read twice.
-TEST_F(ObjectPoolInterleaving, ATakeIsNotOvertakenBeforeItReadsItsEntry) {
-  PoolHandle taken;
+// A take is stopped between reading its ring entry and marking it. Were that not under the lock, another thread
+// could read the same entry now.
+TEST_F(ObjectPoolInterleaving, ATakeIsNotOvertakenBeforeItMarksItsEntry) {
+  PoolHandle first;
+  PoolHandle second;
   {
     Stepper stepper;
-    auto const take = stepper.Add([&] { taken = m_pool->CreateObject(); });
-    auto const take_and_return = stepper.Add([&] { m_pool->CreateObject(); });
-    ASSERT_TRUE(stepper.RunTo(take, Operation::kExchange, GetEntry(0)));
-    stepper.Finish(take_and_return);
+    auto const take = stepper.Add([&] { first = m_pool->CreateObject(); });
+    auto const other_take = stepper.Add([&] { second = m_pool->CreateObject(); });
+    ASSERT_TRUE(stepper.RunTo(take, Operation::kStore, GetEntry(0)));
+    stepper.Finish(other_take);
     ASSERT_TRUE(stepper.Finish(take));
-    ASSERT_TRUE(stepper.Finish(take_and_return));
+    ASSERT_TRUE(stepper.Finish(other_take));
   }
-  m_handles.push_back(std::move(taken));
+  m_handles.push_back(std::move(first));
+  m_handles.push_back(std::move(second));
   FillTo(32);
   EXPECT_EQ(GetDistinctObjects().size(), 32U);
   EXPECT_EQ(Access::CurrentBlock(*m_pool), m_first_block) << "a slot of the first block is lost";

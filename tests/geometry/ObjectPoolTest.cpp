@@ -48,6 +48,98 @@ TEST(ObjectPool, StartsANewBlockWithTheThirtyThirdObject) {
   EXPECT_EQ(next.Get(), Access::CurrentBlock(pool)->GetObject(0));
 }
 
+TEST(ObjectPool, GivesTwoObjectsAsTwoCallsWould) {
+  Pool pool;
+  auto const handles = pool.CreateTwoObjects();
+  EXPECT_EQ(handles[0].Get(), Access::CurrentBlock(pool)->GetObject(0));
+  EXPECT_EQ(handles[1].Get(), Access::CurrentBlock(pool)->GetObject(1));
+  EXPECT_EQ(handles[0].GetReferenceCount(), 1U);
+  EXPECT_EQ(handles[1].GetReferenceCount(), 1U);
+}
+
+TEST(ObjectPool, GivesTheLastObjectOfABlockAndTheFirstOfTheNext) {
+  BlockCensus const census(sizeof(Pool::Block));
+  Pool pool;
+  auto const earlier = CreateObjects(pool, 31);
+  auto const handles = pool.CreateTwoObjects();
+  EXPECT_EQ(BlockCensus::GetMade(), 2U);
+  EXPECT_EQ(handles[0].Get(), earlier[0].Get() + 31);
+  EXPECT_EQ(handles[1].Get(), Access::CurrentBlock(pool)->GetObject(0));
+}
+
+TEST(ObjectPool, TakesTwoObjectsBackAtOnce) {
+  Pool pool;
+  auto handles = CreateObjects(pool, 32);
+  Object* const first = handles[7].Get();
+  Object* const second = handles[3].Get();
+  PoolHandle::ReleaseTogether(handles[7], handles[3]);
+  EXPECT_FALSE(handles[7] || handles[3]);
+  EXPECT_EQ(Access::UseCount(*Access::CurrentBlock(pool)).load(), 30U);
+  auto const again = pool.CreateTwoObjects();
+  EXPECT_EQ(again[0].Get(), first);
+  EXPECT_EQ(again[1].Get(), second);
+}
+
+TEST(ObjectPool, ReleasesTogetherOnlyWhatNobodyElseHolds) {
+  Pool pool;
+  for (std::size_t const shared : {0U, 1U}) {
+    auto handles = pool.CreateTwoObjects();
+    PoolHandle const other = handles[shared];
+    PoolHandle::ReleaseTogether(handles[0], handles[1]);
+    EXPECT_FALSE(handles[0] || handles[1]);
+    EXPECT_EQ(other.GetReferenceCount(), 1U);
+    EXPECT_EQ(Access::UseCount(*Access::CurrentBlock(pool)).load(), 1U);
+  }
+}
+
+TEST(ObjectPool, ReleasesTwoHandlesOntoOneObject) {
+  Pool pool;
+  PoolHandle first = pool.CreateObject();
+  PoolHandle second = first;
+  PoolHandle third = first;
+  PoolHandle::ReleaseTogether(first, second);
+  EXPECT_EQ(third.GetReferenceCount(), 1U);
+  PoolHandle fourth = third;
+  PoolHandle::ReleaseTogether(third, fourth);
+  EXPECT_FALSE(third || fourth);
+  EXPECT_EQ(Access::UseCount(*Access::CurrentBlock(pool)).load(), 0U);
+}
+
+TEST(ObjectPool, ReleasesABoundHandleTogetherWithAnEmptyOne) {
+  Pool pool;
+  PoolHandle bound = pool.CreateObject();
+  PoolHandle empty;
+  PoolHandle::ReleaseTogether(bound, empty);
+  EXPECT_EQ(Access::UseCount(*Access::CurrentBlock(pool)).load(), 0U);
+  bound = pool.CreateObject();
+  PoolHandle::ReleaseTogether(empty, bound);
+  EXPECT_EQ(Access::UseCount(*Access::CurrentBlock(pool)).load(), 0U);
+  PoolHandle::ReleaseTogether(empty, bound);
+  EXPECT_FALSE(empty || bound);
+}
+
+TEST(ObjectPool, ReleasesObjectsOfTwoBlocksEachToItsOwn) {
+  BlockCensus const census(sizeof(Pool::Block));
+  Pool pool;
+  auto earlier = CreateObjects(pool, 31);
+  auto handles = pool.CreateTwoObjects();
+  earlier.clear();
+  PoolHandle::ReleaseTogether(handles[0], handles[1]);
+  EXPECT_EQ(BlockCensus::GetFreed(), 1U);
+  EXPECT_EQ(Access::UseCount(*Access::CurrentBlock(pool)).load(), 0U);
+}
+
+TEST(ObjectPool, FreesASupersededBlockWithItsLastTwoObjects) {
+  BlockCensus const census(sizeof(Pool::Block));
+  Pool pool;
+  auto handles = CreateObjects(pool, 32);
+  PoolHandle const next = pool.CreateObject();
+  while (handles.size() > 2) handles.pop_back();
+  EXPECT_EQ(BlockCensus::GetFreed(), 0U);
+  PoolHandle::ReleaseTogether(handles[0], handles[1]);
+  EXPECT_EQ(BlockCensus::GetFreed(), 1U);
+}
+
 TEST(ObjectPool, ReusesReturnedObjectsInTheOrderOfTheirReturn) {
   Pool pool;
   auto handles = CreateObjects(pool, 32);

@@ -2,14 +2,21 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
 #include <limits>
 #include <numbers>
 #include <random>
+#include <span>
+#include <stdexcept>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 #include "geometry/Quaternion.h"
+#include "support/Throws.h"
 #include "support/Values.h"
 
 namespace lum {
@@ -101,6 +108,46 @@ TEST(Quaternion, TakesSineAndCosineInSinglePrecision) {
     if (cosine != static_cast<float>(std::cos(wide))) ++differences_of_precision;
   }
   EXPECT_GT(differences_of_precision, 0) << "the inputs do not tell the precisions apart";
+}
+
+TEST(Quaternion, RotatesArraysToTheBitsOfTheSingleRotation) {
+  constexpr unsigned seed = 20261123;
+  std::mt19937 random(seed);
+  std::uniform_real_distribution<float> number(-10, 10);
+  for (Quaternionf const& rotation :
+       {Quaternionf(V(0, 0, 1), 0.7F), Quaternionf(), Quaternionf(V(1, 2, 3), 5)}) {
+    for (std::size_t count = 0; count < 12; ++count) {
+      std::vector<V> vectors(count);
+      for (V& vector : vectors) vector = V(number(random), number(random), -0.0F);
+      V const guard(7, 8, 9);
+      std::vector<V> images(count + 1, guard);
+      rotation.Transform(vectors, std::span(images).first(count));
+      EXPECT_EQ(images.back(), guard);
+      auto const before = vectors;
+      rotation.Transform(vectors, vectors);
+      for (std::size_t i = 0; i < count; ++i) {
+        V const expected = rotation.Transform(before[i]);
+        for (std::size_t axis = 0; axis < 3; ++axis) {
+          EXPECT_EQ(std::bit_cast<std::uint32_t>(images[i][axis]),
+                    std::bit_cast<std::uint32_t>(expected[axis]))
+              << "seed " << seed;
+          EXPECT_EQ(std::bit_cast<std::uint32_t>(vectors[i][axis]),
+                    std::bit_cast<std::uint32_t>(expected[axis]));
+        }
+      }
+    }
+  }
+}
+
+TEST(Quaternion, ArraysOfDifferentSizesAreRefusedAndNothingIsWritten) {
+  std::vector<V> const vectors(3, V(1, 1, 1));
+  for (std::size_t const size : {0U, 2U, 4U}) {
+    std::vector<V> images(size, V(5, 5, 5));
+    EXPECT_TRUE(
+        test::Throws<std::invalid_argument>([&] { Quaternionf().Transform(vectors, images); },
+                                            "arrays to transform from and to must be of the same size"));
+    EXPECT_EQ(images, std::vector<V>(size, V(5, 5, 5)));
+  }
 }
 
 TEST(Quaternion, FromAMatrixDropsScaleAndTranslation) {

@@ -154,7 +154,8 @@ class Stepper {
 };
 
 /// Scenarios show sequentially consistent executions, which say nothing about weaker orders: an operation
-/// that asks for one ends the program. What reads a count may ask for acquire.
+/// that asks for one ends the program. Loads may ask for acquire and stores for release: what those order is
+/// argued where the words are declared, and the thread sanitizer holds them to it.
 inline void DemandOrder(std::memory_order i_order, std::memory_order i_weakest = std::memory_order_seq_cst) {
   if (i_order == std::memory_order_seq_cst || i_order == i_weakest) return;
   std::fputs("a stepped operation asks for a weaker memory order than scenarios show\n", stderr);
@@ -171,7 +172,7 @@ class SteppedAtomicRef {
     return At(Operation::kLoad);
   }
   void store(Word i_value, std::memory_order i_order = std::memory_order_seq_cst) const {
-    DemandOrder(i_order);
+    DemandOrder(i_order, std::memory_order_release);
     At(Operation::kStore) = i_value;
   }
   Word exchange(Word i_value, std::memory_order i_order = std::memory_order_seq_cst) const {

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstddef>
+#include <cstring>
+
+namespace lum::internal {
+
+/// Four numbers in vectors of 16 bytes, which every processor of ours has: a column of a transform.
+/// Arithmetic is number by number, each rounded as the scalar operation rounds it.
+///
+/// For the library's own sources: a caller's compiler may contract what is inlined into it.
+template <class T>
+class Column {
+ public:
+  static Column Load(T const* ip_values) noexcept {
+    Column column;
+    std::memcpy(&column.m_parts, ip_values, sizeof(m_parts));
+    return column;
+  }
+
+  /// Writes the first three numbers. By eight or sixteen bytes and the rest: written one by one, they would
+  /// hold up whoever reads them as a whole, as a function does that returns them.
+  void StoreThree(T* op_values) const noexcept {
+    if constexpr (kParts == 1) {
+      auto const pairs = reinterpret_cast<Pairs>(m_parts[0]);
+      auto const first = pairs[0];
+      std::memcpy(op_values, &first, sizeof(first));
+      op_values[2] = m_parts[0][2];
+    } else {
+      std::memcpy(op_values, &m_parts[0], sizeof(Part));
+      op_values[2] = m_parts[1][0];
+    }
+  }
+
+  friend Column operator+(Column const& i_a, Column const& i_b) noexcept {
+    Column sum;
+    for (std::size_t i = 0; i < kParts; ++i) sum.m_parts[i] = i_a.m_parts[i] + i_b.m_parts[i];
+    return sum;
+  }
+  friend Column operator*(Column const& i_column, T i_factor) noexcept {
+    Column product;
+    for (std::size_t i = 0; i < kParts; ++i) product.m_parts[i] = i_column.m_parts[i] * i_factor;
+    return product;
+  }
+
+ private:
+  typedef T Part __attribute__((vector_size(16)));
+  typedef long long Pairs __attribute__((vector_size(16)));
+  static constexpr std::size_t kParts = 4 * sizeof(T) / sizeof(Part);
+
+  Part m_parts[kParts];
+};
+
+}  // namespace lum::internal

@@ -1,0 +1,117 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstring>
+
+namespace lum::internal {
+
+/// As many numbers as 16 bytes hold, which every processor of ours computes with at once. Each is rounded as
+/// the scalar operation rounds it, so results do not depend on how many go together.
+///
+/// For the library's own sources: a caller's compiler may contract what is inlined into it.
+typedef float FloatLanes __attribute__((vector_size(16)));
+typedef double DoubleLanes __attribute__((vector_size(16)));
+
+template <class T>
+struct LanesOf;
+template <>
+struct LanesOf<float> {
+  using Type = FloatLanes;
+};
+template <>
+struct LanesOf<double> {
+  using Type = DoubleLanes;
+};
+template <class T>
+using Lanes = typename LanesOf<T>::Type;
+
+/// One number in every lane.
+template <class T>
+Lanes<T> Broadcast(T i_value) noexcept {
+  Lanes<T> lanes;
+  for (std::size_t i = 0; i < sizeof(lanes) / sizeof(T); ++i) lanes[i] = i_value;
+  return lanes;
+}
+
+template <class T>
+Lanes<T> LoadLanes(T const* ip_values) noexcept {
+  Lanes<T> lanes;
+  std::memcpy(&lanes, ip_values, sizeof(lanes));
+  return lanes;
+}
+
+template <class T>
+void StoreLanes(Lanes<T> const& i_lanes, T* op_values) noexcept {
+  std::memcpy(op_values, &i_lanes, sizeof(i_lanes));
+}
+
+/// The number of triples that are carried together.
+template <class T>
+constexpr std::size_t kLanes = sizeof(Lanes<T>) / sizeof(T);
+
+/// x, y and z of as many triples.
+template <class T>
+struct LaneTriple {
+  Lanes<T> x, y, z;
+};
+
+/// Reads triples that follow each other: x0 y0 z0 x1 y1 z1 ...
+inline LaneTriple<float> LoadTriples(float const* ip_values) noexcept {
+  FloatLanes const xyzx = LoadLanes(ip_values);      // x0 y0 z0 x1
+  FloatLanes const yzxy = LoadLanes(ip_values + 4);  // y1 z1 x2 y2
+  FloatLanes const zxyz = LoadLanes(ip_values + 8);  // z2 x3 y3 z3
+  FloatLanes const xy23 = __builtin_shufflevector(yzxy, zxyz, 2, 3, 5, 6);
+  FloatLanes const yz01 = __builtin_shufflevector(xyzx, yzxy, 1, 2, 4, 5);
+  return {__builtin_shufflevector(xyzx, xy23, 0, 3, 4, 6), __builtin_shufflevector(yz01, xy23, 0, 2, 5, 7),
+          __builtin_shufflevector(yz01, zxyz, 1, 3, 4, 7)};
+}
+
+inline LaneTriple<double> LoadTriples(double const* ip_values) noexcept {
+  DoubleLanes const xy = LoadLanes(ip_values);
+  DoubleLanes const zx = LoadLanes(ip_values + 2);
+  DoubleLanes const yz = LoadLanes(ip_values + 4);
+  return {__builtin_shufflevector(xy, zx, 0, 3), __builtin_shufflevector(xy, yz, 1, 2),
+          __builtin_shufflevector(zx, yz, 0, 3)};
+}
+
+/// Writes them back in the same order.
+template <class T>
+void StoreTriples(LaneTriple<T> const& i_lanes, T* op_values) noexcept;
+
+template <>
+inline void StoreTriples<float>(LaneTriple<float> const& i_lanes, float* op_values) noexcept {
+  auto const& [x, y, z] = i_lanes;
+  FloatLanes const xy02 = __builtin_shufflevector(x, y, 0, 2, 4, 6);
+  FloatLanes const yz13 = __builtin_shufflevector(y, z, 1, 3, 5, 7);
+  FloatLanes const zx = __builtin_shufflevector(z, x, 0, 2, 5, 7);  // z0 z2 x1 x3
+  StoreLanes<float>(__builtin_shufflevector(xy02, zx, 0, 2, 4, 6), op_values);
+  StoreLanes<float>(__builtin_shufflevector(yz13, xy02, 0, 2, 5, 7), op_values + 4);
+  StoreLanes<float>(__builtin_shufflevector(zx, yz13, 1, 3, 5, 7), op_values + 8);
+}
+
+template <>
+inline void StoreTriples<double>(LaneTriple<double> const& i_lanes, double* op_values) noexcept {
+  auto const& [x, y, z] = i_lanes;
+  StoreLanes<double>(__builtin_shufflevector(x, y, 0, 2), op_values);
+  StoreLanes<double>(__builtin_shufflevector(z, x, 0, 3), op_values + 2);
+  StoreLanes<double>(__builtin_shufflevector(y, z, 1, 3), op_values + 4);
+}
+
+/// Carries every triple of an array by an operation that reads and writes `kLanes` of them. The arrays may be
+/// one and the same.
+template <class T, class Operation>
+void CarryTriples(T const* ip_values, T* op_values, std::size_t i_count, Operation const& i_carry) noexcept {
+  constexpr std::size_t step = 3 * kLanes<T>;
+  for (; i_count >= kLanes<T>; i_count -= kLanes<T>, ip_values += step, op_values += step) {
+    i_carry(ip_values, op_values);
+  }
+  if (i_count == 0) return;
+  // What is left is carried in the company of zeros.
+  std::array<T, step> rest{};
+  std::memcpy(rest.data(), ip_values, 3 * i_count * sizeof(T));
+  i_carry(rest.data(), rest.data());
+  std::memcpy(op_values, rest.data(), 3 * i_count * sizeof(T));
+}
+
+}  // namespace lum::internal

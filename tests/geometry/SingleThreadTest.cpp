@@ -1,0 +1,89 @@
+#include <gtest/gtest.h>
+#include <sys/single_threaded.h>
+
+#include <atomic>
+#include <cstddef>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#include "geometry/SingleThread.h"
+#include "support/Stepping.h"
+
+namespace lum::internal {
+namespace {
+
+using Counter = std::atomic<unsigned long>;
+
+// The first test has to run before any other starts a thread.
+TEST(SingleThread, IsWhatTheCLibrarySaysForStandardTypesOnly) {
+  EXPECT_EQ(IsSingleThreaded<Counter>(), static_cast<bool>(__libc_single_threaded));
+  EXPECT_EQ(IsSingleThreaded<std::mutex>(), static_cast<bool>(__libc_single_threaded));
+  EXPECT_FALSE(IsSingleThreaded<test::SteppedAtomic<unsigned long>>());
+  EXPECT_FALSE(IsSingleThreaded<test::SteppedMutex>());
+  Counter counter{5};
+  EXPECT_EQ(FetchAdd(counter, 2), 5U);
+  EXPECT_EQ(FetchSubtract(counter, 3), 7U);
+  EXPECT_EQ(counter, 4U);
+  std::mutex mutex;
+  {
+    ThreadLock const lock(mutex);
+    bool const is_free = mutex.try_lock();
+    EXPECT_EQ(is_free, static_cast<bool>(__libc_single_threaded)) << "one thread needs no lock";
+    if (is_free) mutex.unlock();
+  }
+  EXPECT_TRUE(mutex.try_lock());
+  mutex.unlock();
+}
+
+TEST(SingleThread, EndsWithTheFirstThread) {
+  std::thread([] { EXPECT_FALSE(IsSingleThreaded<Counter>()); }).join();
+}
+
+// Every addition and subtraction of every thread counts, and no two threads see the same value before.
+TEST(SingleThread, ThreadsCountTogether) {
+  constexpr unsigned long rounds = 20000;
+  Counter counter{0};
+  std::vector<unsigned char> seen(2 * rounds, 0);
+  {
+    std::vector<std::jthread> threads;
+    for (int i = 0; i < 2; ++i) {
+      threads.emplace_back([&counter, &seen] {
+        for (unsigned long round = 0; round < rounds; ++round) seen[FetchAdd(counter, 1)] = 1;
+      });
+    }
+  }
+  EXPECT_EQ(counter, 2 * rounds);
+  for (unsigned char const is_seen : seen) ASSERT_EQ(is_seen, 1);
+  {
+    std::vector<std::jthread> threads;
+    for (int i = 0; i < 2; ++i) {
+      threads.emplace_back([&counter] {
+        for (unsigned long round = 0; round < rounds; ++round) FetchSubtract(counter, 1);
+      });
+    }
+  }
+  EXPECT_EQ(counter, 0U);
+}
+
+// A plain number, changed by two threads under the lock only.
+TEST(SingleThread, TheLockKeepsThreadsApart) {
+  constexpr int rounds = 20000;
+  std::mutex mutex;
+  int number = 0;
+  {
+    std::vector<std::jthread> threads;
+    for (int i = 0; i < 2; ++i) {
+      threads.emplace_back([&mutex, &number] {
+        for (int round = 0; round < rounds; ++round) {
+          ThreadLock const lock(mutex);
+          ++number;
+        }
+      });
+    }
+  }
+  EXPECT_EQ(number, 2 * rounds);
+}
+
+}  // namespace
+}  // namespace lum::internal

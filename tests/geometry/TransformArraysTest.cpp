@@ -1,0 +1,132 @@
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <limits>
+#include <random>
+#include <span>
+#include <stdexcept>
+#include <vector>
+
+#include "geometry/Matrix.h"
+#include "support/Throws.h"
+
+namespace lum {
+namespace {
+
+constexpr char const* message = "arrays to transform from and to must be of the same size";
+
+template <class T>
+class TransformArrays : public testing::Test {
+ protected:
+  // Of any kind of number: zeros of both signs, huge and tiny ones, infinities.
+  template <class Value>
+  std::vector<Value> Make(std::size_t i_count) {
+    constexpr T infinity = std::numeric_limits<T>::infinity();
+    constexpr T huge = std::numeric_limits<T>::max();
+    constexpr std::array<T, 6> special = {0, -T(0), infinity, huge, std::numeric_limits<T>::denorm_min(), 1};
+    std::uniform_real_distribution<T> uniform(-10, 10);
+    auto const number = [&] {
+      auto const choice = m_random() % 40;
+      return choice < special.size() ? special[choice] : uniform(m_random);
+    };
+    std::vector<Value> values;
+    while (values.size() < i_count) values.push_back(Value(number(), number(), number()));
+    return values;
+  }
+
+  std::vector<Matrix<T>> MakeMatrices() {
+    std::array<T, 16> values{};
+    std::uniform_real_distribution<T> uniform(-2, 2);
+    for (T& value : values) value = uniform(m_random);
+    T const infinity = std::numeric_limits<T>::infinity();
+    return {Matrix<T>(values.data()), Matrix<T>::Translate(1, -2, infinity), Matrix<T>::Scale(-T(0), 2, 3),
+            Matrix<T>::Rotate(Vector<T, 3>(0, 0, 1), T(0.3)) * Matrix<T>::Translate(1, 2, 3), Matrix<T>()};
+  }
+
+  // The values and every NaN among them; signs of NaNs are the processor's choice of operand.
+  template <class Value>
+  static void ExpectSame(Value const& i_actual, Value const& i_expected) {
+    for (std::size_t i = 0; i < 3; ++i) {
+      if (std::isnan(i_expected[i])) {
+        EXPECT_TRUE(std::isnan(i_actual[i]));
+      } else {
+        EXPECT_EQ(i_actual[i], i_expected[i]) << "seed " << kSeed;
+        EXPECT_EQ(std::signbit(i_actual[i]), std::signbit(i_expected[i])) << "seed " << kSeed;
+      }
+    }
+  }
+
+  static constexpr unsigned kSeed = 20261123;
+  std::mt19937 m_random{kSeed};
+};
+using Precisions = testing::Types<float, double>;
+TYPED_TEST_SUITE(TransformArrays, Precisions);
+
+TYPED_TEST(TransformArrays, GiveTheBitsOfTheSingleProduct) {
+  using P = Point<TypeParam, 3>;
+  using V = Vector<TypeParam, 3>;
+  for (Matrix<TypeParam> const& matrix : this->MakeMatrices()) {
+    for (std::size_t count = 0; count < 20; ++count) {
+      auto const points = this->template Make<P>(count);
+      std::vector<P> images(count);
+      TransformPoints(matrix, points, images);
+      for (std::size_t i = 0; i < count; ++i) this->ExpectSame(images[i], matrix * points[i]);
+      auto const vectors = this->template Make<V>(count);
+      std::vector<V> turned(count);
+      TransformVectors(matrix, vectors, turned);
+      for (std::size_t i = 0; i < count; ++i) this->ExpectSame(turned[i], matrix * vectors[i]);
+    }
+  }
+}
+
+TYPED_TEST(TransformArrays, MayBeOneAndTheSame) {
+  using P = Point<TypeParam, 3>;
+  using V = Vector<TypeParam, 3>;
+  for (Matrix<TypeParam> const& matrix : this->MakeMatrices()) {
+    auto points = this->template Make<P>(23);
+    auto const before = points;
+    TransformPoints(matrix, points, points);
+    for (std::size_t i = 0; i < points.size(); ++i) this->ExpectSame(points[i], matrix * before[i]);
+    auto vectors = this->template Make<V>(23);
+    auto const first = vectors;
+    TransformVectors(matrix, vectors, vectors);
+    for (std::size_t i = 0; i < vectors.size(); ++i) this->ExpectSame(vectors[i], matrix * first[i]);
+  }
+}
+
+TYPED_TEST(TransformArrays, WriteNothingBeyondTheirEnds) {
+  using P = Point<TypeParam, 3>;
+  auto const matrix = Matrix<TypeParam>::Scale(2);
+  for (std::size_t count = 0; count < 10; ++count) {
+    auto const points = this->template Make<P>(count);
+    P const guard(7, 8, 9);
+    std::vector<P> images(count + 2, guard);
+    TransformPoints(matrix, points, std::span(images).subspan(1, count));
+    EXPECT_EQ(images.front(), guard);
+    EXPECT_EQ(images.back(), guard);
+  }
+}
+
+TYPED_TEST(TransformArrays, OfDifferentSizesAreRefusedAndNothingIsWritten) {
+  using P = Point<TypeParam, 3>;
+  using V = Vector<TypeParam, 3>;
+  for (Matrix<TypeParam> const& matrix : {Matrix<TypeParam>(), Matrix<TypeParam>::Translate(1, 2, 3)}) {
+    std::vector<P> const points(3, P(1, 1, 1));
+    std::vector<V> const vectors(3, V(1, 1, 1));
+    for (std::size_t const size : {0U, 2U, 4U}) {
+      std::vector<P> images(size, P(5, 5, 5));
+      EXPECT_TRUE(
+          test::Throws<std::invalid_argument>([&] { TransformPoints(matrix, points, images); }, message));
+      EXPECT_EQ(images, std::vector<P>(size, P(5, 5, 5)));
+      std::vector<V> turned(size, V(5, 5, 5));
+      EXPECT_TRUE(
+          test::Throws<std::invalid_argument>([&] { TransformVectors(matrix, vectors, turned); }, message));
+      EXPECT_EQ(turned, std::vector<V>(size, V(5, 5, 5)));
+    }
+  }
+}
+
+}  // namespace
+}  // namespace lum
