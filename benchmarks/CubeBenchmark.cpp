@@ -75,7 +75,7 @@ void Register() {
       Unrolled([](Values const& i_values) { return CountByIterators(i_values); }));
   Add("12 edges unrolled", "table", Unrolled([](Values const& i_values) { return CountByTable(i_values); }));
   Add("12 edges in a loop", "lum", InALoop([](std::size_t i) {
-        CubeVertexIterable<Edge> const vertices(CubeEdgeIterable<Cube>()[i]);
+        CubeVertexIterable<Edge> const vertices{CubeEdgeIterable<Cube>()[i]};
         return Ends{static_cast<std::size_t>(vertices[0]), static_cast<std::size_t>(vertices[1])};
       }));
   Add("12 edges in a loop", "table", InALoop([](std::size_t i) { return Ends{table[i][0], table[i][1]}; }));

@@ -166,7 +166,7 @@ bool ObjectPoolBlock<T, Size, Alignment, Policy>::ReturnSlot(T const* ip_object)
 
 template <class T, std::size_t Size, std::size_t Alignment, class Policy>
 bool ObjectPoolBlock<T, Size, Alignment, Policy>::ReturnTwoSlots(T const* ip_first,
-                                                                        T const* ip_second) noexcept {
+                                                                 T const* ip_second) noexcept {
   // Near its last value the position is advanced in steps of one, which know how to reset it.
   if (m_return_position.load() >= kLastPosition - 1) {
     StoreSlot(ClaimPosition(m_return_position), ip_first);

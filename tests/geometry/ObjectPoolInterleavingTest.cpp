@@ -73,8 +73,8 @@ class ObjectPoolInterleaving : public testing::Test {
   std::size_t m_late_accesses = 0;
 };
 
-// A take is stopped between reading its ring entry and marking it. Were that not under the lock, another thread
-// could read the same entry now.
+// A take is stopped between reading its ring entry and marking it. Were that not under the lock, another
+// thread could read the same entry now.
 TEST_F(ObjectPoolInterleaving, ATakeIsNotOvertakenBeforeItMarksItsEntry) {
   PoolHandle first;
   PoolHandle second;
