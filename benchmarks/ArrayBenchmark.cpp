@@ -45,10 +45,9 @@ void AddOne() {
 template <class In, class Out, class Step>
 auto OnArrays(In const& i_in, Out const& i_out, Step const& i_step) {
   return [i_in, i_out, i_step](benchmark::State& io_state) {
-    In const in = i_in;
     Out out = i_out;
     for ([[maybe_unused]] auto const iteration : io_state) {
-      i_step(in, out);
+      i_step(i_in, out);
       benchmark::DoNotOptimize(out.data());
       benchmark::ClobberMemory();
     }

@@ -17,6 +17,7 @@ benchmark::internal::Benchmark* Add(std::string const& i_row, std::string const&
 template <class Step>
 auto Repeat(Step i_step) {
   return [i_step](benchmark::State& io_state) {
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): a step may change what it has captured
     auto step = i_step;
     for ([[maybe_unused]] auto const iteration : io_state) {
       auto result = step();

@@ -118,8 +118,8 @@ void AddSharing() {
   auto const matrix = Matrix<T>::Translate(1, 2, 3);
   auto const pair = Pair<T>::Translate(1, 2, 3);
   Matrix<T> const identity;
-  auto const copy_pair = Repeat([pair] { return pair; });
-  Add("copy" + of, "lum", Repeat([matrix] { return matrix; }));
+  auto const copy_pair = Repeat([pair] { return Pair<T>(pair); });
+  Add("copy" + of, "lum", Repeat([matrix] { return Matrix<T>(matrix); }));
   Add("copy" + of, "R", copy_pair);
   Add("GetInverse" + of, "lum", Repeat([matrix] { return matrix.GetInverse(); }));
   Add("GetInverse" + of, "R", copy_pair);
