@@ -41,13 +41,30 @@ void AddOne() {
       }));
 }
 
-// Runs a step on arrays, and has the compiler take them for read and written.
-template <class In, class Out, class Step>
-auto OnArrays(In const& i_in, Out const& i_out, Step const& i_step) {
-  return [i_in, i_out, i_step](benchmark::State& io_state) {
-    Out out = i_out;
+// Runs a step on lists of so many values, made while it runs, and has the compiler take them for read and
+// written.
+template <class Value, class Step>
+auto OnLists(std::size_t i_count, Value const& i_value, Step const& i_step) {
+  return [i_count, i_value, i_step](benchmark::State& io_state) {
+    std::vector<Value> const in(i_count, i_value);
+    std::vector<Value> out(in);
     for ([[maybe_unused]] auto const iteration : io_state) {
-      i_step(i_in, out);
+      i_step(in, out);
+      benchmark::DoNotOptimize(out.data());
+      benchmark::ClobberMemory();
+    }
+  };
+}
+
+// The same for the columns of a matrix.
+template <class T, class Step>
+auto OnColumns(std::size_t i_count, Step const& i_step) {
+  return [i_count, i_step](benchmark::State& io_state) {
+    using Columns = Eigen::Matrix<T, 3, Eigen::Dynamic>;
+    Columns const in = Columns::Constant(3, static_cast<Eigen::Index>(i_count), 2);
+    Columns out(in);
+    for ([[maybe_unused]] auto const iteration : io_state) {
+      i_step(in, out);
       benchmark::DoNotOptimize(out.data());
       benchmark::ClobberMemory();
     }
@@ -56,50 +73,39 @@ auto OnArrays(In const& i_in, Out const& i_out, Step const& i_step) {
 
 template <class T>
 void AddArrays(std::size_t i_count) {
-  std::string const of = std::to_string(i_count) + " ";
-  std::string const kind = ", " + GetName<T>();
+  std::string const points = std::to_string(i_count) + " points, " + GetName<T>();
+  std::string const vectors = std::to_string(i_count) + " vectors, " + GetName<T>();
   using EigenVector = Eigen::Matrix<T, 3, 1>;
-  using EigenArray = Eigen::Matrix<T, 3, Eigen::Dynamic>;
-  auto const columns = static_cast<Eigen::Index>(i_count);
-
-  std::vector<Point<T, 3>> const points(i_count, Point<T, 3>(1, 2, 3));
-  std::vector<Vector<T, 3>> const vectors(i_count, Vector<T, 3>(1, 2, 3));
-  std::vector<EigenVector> const eigen_list(i_count, EigenVector(1, 2, 3));
-  EigenArray const eigen_array = EigenArray::Constant(3, columns, 2);
+  EigenVector const value(1, 2, 3);
   auto const transform = MakeEigen<T>();
   EigenVector const translation = transform.translation();
   Eigen::Matrix<T, 3, 3> const linear = transform.linear();
 
-  Add(of + "points" + kind, "lum",
-      OnArrays(points, points,
-               [matrix = MakeMatrix<T>()](auto const& in, auto& out) { TransformPoints(matrix, in, out); }));
-  Add(of + "points" + kind, "Eigen in a loop",
-      OnArrays(eigen_list, eigen_list, [transform](auto const& in, auto& out) {
+  Add(points, "lum",
+      OnLists(i_count, Point<T, 3>(1, 2, 3),
+              [matrix = MakeMatrix<T>()](auto const& in, auto& out) { TransformPoints(matrix, in, out); }));
+  Add(points, "Eigen in a loop", OnLists(i_count, value, [transform](auto const& in, auto& out) {
         for (std::size_t i = 0; i < in.size(); ++i) out[i] = transform * in[i];
       }));
-  Add(of + "points" + kind, "Eigen, product and sum",
-      OnArrays(eigen_array, eigen_array, [linear, translation](auto const& in, auto& out) {
+  Add(points, "Eigen, product and sum",
+      OnColumns<T>(i_count, [linear, translation](auto const& in, auto& out) {
         out.noalias() = linear * in;
         out.colwise() += translation;
       }));
-  Add(of + "points" + kind, "Eigen, lazy product",
-      OnArrays(eigen_array, eigen_array, [linear, translation](auto const& in, auto& out) {
+  Add(points, "Eigen, lazy product", OnColumns<T>(i_count, [linear, translation](auto const& in, auto& out) {
         out = linear.lazyProduct(in).colwise() + translation;
       }));
 
-  Add(of + "vectors" + kind, "lum",
-      OnArrays(vectors, vectors,
-               [matrix = MakeMatrix<T>()](auto const& in, auto& out) { TransformVectors(matrix, in, out); }));
-  Add(of + "vectors" + kind, "Eigen in a loop",
-      OnArrays(eigen_list, eigen_list, [linear](auto const& in, auto& out) {
+  Add(vectors, "lum",
+      OnLists(i_count, Vector<T, 3>(1, 2, 3),
+              [matrix = MakeMatrix<T>()](auto const& in, auto& out) { TransformVectors(matrix, in, out); }));
+  Add(vectors, "Eigen in a loop", OnLists(i_count, value, [linear](auto const& in, auto& out) {
         for (std::size_t i = 0; i < in.size(); ++i) out[i] = linear * in[i];
       }));
-  Add(of + "vectors" + kind, "Eigen, product",
-      OnArrays(eigen_array, eigen_array,
-               [linear](auto const& in, auto& out) { out.noalias() = linear * in; }));
-  Add(of + "vectors" + kind, "Eigen, lazy product",
-      OnArrays(eigen_array, eigen_array,
-               [linear](auto const& in, auto& out) { out = linear.lazyProduct(in); }));
+  Add(vectors, "Eigen, product",
+      OnColumns<T>(i_count, [linear](auto const& in, auto& out) { out.noalias() = linear * in; }));
+  Add(vectors, "Eigen, lazy product",
+      OnColumns<T>(i_count, [linear](auto const& in, auto& out) { out = linear.lazyProduct(in); }));
 }
 
 void AddRotations() {
@@ -134,11 +140,10 @@ void AddRotations() {
       }));
 
   constexpr std::size_t count = 4096;
-  std::vector<Vector<float, 3>> const vectors(count, Vector<float, 3>(1, 2, 3));
-  std::vector<Eigen::Vector3f> const eigen(count, Eigen::Vector3f(1, 2, 3));
   Add("4096 vectors rotated", "lum",
-      OnArrays(vectors, vectors, [a](auto const& in, auto& out) { a.Transform(in, out); }));
-  Add("4096 vectors rotated", "Eigen", OnArrays(eigen, eigen, [eigen_a](auto const& in, auto& out) {
+      OnLists(count, Vector<float, 3>(1, 2, 3), [a](auto const& in, auto& out) { a.Transform(in, out); }));
+  Add("4096 vectors rotated", "Eigen",
+      OnLists(count, Eigen::Vector3f(1, 2, 3), [eigen_a](auto const& in, auto& out) {
         for (std::size_t i = 0; i < in.size(); ++i) out[i] = eigen_a * in[i];
       }));
 }

@@ -64,7 +64,7 @@ void ForEach(Function const& i_function) {
 #endif
 }
 
-// One thread makes, the other releases: a mailbox of one value between them.
+// One thread makes 256, the other releases them.
 template <class Make>
 auto HandOver(Make const& i_make) {
   return [i_make](benchmark::State& io_state) {
@@ -115,7 +115,7 @@ void Register() {
     Add("one object, two threads", ip_who, Repeat(i_make))->Threads(2)->UseRealTime();
   });
   ForEach([](char const* ip_who, auto const& i_make) {
-    Add("made here, released there", ip_who, HandOver(i_make))->UseRealTime();
+    Add("256 made here, released there", ip_who, HandOver(i_make))->UseRealTime();
   });
   static auto const matrix = Matrix<float>::Translate(1, 2, 3);
   static auto const pair = std::pair(MakeShared(), MakeShared());

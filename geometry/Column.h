@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <cstring>
 
+#include "geometry/Lanes.h"
+
 namespace lum::internal {
 
 /// Four numbers in vectors of 16 bytes, which every processor of ours has: a column of a transform.
@@ -44,8 +46,8 @@ class Column {
   }
 
  private:
-  typedef T Part __attribute__((vector_size(16)));
-  typedef long long Pairs __attribute__((vector_size(16)));
+  using Part = Lanes<T>;
+  using Pairs = long long __attribute__((vector_size(16)));
   static constexpr std::size_t kParts = 4 * sizeof(T) / sizeof(Part);
 
   Part m_parts[kParts];

@@ -79,7 +79,7 @@ class Handle {
 
   T* mp_object = nullptr;
   // Changed only by sequentially consistent adds and subtracts, so exactly one release sees the 1; and by
-  // plain stores while one handle is all there is.
+  // plain stores where one handle is all there is, or one thread.
   C* mp_reference_count = nullptr;
   D m_delete{};
 };

@@ -10,8 +10,8 @@ namespace lum::internal {
 /// the scalar operation rounds it, so results do not depend on how many go together.
 ///
 /// For the library's own sources: a caller's compiler may contract what is inlined into it.
-typedef float FloatLanes __attribute__((vector_size(16)));
-typedef double DoubleLanes __attribute__((vector_size(16)));
+using FloatLanes = float __attribute__((vector_size(16)));
+using DoubleLanes = double __attribute__((vector_size(16)));
 
 template <class T>
 struct LanesOf;

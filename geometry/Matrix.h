@@ -173,12 +173,12 @@ inline void Matrix<T>::RequireInverse() const {
   if (!m_inverse) ThrowNoInverse();
 }
 
-/// Carries every point of an array as the product with one point does, to the same bits; a known identity
-/// copies.
+/// Carries every point of an array as the product with one point does, to the same bits but for
+/// signs and payloads of NaNs; a known identity copies.
 ///
 /// The arrays may be one and the same, but must not overlap otherwise. Arrays of different sizes throw
-/// `std::invalid_argument`, and nothing is written then. Takes nothing from the pools; counts are not
-/// touched.
+/// `std::invalid_argument`, and nothing is written then. Takes nothing from the pools but the
+/// identity, on its first use in a process; counts are not touched.
 LUM_EXPORT void TransformPoints(Matrix<float> const& i_matrix, std::span<Point<float, 3> const> i_points,
                                 std::span<Point<float, 3>> o_points);
 LUM_EXPORT void TransformPoints(Matrix<double> const& i_matrix, std::span<Point<double, 3> const> i_points,

@@ -93,7 +93,8 @@ ObjectPool<T, Size, Alignment, Policy>::CreateTwoObjects() {
     }
   }
   ObjectHandle first = CreateObject();
-  return {std::move(first), CreateObject()};
+  ObjectHandle second = CreateObject();
+  return {std::move(first), std::move(second)};
 }
 
 template <class T, std::size_t Size, std::size_t Alignment, class Policy>

@@ -35,8 +35,9 @@ namespace lum {
 /// Objects are raw storage. No constructor or destructor of T ever runs, and a recycled slot still holds the
 /// bytes of its previous object.
 ///
-/// Thread safety: `ReturnSlot` from any number of threads at once. `TakeSlot` and `Supersede` are serialised
-/// by the caller (the pool's current-block mutex, or a block that no other thread knows yet).
+/// Thread safety: `ReturnSlot` and `ReturnTwoSlots` from any number of threads at once. `TakeSlot`,
+/// `TakeTwoSlots` and `Supersede` are serialised by the caller (the pool's current-block mutex, or a block
+/// that no other thread knows yet).
 ///
 /// \tparam Size       objects in the block; a power of two, so that the ring goes on without a gap when a
 ///                    position wraps
@@ -92,7 +93,8 @@ class ObjectPoolBlock {
   static std::size_t ClaimPosition(Counter& io_position) noexcept;
   void StoreSlot(std::size_t i_position, T const* ip_object) noexcept;
 
-  // Changed only by atomic read-modify-writes, so the one that reaches kSuperseded alone is unique.
+  // Changed only by atomic read-modify-writes, or by one thread alone, so the one that reaches kSuperseded
+  // alone is unique.
   Counter m_use_count{0};
   // Running count of takes. Only the one take that the caller lets in reads and writes it.
   Counter m_take_position{0};
@@ -167,15 +169,9 @@ bool ObjectPoolBlock<T, Size, Alignment, Policy>::ReturnSlot(T const* ip_object)
 template <class T, std::size_t Size, std::size_t Alignment, class Policy>
 bool ObjectPoolBlock<T, Size, Alignment, Policy>::ReturnTwoSlots(T const* ip_first,
                                                                  T const* ip_second) noexcept {
-  // Near its last value the position is advanced in steps of one, which know how to reset it.
-  if (m_return_position.load() >= kLastPosition - 1) {
-    StoreSlot(ClaimPosition(m_return_position), ip_first);
-    StoreSlot(ClaimPosition(m_return_position), ip_second);
-  } else {
-    unsigned long const position = internal::FetchAdd(m_return_position, 2);
-    StoreSlot(position % Size, ip_first);
-    StoreSlot((position + 1) % Size, ip_second);
-  }
+  unsigned long const position = internal::FetchAdd(m_return_position, 2);
+  StoreSlot(position % Size, ip_first);
+  StoreSlot((position + 1) % Size, ip_second);
   return internal::FetchSubtract(m_use_count, 2) == (kSuperseded | 2);
 }
 
@@ -191,8 +187,9 @@ bool ObjectPoolBlock<T, Size, Alignment, Policy>::Supersede() noexcept {
   return m_use_count.fetch_or(kSuperseded) == 0;
 }
 
-// At their last value the positions are reset rather than left to wrap in the add; the plain load first
-// keeps a compare-exchange that would fail off every other call.
+// At its last value the position is reset rather than left to wrap in the add, which comes to the same: the
+// ring goes on where 2^64 is a multiple of its size. The plain load first keeps a compare-exchange that would
+// fail off every other call.
 template <class T, std::size_t Size, std::size_t Alignment, class Policy>
 inline std::size_t ObjectPoolBlock<T, Size, Alignment, Policy>::ClaimPosition(Counter& io_position) noexcept {
   unsigned long last = kLastPosition;

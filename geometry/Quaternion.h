@@ -53,7 +53,8 @@ class LUM_EXPORT Quaternionf {
 
   /// v + w u + q x u with u = 2 (q x v), where q is the vector part.
   Vector<float, 3> Transform(Vector<float, 3> const& i_vector) const;
-  /// Rotates every vector of an array as the above does one, to the same bits.
+  /// Rotates every vector of an array as the above does one, to the same bits but for signs and payloads of
+  /// NaNs.
   ///
   /// The arrays may be one and the same, but must not overlap otherwise. Arrays of different sizes throw
   /// `std::invalid_argument`, and nothing is written then.

@@ -47,10 +47,7 @@ inline claim_and_read() {
   }
   d_step {
     assert(!freed);
-    slot = ring[position];
-#ifndef NO_MARK
-    ring[position] = TAKEN
-#endif
+    slot = ring[position]
   }
   if
   :: slot == TAKEN ->
@@ -59,6 +56,12 @@ inline claim_and_read() {
       use_count--
     }
   :: else ->
+#ifndef NO_MARK
+    d_step {
+      assert(!freed);
+      ring[position] = TAKEN
+    }
+#endif
     d_step {
       assert(!freed);
       take_position++

@@ -56,23 +56,35 @@ class ObjectPoolStress : public testing::TestWithParam<Load> {
     std::vector<Stamped> own;
     for (std::size_t round = 0; round < kRounds; ++round) {
       std::size_t const target = random() % (GetParam().live + 1);
-      while (own.size() < target) own.push_back(Take(++stamp));
+      while (own.size() < target) {
+        if (own.size() + 2 <= target && random() % 2 == 0) {
+          auto [first, second] = m_pool.CreateTwoObjects();
+          own.push_back(Stamp(std::move(first), ++stamp));
+          own.push_back(Stamp(std::move(second), ++stamp));
+        } else {
+          own.push_back(Stamp(m_pool.CreateObject(), ++stamp));
+        }
+      }
       std::shuffle(own.begin(), own.end(), random);
       if (round % 16 == 0) Exchange(own);
       std::size_t const kept = own.empty() ? 0 : random() % own.size();
       while (own.size() > kept) {
         Check(own.back());
+        if (own.size() >= kept + 2 && random() % 2 == 0) {
+          Check(own[own.size() - 2]);
+          PoolHandle::ReleaseTogether(own.back().handle, own[own.size() - 2].handle);
+          own.pop_back();
+        }
         own.pop_back();
       }
     }
     for (Stamped const& stamped : own) Check(stamped);
   }
 
-  Stamped Take(unsigned long i_stamp) {
-    PoolHandle handle = m_pool.CreateObject();
-    handle->fill(i_stamp);
-    if (handle.GetReferenceCount() != 1) ++m_foreign_counts;
-    return {std::move(handle), i_stamp};
+  Stamped Stamp(PoolHandle i_handle, unsigned long i_stamp) {
+    i_handle->fill(i_stamp);
+    if (i_handle.GetReferenceCount() != 1) ++m_foreign_counts;
+    return {std::move(i_handle), i_stamp};
   }
 
   void Check(Stamped const& i_stamped) {

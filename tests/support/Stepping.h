@@ -155,7 +155,7 @@ class Stepper {
 
 /// Scenarios show sequentially consistent executions, which say nothing about weaker orders: an operation
 /// that asks for one ends the program. Loads may ask for acquire and stores for release: what those order is
-/// argued where the words are declared, and the thread sanitizer holds them to it.
+/// argued where the words are declared.
 inline void DemandOrder(std::memory_order i_order, std::memory_order i_weakest = std::memory_order_seq_cst) {
   if (i_order == std::memory_order_seq_cst || i_order == i_weakest) return;
   std::fputs("a stepped operation asks for a weaker memory order than scenarios show\n", stderr);
