@@ -150,7 +150,7 @@ void Handle<T, C, D>::Release() noexcept(kReleasesQuietly) {
   T* const object = std::exchange(mp_object, nullptr);
   C* const reference_count = std::exchange(mp_reference_count, nullptr);
   D release = std::exchange(m_delete, D{});
-  if (reference_count != nullptr && DropReference(*reference_count)) release(object);
+  if (DropReference(*reference_count)) release(object);
 }
 
 // A count of 1 is this handle's own, and no other is there that could raise it. The acquire load puts what

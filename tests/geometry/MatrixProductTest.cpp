@@ -5,6 +5,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <cstdlib>
 #include <limits>
 #include <random>
 #include <stdexcept>
@@ -29,6 +30,9 @@ class MatrixProduct : public testing::Test {
 };
 using Precisions = testing::Types<float, double>;
 TYPED_TEST_SUITE(MatrixProduct, Precisions);
+template <class T>
+class MatrixProductDeathTest : public testing::Test {};
+TYPED_TEST_SUITE(MatrixProductDeathTest, Precisions);
 
 // Column j is B(0,j) A0 + B(1,j) A1 + B(2,j) A2 + B(3,j) A3, one operation at a time.
 template <class T>
@@ -257,6 +261,19 @@ TYPED_TEST(MatrixProduct, APlaneWhoseImageNormalVanishesThrows) {
   auto const matrix = Matrix<TypeParam>::Scale(huge);
   EXPECT_TRUE(test::Throws<std::invalid_argument>([&] { matrix* Plane<TypeParam>(1, 0, 0, 1); },
                                                   "i_a, i_b, i_c cannot be all zeroes"));
+}
+
+// NOLINTNEXTLINE(concurrency-mt-unsafe): the process that ends has one thread
+[[noreturn]] void ExitWith(bool i_is_right) { std::exit(i_is_right ? 0 : 1); }
+
+// Each in a process of its own, where nothing has asked for the identity before.
+TYPED_TEST(MatrixProductDeathTest, TheFirstApplicationOfAProcessIsAsAnyOther) {
+  using M = Matrix<TypeParam>;
+  using V = Vector<TypeParam, 3>;
+  using P = Point<TypeParam, 3>;
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  EXPECT_EXIT(ExitWith(M::Translate(1, 2, 3) * V(4, 5, 6) == V(4, 5, 6)), testing::ExitedWithCode(0), "");
+  EXPECT_EXIT(ExitWith(M::Translate(1, 2, 3) * P(4, 5, 6) == P(5, 7, 9)), testing::ExitedWithCode(0), "");
 }
 
 }  // namespace

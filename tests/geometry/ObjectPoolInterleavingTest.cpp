@@ -191,6 +191,23 @@ TEST_F(ObjectPoolInterleaving, ALockThatFailsLeavesThePoolAsItWas) {
   EXPECT_EQ(Access::CurrentBlock(*m_pool), m_first_block);
 }
 
+// Two objects, the last of a block and the first of the next, take the lock five times: each of them may
+// fail.
+TEST_F(ObjectPoolInterleaving, ALockThatFailsWhileTwoAreTakenLosesNothing) {
+  FillTo(31);
+  auto& mutex = Access::CurrentBlockMutex(*m_pool);
+  for (int locks = 0; locks < 5; ++locks) {
+    mutex.FailAfter(locks);
+    EXPECT_TRUE(
+        test::Throws<std::runtime_error>([&] { m_pool->CreateTwoObjects(); }, "the mutex cannot be locked"));
+    mutex.FailAfter(-1);
+    EXPECT_EQ(Access::UseCount(*m_first_block).load(), 31U);
+    EXPECT_EQ(Access::CurrentBlock(*m_pool), m_first_block);
+  }
+  for (PoolHandle& handle : m_pool->CreateTwoObjects()) m_handles.push_back(std::move(handle));
+  EXPECT_EQ(GetDistinctObjects().size(), 33U);
+}
+
 // A thread that finds the creation mutex taken goes on trying, and gets the block that the other made.
 TEST_F(ObjectPoolInterleaving, OnlyTheHolderOfTheCreationMutexAllocates) {
   FillTo(32);
