@@ -49,14 +49,16 @@ double Cubic(double i_x) { return (i_x * i_x - 2) * i_x - 5; }
 
 constexpr double kTolerance = 1e-10;
 
-// The method as lum runs it, on a function that the compiler sees.
-double FindRoot(double a, double b) {
-  double fa = Cubic(a);
-  double fb = Cubic(b);
+// The method as lum runs it: each end is evaluated twice.
+template <class Function>
+double FindRoot(Function const& i_function, double a, double b) {
+  if (i_function(a) * i_function(b) > 0) return std::numeric_limits<double>::quiet_NaN();
+  double fa = i_function(a);
+  double fb = i_function(b);
   for (;;) {
     double const t = -fa / (fb - fa);
     double const x = b * t + (1 - t) * a;
-    double const fx = Cubic(x);
+    double const fx = i_function(x);
     if (fa * fx <= 0) {
       b = x;
       fb = fx;
@@ -75,30 +77,11 @@ void AddRoots() {
       }));
   Add("root of a cubic", "bare recipe", Repeat([upper = 3.0]() mutable {
         benchmark::DoNotOptimize(upper);
-        // As lum calls it: through a std::function, and twice at each end.
-        std::function<double(double)> const function = Cubic;
-        double a = 2;
-        double b = upper;
-        if (function(a) * function(b) > 0) return std::numeric_limits<double>::quiet_NaN();
-        double fa = function(a);
-        double fb = function(b);
-        for (;;) {
-          double const t = -fa / (fb - fa);
-          double const x = b * t + (1 - t) * a;
-          double const fx = function(x);
-          if (fa * fx <= 0) {
-            b = x;
-            fb = fx;
-          } else {
-            a = x;
-            fa = fx;
-          }
-          if (!(std::abs(fx) > kTolerance)) return x;
-        }
+        return FindRoot(std::function<double(double)>(Cubic), 2, upper);
       }));
   Add("root of a cubic", "bare recipe, function inlined", Repeat([upper = 3.0]() mutable {
         benchmark::DoNotOptimize(upper);
-        return FindRoot(2, upper);
+        return FindRoot([](double i_x) { return Cubic(i_x); }, 2, upper);
       }));
 #ifdef WITH_BOOST
   Add("root of a cubic", "Boost toms748", Repeat([upper = 3.0]() mutable {

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstring>
+#include <stdexcept>
 
 namespace lum::internal {
 
@@ -96,6 +97,13 @@ inline void StoreTriples<double>(LaneTriple<double> const& i_lanes, double* op_v
   StoreLanes<double>(__builtin_shufflevector(x, y, 0, 2), op_values);
   StoreLanes<double>(__builtin_shufflevector(z, x, 0, 3), op_values + 2);
   StoreLanes<double>(__builtin_shufflevector(y, z, 1, 3), op_values + 4);
+}
+
+/// Arrays of different sizes throw `std::invalid_argument`.
+inline void RequireSameSize(std::size_t i_from, std::size_t i_to) {
+  if (i_from != i_to) {
+    throw std::invalid_argument("arrays to transform from and to must be of the same size");
+  }
 }
 
 /// Carries every triple of an array by an operation that reads and writes `kLanes` of them. The arrays may be

@@ -4,7 +4,6 @@
 #include <cassert>
 #include <cmath>
 #include <limits>
-#include <stdexcept>
 #include <utility>
 
 #include "Utility/NeverDestroyed.h"
@@ -102,9 +101,7 @@ Vector<float, 3> Quaternionf::Transform(Vector<float, 3> const& i_vector) const 
 
 void Quaternionf::Transform(std::span<Vector<float, 3> const> i_vectors,
                             std::span<Vector<float, 3>> o_vectors) const {
-  if (i_vectors.size() != o_vectors.size()) {
-    throw std::invalid_argument("arrays to transform from and to must be of the same size");
-  }
+  internal::RequireSameSize(i_vectors.size(), o_vectors.size());
   if (i_vectors.empty()) return;
   internal::CarryTriples(i_vectors.data()->data(), o_vectors.data()->data(), i_vectors.size(),
                          [q = GetCoefficients()](float const* ip_triples, float* op_triples) {

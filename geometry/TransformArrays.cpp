@@ -2,7 +2,6 @@
 #include <array>
 #include <cstddef>
 #include <span>
-#include <stdexcept>
 
 #include "geometry/Lanes.h"
 #include "geometry/Matrix.h"
@@ -74,56 +73,43 @@ void Carry(float const* ip_matrix, std::array<float, 3> const& i_last, float con
       });
 }
 
-// Values of points and of vectors are triples of numbers and nothing else.
+// Points carry the translation once, vectors no time: it is the last addend then, so that one that is not
+// finite shows.
 template <class T, class Value>
-void Transform(Matrix<T> const& i_matrix, std::array<T, 3> const& i_last, std::span<Value const> i_values,
+void Transform(Matrix<T> const& i_matrix, T i_translations, std::span<Value const> i_values,
                std::span<Value> o_values) {
-  static_assert(sizeof(Value) == 3 * sizeof(T));
-  if (i_values.size() != o_values.size()) {
-    throw std::invalid_argument("arrays to transform from and to must be of the same size");
-  }
+  static_assert(sizeof(Value) == 3 * sizeof(T), "three numbers and nothing else");
+  internal::RequireSameSize(i_values.size(), o_values.size());
   if (i_matrix.IsKnownIdentity()) {
     if (i_values.data() != o_values.data()) std::copy(i_values.begin(), i_values.end(), o_values.begin());
     return;
   }
   if (i_values.empty()) return;
-  Carry(i_matrix.GetAsPtr(), i_last, i_values.data()->data(), o_values.data()->data(), i_values.size());
-}
-
-template <class T>
-void Points(Matrix<T> const& i_matrix, std::span<Point<T, 3> const> i_points,
-            std::span<Point<T, 3>> o_points) {
   T const* const m = i_matrix.GetAsPtr();
-  Transform<T>(i_matrix, {m[12], m[13], m[14]}, i_points, o_points);
-}
-
-template <class T>
-void Vectors(Matrix<T> const& i_matrix, std::span<Vector<T, 3> const> i_vectors,
-             std::span<Vector<T, 3>> o_vectors) {
-  T const* const m = i_matrix.GetAsPtr();
-  Transform<T>(i_matrix, {m[12] * 0, m[13] * 0, m[14] * 0}, i_vectors, o_vectors);
+  std::array<T, 3> const last = {m[12] * i_translations, m[13] * i_translations, m[14] * i_translations};
+  Carry(m, last, i_values.data()->data(), o_values.data()->data(), i_values.size());
 }
 
 }  // namespace
 
 void TransformPoints(Matrix<float> const& i_matrix, std::span<Point<float, 3> const> i_points,
                      std::span<Point<float, 3>> o_points) {
-  Points(i_matrix, i_points, o_points);
+  Transform(i_matrix, 1.0F, i_points, o_points);
 }
 
 void TransformPoints(Matrix<double> const& i_matrix, std::span<Point<double, 3> const> i_points,
                      std::span<Point<double, 3>> o_points) {
-  Points(i_matrix, i_points, o_points);
+  Transform(i_matrix, 1.0, i_points, o_points);
 }
 
 void TransformVectors(Matrix<float> const& i_matrix, std::span<Vector<float, 3> const> i_vectors,
                       std::span<Vector<float, 3>> o_vectors) {
-  Vectors(i_matrix, i_vectors, o_vectors);
+  Transform(i_matrix, 0.0F, i_vectors, o_vectors);
 }
 
 void TransformVectors(Matrix<double> const& i_matrix, std::span<Vector<double, 3> const> i_vectors,
                       std::span<Vector<double, 3>> o_vectors) {
-  Vectors(i_matrix, i_vectors, o_vectors);
+  Transform(i_matrix, 0.0, i_vectors, o_vectors);
 }
 
 }  // namespace lum

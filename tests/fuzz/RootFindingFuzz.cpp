@@ -8,10 +8,9 @@
 
 #include "Bytes.h"
 #include "geometry/RootFinding.h"
+#include "tests/support/RegulaFalsi.h"
 
 namespace {
-
-constexpr double infinity = std::numeric_limits<double>::infinity();
 
 // More rounds than are of interest: false position may take for ever.
 struct TooLong {};
@@ -37,15 +36,19 @@ struct Run {
   double root = 0;
 };
 
-Run RunLibrary(Curve const& i_curve, double i_lower, double i_upper, double i_tolerance) {
-  Run run;
-  auto const function = [&](double i_x) {
-    if (run.evaluated.size() == most_calls) throw TooLong();
-    run.evaluated.push_back(i_x);
+// What the curve gives, noted in the run, until it is too long.
+auto Record(Curve const& i_curve, Run& io_run) {
+  return [&i_curve, &io_run](double i_x) {
+    if (io_run.evaluated.size() == most_calls) throw TooLong();
+    io_run.evaluated.push_back(i_x);
     return i_curve(i_x);
   };
+}
+
+Run RunLibrary(Curve const& i_curve, double i_lower, double i_upper, double i_tolerance) {
+  Run run;
   try {
-    run.root = lum::RootFinding::RegulaFalsi(function, {i_lower, i_upper}, i_tolerance);
+    run.root = lum::RootFinding::RegulaFalsi(Record(i_curve, run), {i_lower, i_upper}, i_tolerance);
   } catch (TooLong const&) {
     run.outcome = Outcome::kTooLong;
   } catch (std::invalid_argument const& exception) {
@@ -65,39 +68,19 @@ Run RunLibrary(Curve const& i_curve, double i_lower, double i_upper, double i_to
 }
 
 Run RunMethod(Curve const& i_curve, double i_lower, double i_upper, double i_tolerance) {
-  Run run;
   if (0.0 >= i_tolerance) return {{}, Outcome::kTolerance, 0};
   if (i_lower > i_upper) return {{}, Outcome::kRange, 0};
-  double a = i_lower;
-  double b = i_upper;
-  double fa = i_curve(a);
-  double fb = i_curve(b);
-  if (fa * fb > 0) return {{a, b}, Outcome::kNoCrossing, 0};
-  run.evaluated = {a, b, a, b};
-  while (true) {
-    double const t = std::fabs(fa) < infinity ? (0 - fa) / (fb - fa) : (0 - fb) / (fb - fa) + 1;
-    double const x = b * t + (1 - t) * a;
-    if (run.evaluated.size() == most_calls) {
-      run.outcome = Outcome::kTooLong;
-      return run;
-    }
-    run.evaluated.push_back(x);
-    double const fx = i_curve(x);
-    if (fa * fx <= 0) {
-      b = x;
-      fb = fx;
-    } else if (fx * fb <= 0) {
-      a = x;
-      fa = fx;
-    } else {
-      run.root = std::numeric_limits<double>::quiet_NaN();
-      return run;
-    }
-    if (!(std::fabs(fx) > i_tolerance)) {
-      run.root = x;
-      return run;
-    }
+  Run run{{i_lower, i_upper}};
+  if (i_curve(i_lower) * i_curve(i_upper) > 0) {
+    run.outcome = Outcome::kNoCrossing;
+    return run;
   }
+  try {
+    run.root = lum::test::FollowRegulaFalsi(Record(i_curve, run), i_lower, i_upper, i_tolerance);
+  } catch (TooLong const&) {
+    run.outcome = Outcome::kTooLong;
+  }
+  return run;
 }
 
 bool AreSame(double i_a, double i_b) { return i_a == i_b || (std::isnan(i_a) && std::isnan(i_b)); }

@@ -57,6 +57,13 @@ class ObjectPoolInterleaving : public testing::Test {
     while (m_handles.size() < i_count) m_handles.push_back(m_pool->CreateObject());
   }
 
+  // Takes a handle out of those that are held.
+  PoolHandle LetGo(std::ptrdiff_t i_index) {
+    PoolHandle handle = std::move(m_handles[static_cast<std::size_t>(i_index)]);
+    m_handles.erase(m_handles.begin() + i_index);
+    return handle;
+  }
+
   std::set<Object*> GetDistinctObjects() const {
     std::set<Object*> objects;
     for (PoolHandle const& handle : m_handles) objects.insert(handle.Get());
@@ -98,10 +105,8 @@ TEST_F(ObjectPoolInterleaving, ATakeIsNotOvertakenBeforeItMarksItsEntry) {
 // take in, which must not read the old entry.
 TEST_F(ObjectPoolInterleaving, ATakeDoesNotReadTheEntryOfAReturnInFlight) {
   FillTo(32);
-  PoolHandle first = std::move(m_handles[5]);
-  PoolHandle second = std::move(m_handles[7]);
-  m_handles.erase(m_handles.begin() + 7);
-  m_handles.erase(m_handles.begin() + 5);
+  PoolHandle first = LetGo(5);
+  PoolHandle second = LetGo(6);
   Stepper stepper;
   auto const return_first = stepper.Add([&] { first = PoolHandle(); });
   auto const return_second = stepper.Add([&] { second = PoolHandle(); });
@@ -231,10 +236,8 @@ TEST_F(ObjectPoolInterleaving, TwoReturnsThatMeetAtTheLastPositionClaimOneEach) 
   position.store(~0UL);
   Access::TakePosition(*m_first_block).store(~0UL);
   FillTo(32);
-  PoolHandle first = std::move(m_handles[5]);
-  PoolHandle second = std::move(m_handles[7]);
-  m_handles.erase(m_handles.begin() + 7);
-  m_handles.erase(m_handles.begin() + 5);
+  PoolHandle first = LetGo(5);
+  PoolHandle second = LetGo(6);
   {
     Stepper stepper;
     auto const return_first = stepper.Add([&] { first = PoolHandle(); });

@@ -12,7 +12,8 @@
 #include <vector>
 
 #include "geometry/RootFinding.h"
-#include "tests/support/Throws.h"
+#include "support/RegulaFalsi.h"
+#include "support/Throws.h"
 
 namespace lum::RootFinding {
 namespace {
@@ -43,37 +44,15 @@ Trace Record(Function const& i_function, Range<double> const& i_range, double i_
   return trace;
 }
 
-// The method once more, step by step as it is documented.
+// The same of the method written out.
 Trace Expect(Function const& i_function, double i_lower, double i_upper, double i_tolerance) {
-  Trace trace{{i_lower, i_upper, i_lower, i_upper}, nan};
-  double a = i_lower;
-  double b = i_upper;
-  double fa = i_function(a);
-  double fb = i_function(b);
-  while (true) {
-    double t = 0;
-    if (std::fabs(fa) < infinity) {
-      t = (0 - fa) / (fb - fa);
-    } else {
-      t = (0 - fb) / (fb - fa) + 1;
-    }
-    double const x = b * t + (1 - t) * a;
-    double const fx = i_function(x);
-    trace.evaluated.push_back(x);
-    if (fa * fx <= 0) {
-      b = x;
-      fb = fx;
-    } else if (fx * fb <= 0) {
-      a = x;
-      fa = fx;
-    } else {
-      return trace;
-    }
-    if (!(std::fabs(fx) > i_tolerance)) {
-      trace.root = x;
-      return trace;
-    }
-  }
+  Trace trace{{i_lower, i_upper}, 0};
+  auto const recorded = [&](double i_x) {
+    trace.evaluated.push_back(i_x);
+    return i_function(i_x);
+  };
+  trace.root = test::FollowRegulaFalsi(recorded, i_lower, i_upper, i_tolerance);
+  return trace;
 }
 
 bool AreSameBits(std::vector<double> const& i_a, std::vector<double> const& i_b) {
