@@ -66,6 +66,9 @@ function(lum_add_library target)
   if(type STREQUAL SHARED_LIBRARY)
     # Values may outlive whatever loaded the library, and need its pools and identities.
     target_link_options(${target} PRIVATE LINKER:-z,nodelete)
+    # Calls within the library go straight to it, and may be inlined: nobody is to replace single functions.
+    target_compile_options(${target} PRIVATE -fno-semantic-interposition)
+    target_link_options(${target} PRIVATE LINKER:-Bsymbolic-functions)
   endif()
   if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
     # Eigen gives up on matrices that are not finite; g++ cannot see that none such gets there.

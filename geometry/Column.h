@@ -14,11 +14,22 @@ namespace lum::internal {
 template <class T>
 class Column {
  public:
+  Column(T i_x, T i_y, T i_z, T i_w) noexcept {
+    if constexpr (kParts == 1) {
+      m_parts[0] = Part{i_x, i_y, i_z, i_w};
+    } else {
+      m_parts[0] = Part{i_x, i_y};
+      m_parts[1] = Part{i_z, i_w};
+    }
+  }
+
   static Column Load(T const* ip_values) noexcept {
     Column column;
     std::memcpy(&column.m_parts, ip_values, sizeof(m_parts));
     return column;
   }
+
+  void Store(T* op_values) const noexcept { std::memcpy(op_values, &m_parts, sizeof(m_parts)); }
 
   /// Writes the first three numbers. By eight or sixteen bytes and the rest: written one by one, they would
   /// hold up whoever reads them as a whole, as a function does that returns them.
@@ -46,6 +57,8 @@ class Column {
   }
 
  private:
+  Column() = default;
+
   using Part = Lanes<T>;
   using Pairs = long long __attribute__((vector_size(16)));
   static constexpr std::size_t kParts = 4 * sizeof(T) / sizeof(Part);

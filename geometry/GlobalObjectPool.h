@@ -1,7 +1,6 @@
 #pragma once
 
 #include <Eigen/Geometry>
-#include <array>
 #include <atomic>
 
 #include "Utility/Lazy.h"
@@ -48,7 +47,7 @@ typename PoolTypes<T>::ObjectHandle CreateGlobalObject() {
 
 /// Takes two; see `ObjectPool::CreateTwoObjects`.
 template <class T>
-std::array<typename PoolTypes<T>::ObjectHandle, 2> CreateTwoGlobalObjects() {
+typename PoolTypes<T>::ObjectPool::TwoObjects CreateTwoGlobalObjects() {
   return GlobalPoolOf<T>::m_pool.GetValue()->CreateTwoObjects();
 }
 

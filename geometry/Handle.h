@@ -45,7 +45,7 @@ class Handle {
   Handle(Handle const& i_other) noexcept;
   Handle(Handle&& io_other) noexcept;
   ~Handle() {
-    if (mp_object != nullptr) Release();
+    if (mp_object != nullptr && DropReference(*mp_reference_count)) m_delete(mp_object);
   }
 
   /// A self-assignment, or one from another handle onto the same object, leaves the count unchanged.
@@ -65,6 +65,8 @@ class Handle {
   /// A snapshot of the count; 0 for an empty handle. A 1 stays 1, because only a holder can raise it. The
   /// acquire load orders whatever the former holders did with the object before what the caller does next.
   unsigned long GetReferenceCount() const noexcept;
+
+  void Swap(Handle& io_other) noexcept;
 
   /// Empties two handles, the first of them first. Where both are the last ones onto objects of one block,
   /// the deleter gets the two objects in one call.
@@ -138,9 +140,14 @@ template <class T, class C, class D>
 void Handle<T, C, D>::Adopt(Handle& io_taken) noexcept(kReleasesQuietly) {
   if (mp_object == io_taken.mp_object) return;
   if (mp_object != nullptr) Release();
-  std::swap(mp_object, io_taken.mp_object);
-  std::swap(mp_reference_count, io_taken.mp_reference_count);
-  std::swap(m_delete, io_taken.m_delete);
+  Swap(io_taken);
+}
+
+template <class T, class C, class D>
+void Handle<T, C, D>::Swap(Handle& io_other) noexcept {
+  std::swap(mp_object, io_other.mp_object);
+  std::swap(mp_reference_count, io_other.mp_reference_count);
+  std::swap(m_delete, io_other.m_delete);
 }
 
 // The fields are emptied first: were the deleter to throw, or to look at this handle, it would find nothing
@@ -156,7 +163,7 @@ void Handle<T, C, D>::Release() noexcept(kReleasesQuietly) {
 // A count of 1 is this handle's own, and no other is there that could raise it. The acquire load puts what
 // former holders did with the object before its return.
 template <class T, class C, class D>
-bool Handle<T, C, D>::DropReference(C& io_reference_count) noexcept {
+inline bool Handle<T, C, D>::DropReference(C& io_reference_count) noexcept {
   if (io_reference_count.load(std::memory_order_acquire) == 1) {
     io_reference_count.store(0, std::memory_order_release);
     return true;

@@ -20,36 +20,58 @@ namespace {
 
 constexpr char const* no_inverse_message = "attempt to get inverse of non-invertible matrix";
 
+// The values of a transform in registers of 16 bytes: written one by one, the stores of two transforms would
+// fill the store buffer.
 template <class T>
-using Values = std::array<T, 16>;
+struct Columns {
+  using Column = internal::Column<T>;
+
+  static Columns Load(T const* ip_values) noexcept {
+    return {Column::Load(ip_values), Column::Load(ip_values + 4), Column::Load(ip_values + 8),
+            Column::Load(ip_values + 12)};
+  }
+
+  void Store(T* op_values) const noexcept {
+    x.Store(op_values);
+    y.Store(op_values + 4);
+    z.Store(op_values + 8);
+    translation.Store(op_values + 12);
+  }
+
+  Column CombineWith(T i_x, T i_y, T i_z, Column const& i_last) const noexcept {
+    return ((x * i_x + y * i_y) + z * i_z) + i_last;
+  }
+
+  Column x, y, z, translation;
+};
 
 template <class T>
-typename MatrixPoolTypes<T>::ObjectHandle CreateHandle(Values<T> const& i_values) {
+typename MatrixPoolTypes<T>::ObjectHandle CreateHandle(Columns<T> const& i_columns) {
   auto handle = CreateGlobalObject<MatrixObject<T>>();
-  std::copy(i_values.begin(), i_values.end(), handle->data());
+  i_columns.Store(handle->data());
   return handle;
 }
 
 // A transform and its inverse, in objects taken at once.
 template <class T>
-Matrix<T> CreateMatrix(Values<T> const& i_transform, Values<T> const& i_inverse) {
-  auto [transform, inverse] = CreateTwoGlobalObjects<MatrixObject<T>>();
-  std::copy(i_transform.begin(), i_transform.end(), transform->data());
-  std::copy(i_inverse.begin(), i_inverse.end(), inverse->data());
-  return Matrix<T>(std::move(transform), std::move(inverse));
+inline Matrix<T> CreateMatrix(Columns<T> const& i_transform, Columns<T> const& i_inverse) {
+  Matrix<T> matrix{internal::FreshObjects()};
+  i_transform.Store(matrix.GetMatrix()->data());
+  i_inverse.Store(matrix.GetMatrixInverse()->data());
+  return matrix;
 }
 
 template <class T>
-Matrix<T> CreateMatrixWithoutInverse(Values<T> const& i_transform) {
+Matrix<T> CreateMatrixWithoutInverse(Columns<T> const& i_transform) {
   return Matrix<T>(CreateHandle(i_transform), {});
 }
 
 template <class T>
 typename MatrixPoolTypes<T>::ObjectHandle CreateIdentity() {
-  return CreateHandle<T>({1, 0, 0, 0,  //
-                          0, 1, 0, 0,  //
-                          0, 0, 1, 0,  //
-                          0, 0, 0, 1});
+  return CreateHandle<T>({{1, 0, 0, 0},  //
+                          {0, 1, 0, 0},  //
+                          {0, 0, 1, 0},  //
+                          {0, 0, 0, 1}});
 }
 
 // Constant-initialised and never destroyed: valid before main and until the process is gone.
@@ -57,63 +79,43 @@ template <class T>
 constinit NeverDestroyed<Lazy<typename MatrixPoolTypes<T>::ObjectHandle>> identity(CreateIdentity<T>);
 
 template <class T>
-Values<T> MakeScale(T i_x, T i_y, T i_z) {
-  return {i_x, 0,   0,   0,  //
-          0,   i_y, 0,   0,  //
-          0,   0,   i_z, 0,  //
-          0,   0,   0,   1};
+Columns<T> MakeScale(T i_x, T i_y, T i_z) {
+  return {{i_x, 0, 0, 0},  //
+          {0, i_y, 0, 0},  //
+          {0, 0, i_z, 0},  //
+          {0, 0, 0, 1}};
 }
 
 template <class T>
-Values<T> MakeTranslation(T i_x, T i_y, T i_z) {
-  return {1,   0,   0,   0,  //
-          0,   1,   0,   0,  //
-          0,   0,   1,   0,  //
-          i_x, i_y, i_z, 1};
+Columns<T> MakeTranslation(T i_x, T i_y, T i_z) {
+  return {{1, 0, 0, 0},  //
+          {0, 1, 0, 0},  //
+          {0, 0, 1, 0},  //
+          {i_x, i_y, i_z, 1}};
 }
 
 template <class T>
-Values<T> MakeRotation(Vector<T, 3> const& i_axis, T i_sine, T i_cosine) {
+Columns<T> MakeRotation(Vector<T, 3> const& i_axis, T i_sine, T i_cosine) {
   auto const [x, y, z] = i_axis;
   T const s = i_sine;
   T const c = i_cosine;
   T const t = 1 - c;
   // clang-format off
-  return {x * (x * t) + c,     z * s + y * (x * t), z * (x * t) - y * s, 0,
-          y * (x * t) - z * s, y * (y * t) + c,     x * s + z * (y * t), 0,
-          y * s + z * (x * t), z * (y * t) - x * s, (t * z) * z + c,     0,
-          0,                   0,                   0,                   1};
+  return {{x * (x * t) + c,     z * s + y * (x * t), z * (x * t) - y * s, 0},
+          {y * (x * t) - z * s, y * (y * t) + c,     x * s + z * (y * t), 0},
+          {y * s + z * (x * t), z * (y * t) - x * s, (t * z) * z + c,     0},
+          {0,                   0,                   0,                   1}};
   // clang-format on
 }
 
 // The transpose of a transform: row 3 becomes column 3, and the translation is dropped.
 template <class T>
-Values<T> MakeTranspose(T const* s) {
-  return {s[0], s[4], s[8],  0,  //
-          s[1], s[5], s[9],  0,  //
-          s[2], s[6], s[10], 0,  //
-          s[3], s[7], s[11], 1};
+Columns<T> MakeTranspose(T const* s) {
+  return {{s[0], s[4], s[8], 0},   //
+          {s[1], s[5], s[9], 0},   //
+          {s[2], s[6], s[10], 0},  //
+          {s[3], s[7], s[11], 1}};
 }
-
-template <class T>
-struct Columns {
-  using Column = internal::Column<T>;
-
-  explicit Columns(T const* ip_values) noexcept
-      : m_x(Column::Load(ip_values)),
-        m_y(Column::Load(ip_values + 4)),
-        m_z(Column::Load(ip_values + 8)),
-        m_translation(Column::Load(ip_values + 12)) {}
-
-  Column CombineWith(T i_x, T i_y, T i_z, Column const& i_last) const noexcept {
-    return ((m_x * i_x + m_y * i_y) + m_z * i_z) + i_last;
-  }
-
-  Column m_x;
-  Column m_y;
-  Column m_z;
-  Column m_translation;
-};
 
 // The first application in a process makes the identity. Apart, so that the others need not save registers
 // for that call.
@@ -124,16 +126,12 @@ template <class T, class Argument>
 }
 
 template <class T>
-Values<T> MakeProduct(T const* a, T const* b) {
-  Values<T> product;
-  for (std::size_t column = 0; column < 16; column += 4) {
-    for (std::size_t row = 0; row < 4; ++row) {
-      product[row + column] =
-          ((b[column] * a[row] + b[column + 1] * a[row + 4]) + b[column + 2] * a[row + 8]) +
-          b[column + 3] * a[row + 12];
-    }
-  }
-  return product;
+Columns<T> MakeProduct(T const* ip_left, T const* b) {
+  auto const left = Columns<T>::Load(ip_left);
+  return {left.CombineWith(b[0], b[1], b[2], left.translation * b[3]),
+          left.CombineWith(b[4], b[5], b[6], left.translation * b[7]),
+          left.CombineWith(b[8], b[9], b[10], left.translation * b[11]),
+          left.CombineWith(b[12], b[13], b[14], left.translation * b[15])};
 }
 
 template <class T>
@@ -178,24 +176,21 @@ constinit Lazy<MatrixPoolTypes<double>::ObjectHandle> const& Matrix<double>::mgh
     identity<double>.m_value;
 
 template <class T>
-Matrix<T>::Matrix() : m_transform(mgh_identity.GetValue()), m_inverse(mgh_identity.GetValue()) {}
+Matrix<T>::Matrix() : m_objects{mgh_identity.GetValue(), mgh_identity.GetValue()} {}
 
 template <class T>
-Matrix<T>::Matrix(T const* ip_values) {
-  auto [transform, inverse] = CreateTwoGlobalObjects<Object>();
-  std::copy_n(ip_values, 16, transform->data());
-  internal::InvertMatrix(ip_values, inverse->data());
-  m_transform = std::move(transform);
-  m_inverse = std::move(inverse);
+Matrix<T>::Matrix(T const* ip_values) : Matrix(internal::FreshObjects()) {
+  std::copy_n(ip_values, 16, m_objects.first->data());
+  internal::InvertMatrix(ip_values, m_objects.second->data());
 }
 
 template <class T>
 Matrix<T>::Matrix(Point<T, 3> const& i_origin, Vector<T, 3> const& i_x, Vector<T, 3> const& i_y,
                   Vector<T, 3> const& i_z)
-    : Matrix(Values<T>{i_x[0], i_x[1], i_x[2], 0,  //
-                       i_y[0], i_y[1], i_y[2], 0,  //
-                       i_z[0], i_z[1], i_z[2], 0,  //
-                       i_origin[0], i_origin[1], i_origin[2], 1}
+    : Matrix(std::array<T, 16>{i_x[0], i_x[1], i_x[2], 0,  //
+                               i_y[0], i_y[1], i_y[2], 0,  //
+                               i_z[0], i_z[1], i_z[2], 0,  //
+                               i_origin[0], i_origin[1], i_origin[2], 1}
                  .data()) {}
 
 template <class T>
@@ -207,8 +202,8 @@ template <class U>
 requires(!std::same_as<T, U>) Matrix<T>
 const& Matrix<T>::operator=(Matrix<U> const& i_other) {
   assert(i_other.GetMatrix());
-  m_transform = Convert<T, U>(i_other.GetMatrix());
-  m_inverse = i_other.HasInverse() ? Convert<T, U>(i_other.GetMatrixInverse()) : ObjectHandle();
+  m_objects.first = Convert<T, U>(i_other.GetMatrix());
+  m_objects.second = i_other.HasInverse() ? Convert<T, U>(i_other.GetMatrixInverse()) : ObjectHandle();
   return *this;
 }
 
@@ -217,7 +212,7 @@ Matrix<T> Matrix<T>::Scale(T i_x, T i_y, T i_z) {
   T const x = 1 / i_x;
   T const y = 1 / i_y;
   T const z = 1 / i_z;
-  Values<T> const transform = MakeScale(i_x, i_y, i_z);
+  auto const transform = MakeScale(i_x, i_y, i_z);
   if (!IsFinite(x) || !IsFinite(y) || !IsFinite(z)) return CreateMatrixWithoutInverse(transform);
   return CreateMatrix(transform, MakeScale(x, y, z));
 }
@@ -255,8 +250,8 @@ Matrix<T> Matrix<T>::Normalize(T i_width, T i_height, T i_depth) {
 
 template <class T>
 T const* Matrix<T>::GetAsPtr() const noexcept {
-  assert(m_transform);
-  return m_transform->data();
+  assert(m_objects.first);
+  return m_objects.first->data();
 }
 
 template <class T>
@@ -270,13 +265,13 @@ T Matrix<T>::operator()(int i_row, int i_column) const {
 template <class T>
 bool Matrix<T>::operator==(Matrix const& i_other) const noexcept {
   // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison): byte for byte on purpose
-  return std::memcmp(GetAsPtr(), i_other.GetAsPtr(), sizeof(Values<T>)) == 0;
+  return std::memcmp(GetAsPtr(), i_other.GetAsPtr(), 16 * sizeof(T)) == 0;
 }
 
 template <class T>
 bool Matrix<T>::IsKnownIdentity() const {
-  assert(m_transform);
-  return m_transform.Get() == mgh_identity.GetValue().Get();
+  assert(m_objects.first);
+  return m_objects.first.Get() == mgh_identity.GetValue().Get();
 }
 
 template <class T>
@@ -287,9 +282,9 @@ void Matrix<T>::ThrowNoInverse() {
 template <class T>
 Matrix<T> Matrix<T>::GetTranspose() const {
   if (IsKnownIdentity()) return *this;
-  Values<T> const transform = MakeTranspose(GetAsPtr());
-  if (!m_inverse) return CreateMatrixWithoutInverse(transform);
-  return CreateMatrix(transform, MakeTranspose<T>(m_inverse->data()));
+  auto const transform = MakeTranspose(GetAsPtr());
+  if (!m_objects.second) return CreateMatrixWithoutInverse(transform);
+  return CreateMatrix(transform, MakeTranspose<T>(m_objects.second->data()));
 }
 
 // Complementary 2x2 minors of columns 0 and 1 against columns 2 and 3.
@@ -309,18 +304,19 @@ T Matrix<T>::GetDeterminant() const {
 template <class T>
 Matrix<T> Matrix<T>::GetNormalTransform() const {
   if (IsKnownIdentity()) return *this;
-  T const* const inverse = GetInverseValues<T>(m_inverse, "GetNormalTransform assumes an invertible matrix");
+  T const* const inverse =
+      GetInverseValues<T>(m_objects.second, "GetNormalTransform assumes an invertible matrix");
   return CreateMatrix(MakeTranspose(inverse), MakeTranspose(GetAsPtr()));
 }
 
 template <class T>
 Matrix<T> Matrix<T>::operator*(Matrix const& i_right) const {
-  assert(i_right.m_transform);
+  assert(i_right.m_objects.first);
   if (IsKnownIdentity()) return i_right;
   if (i_right.IsKnownIdentity()) return *this;
-  Values<T> const transform = MakeProduct(GetAsPtr(), i_right.GetAsPtr());
-  if (!m_inverse || !i_right.m_inverse) return CreateMatrixWithoutInverse(transform);
-  return CreateMatrix(transform, MakeProduct<T>(i_right.m_inverse->data(), m_inverse->data()));
+  auto const transform = MakeProduct(GetAsPtr(), i_right.GetAsPtr());
+  if (!m_objects.second || !i_right.m_objects.second) return CreateMatrixWithoutInverse(transform);
+  return CreateMatrix(transform, MakeProduct<T>(i_right.m_objects.second->data(), m_objects.second->data()));
 }
 
 template <class T>
@@ -332,10 +328,10 @@ template <class T>
 Vector<T, 3> Matrix<T>::operator*(Vector<T, 3> const& i_vector) const {
   auto const* const identity = mgh_identity.GetValueIfCreated();
   if (identity == nullptr) return ApplyFirst(*this, i_vector);
-  if (m_transform.Get() == identity->Get()) return i_vector;
-  Columns<T> const columns(GetAsPtr());
+  if (m_objects.first.Get() == identity->Get()) return i_vector;
+  auto const columns = Columns<T>::Load(GetAsPtr());
   Vector<T, 3> image;
-  columns.CombineWith(i_vector[0], i_vector[1], i_vector[2], columns.m_translation * 0)
+  columns.CombineWith(i_vector[0], i_vector[1], i_vector[2], columns.translation * 0)
       .StoreThree(image.data());
   return image;
 }
@@ -344,10 +340,10 @@ template <class T>
 Point<T, 3> Matrix<T>::operator*(Point<T, 3> const& i_point) const {
   auto const* const identity = mgh_identity.GetValueIfCreated();
   if (identity == nullptr) return ApplyFirst(*this, i_point);
-  if (m_transform.Get() == identity->Get()) return i_point;
-  Columns<T> const columns(GetAsPtr());
+  if (m_objects.first.Get() == identity->Get()) return i_point;
+  auto const columns = Columns<T>::Load(GetAsPtr());
   Point<T, 3> image;
-  columns.CombineWith(i_point[0], i_point[1], i_point[2], columns.m_translation).StoreThree(image.data());
+  columns.CombineWith(i_point[0], i_point[1], i_point[2], columns.translation).StoreThree(image.data());
   return image;
 }
 
@@ -355,7 +351,7 @@ Point<T, 3> Matrix<T>::operator*(Point<T, 3> const& i_point) const {
 template <class T>
 Plane<T> Matrix<T>::operator*(Plane<T> const& i_plane) const {
   if (IsKnownIdentity()) return i_plane;
-  T const* const m = GetInverseValues<T>(m_inverse, no_inverse_message);
+  T const* const m = GetInverseValues<T>(m_objects.second, no_inverse_message);
   T const a = i_plane.GetA();
   T const b = i_plane.GetB();
   T const c = i_plane.GetC();
@@ -368,12 +364,12 @@ Plane<T> Matrix<T>::operator*(Plane<T> const& i_plane) const {
 
 template <class T>
 typename Matrix<T>::Object* Matrix<T>::GetMutableInternal() {
-  return MakeMutable<T>(m_transform);
+  return MakeMutable<T>(m_objects.first);
 }
 
 template <class T>
 typename Matrix<T>::Object* Matrix<T>::GetMutableInverseInternal() {
-  return MakeMutable<T>(m_inverse);
+  return MakeMutable<T>(m_objects.second);
 }
 
 template class Matrix<float>;

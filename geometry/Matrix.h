@@ -15,6 +15,11 @@
 
 namespace lum {
 
+namespace internal {
+/// Tag of the constructor that leaves the values to be written.
+struct FreshObjects {};
+}  // namespace internal
+
 /// The types behind `Matrix<T>`: `Object`, `ObjectPool` and `ObjectHandle`.
 template <class T>
 using MatrixPoolTypes = PoolTypes<MatrixObject<T>>;
@@ -53,10 +58,15 @@ class LUM_EXPORT Matrix {
   Matrix();
   Matrix(Matrix const&) = default;
   Matrix(Matrix&&) noexcept = default;
+  /// Two fresh objects, whose values the library writes before anyone reads them.
+  explicit Matrix(internal::FreshObjects) : m_objects(CreateTwoGlobalObjects<Object>()) {}
   /// Shares the objects of two handles, the second of which may be empty. Nothing is checked.
   Matrix(ObjectHandle i_transform, ObjectHandle i_inverse) noexcept;
   /// Lets go of the inverse, then of the transform.
-  ~Matrix() { ObjectHandle::ReleaseTogether(m_inverse, m_transform); }
+  ~Matrix() {
+    // A matrix that was moved from holds neither, and the compiler mostly knows.
+    if (m_objects.second || m_objects.first) ObjectHandle::ReleaseTogether(m_objects.second, m_objects.first);
+  }
   /// Copies 16 values, column by column, and inverts them. A singular matrix gets an inverse of infinities
   /// and NaNs.
   explicit Matrix(T const* ip_values);
@@ -69,8 +79,10 @@ class LUM_EXPORT Matrix {
   template <class U>
   requires(!std::same_as<T, U>) Matrix(Matrix<U> const& i_other);
 
-  Matrix& operator=(Matrix const&) = default;
-  Matrix& operator=(Matrix&&) noexcept = default;
+  /// Lets go of the transform, then of the inverse, and shares those of the other.
+  // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): a counted copy is taken first
+  Matrix& operator=(Matrix const& i_other) noexcept { return *this = Matrix(i_other); }
+  Matrix& operator=(Matrix&& io_other) noexcept;
   /// Converts as the constructor does. If taking the second object fails, this matrix has its new transform
   /// and its old inverse. Returns a reference to const.
   template <class U>
@@ -92,8 +104,8 @@ class LUM_EXPORT Matrix {
   static Matrix Normalize(T i_width, T i_height, T i_depth);
 
   /// The handles onto the transform and onto the inverse; the latter is empty when there is none.
-  ObjectHandle const& GetMatrix() const noexcept { return m_transform; }
-  ObjectHandle const& GetMatrixInverse() const noexcept { return m_inverse; }
+  ObjectHandle const& GetMatrix() const noexcept { return m_objects.first; }
+  ObjectHandle const& GetMatrixInverse() const noexcept { return m_objects.second; }
   /// The 16 values of the transform, column by column; valid as long as something holds the object.
   T const* GetAsPtr() const noexcept;
   /// The value at a row and a column; an index outside 0 to 3 throws `std::invalid_argument`.
@@ -103,7 +115,7 @@ class LUM_EXPORT Matrix {
   bool operator==(Matrix const& i_other) const noexcept;
   bool IsKnownIdentity() const;
 
-  bool HasInverse() const noexcept { return static_cast<bool>(m_inverse); }
+  bool HasInverse() const noexcept { return static_cast<bool>(m_objects.second); }
   /// Always true: every matrix is taken to be affine; row 3 is not looked at.
   bool IsAffine() const noexcept { return true; }
   /// Swaps the two handles. Without an inverse throws `std::domain_error`. Of a temporary, takes them.
@@ -146,31 +158,47 @@ class LUM_EXPORT Matrix {
   void RequireInverse() const;
   [[noreturn]] static void ThrowNoInverse();
 
-  // Never empty, except in a moved-from matrix.
-  ObjectHandle m_transform;
-  ObjectHandle m_inverse;
+  // The transform, never empty except in a moved-from matrix, and the inverse. Together, so that the pool
+  // makes both handles where they are to stay.
+  typename PoolTypes<Object>::ObjectPool::TwoObjects m_objects;
 };
 
 template <class T>
 inline Matrix<T>::Matrix(ObjectHandle i_transform, ObjectHandle i_inverse) noexcept
-    : m_transform(std::move(i_transform)), m_inverse(std::move(i_inverse)) {}
+    : m_objects{std::move(i_transform), std::move(i_inverse)} {}
+
+// Where both objects are replaced, as they mostly are, the old ones are let go together.
+template <class T>
+inline Matrix<T>& Matrix<T>::operator=(Matrix&& io_other) noexcept {
+  Matrix taken(std::move(io_other));
+  if (m_objects.first.Get() == taken.m_objects.first.Get() ||
+      m_objects.second.Get() == taken.m_objects.second.Get()) {
+    m_objects.first = std::move(taken.m_objects.first);
+    m_objects.second = std::move(taken.m_objects.second);
+  } else {
+    m_objects.first.Swap(taken.m_objects.first);
+    m_objects.second.Swap(taken.m_objects.second);
+    ObjectHandle::ReleaseTogether(taken.m_objects.first, taken.m_objects.second);
+  }
+  return *this;
+}
 
 template <class T>
 inline Matrix<T> Matrix<T>::GetInverse() const& {
   RequireInverse();
-  return Matrix(m_inverse, m_transform);
+  return Matrix(m_objects.second, m_objects.first);
 }
 
 template <class T>
 inline Matrix<T> Matrix<T>::GetInverse() && {
   RequireInverse();
-  return Matrix(std::move(m_inverse), std::move(m_transform));
+  return Matrix(std::move(m_objects.second), std::move(m_objects.first));
 }
 
 template <class T>
 inline void Matrix<T>::RequireInverse() const {
-  assert(m_transform);
-  if (!m_inverse) ThrowNoInverse();
+  assert(m_objects.first);
+  if (!m_objects.second) ThrowNoInverse();
 }
 
 /// Carries every point of an array as the product with one point does, to the same bits but for

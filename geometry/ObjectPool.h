@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <memory>
 #include <mutex>
@@ -42,8 +41,11 @@ class ObjectPool {
   ///
   /// Passes on what allocating a block or locking a mutex throws; the pool is unchanged then.
   ObjectHandle CreateObject();
+  struct TwoObjects {
+    ObjectHandle first, second;
+  };
   /// Two objects at once, for little more than one: those that two calls of `CreateObject` would give.
-  std::array<ObjectHandle, 2> CreateTwoObjects();
+  TwoObjects CreateTwoObjects();
 
  private:
   friend struct ObjectPoolTestAccess;
@@ -54,7 +56,7 @@ class ObjectPool {
   };
 
   ObjectHandle MakeHandle(Block& io_block, std::size_t i_slot) noexcept;
-  Slot TakeSlot();
+  Slot TakeSlotSlowly();
   optional<Slot> TakeFromCurrentBlock();
   Slot TakeFromNewBlock();
 
@@ -77,13 +79,14 @@ ObjectPool<T, Size, Alignment, Policy>::~ObjectPool() {
 template <class T, std::size_t Size, std::size_t Alignment, class Policy>
 typename ObjectPool<T, Size, Alignment, Policy>::ObjectHandle
 ObjectPool<T, Size, Alignment, Policy>::CreateObject() {
-  Slot const slot = TakeSlot();
+  auto const taken = TakeFromCurrentBlock();
+  Slot const slot = taken ? *taken : TakeSlotSlowly();
   return MakeHandle(*slot.block, slot.index);
 }
 
 // Where there are not two slots to be had at once, the objects are taken one by one.
 template <class T, std::size_t Size, std::size_t Alignment, class Policy>
-std::array<typename ObjectPool<T, Size, Alignment, Policy>::ObjectHandle, 2>
+typename ObjectPool<T, Size, Alignment, Policy>::TwoObjects
 ObjectPool<T, Size, Alignment, Policy>::CreateTwoObjects() {
   {
     internal::ThreadLock<typename Policy::Mutex> const lock(m_current_block_mutex);
@@ -107,21 +110,20 @@ ObjectPool<T, Size, Alignment, Policy>::MakeHandle(Block& io_block, std::size_t 
 // A thread that finds the block full while another makes the next one tries again at once: the new block is
 // an allocation away, or a return may come first.
 template <class T, std::size_t Size, std::size_t Alignment, class Policy>
-typename ObjectPool<T, Size, Alignment, Policy>::Slot ObjectPool<T, Size, Alignment, Policy>::TakeSlot() {
+typename ObjectPool<T, Size, Alignment, Policy>::Slot
+ObjectPool<T, Size, Alignment, Policy>::TakeSlotSlowly() {
   for (;;) {
-    if (auto const slot = TakeFromCurrentBlock()) return *slot;
     std::unique_lock<typename Policy::Mutex> const creation(m_creation_mutex, std::try_to_lock);
-    if (!creation.owns_lock()) continue;
-    // Since the first attempt another thread may have published a block, or objects may have come back.
+    // Since the last attempt another thread may have published a block, or objects may have come back.
     if (auto const slot = TakeFromCurrentBlock()) return *slot;
-    return TakeFromNewBlock();
+    if (creation.owns_lock()) return TakeFromNewBlock();
   }
 }
 
 // The slot is read from the ring before the lock goes: a take that had only reserved could be overtaken by a
 // take and a return of another slot, which would overwrite the entry that it is about to read.
 template <class T, std::size_t Size, std::size_t Alignment, class Policy>
-optional<typename ObjectPool<T, Size, Alignment, Policy>::Slot>
+inline optional<typename ObjectPool<T, Size, Alignment, Policy>::Slot>
 ObjectPool<T, Size, Alignment, Policy>::TakeFromCurrentBlock() {
   internal::ThreadLock<typename Policy::Mutex> const lock(m_current_block_mutex);
   if (auto const index = m_current_block->TakeSlot()) return Slot{m_current_block, *index};

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "Utility/NeverDestroyed.h"
+#include "geometry/Column.h"
 #include "geometry/EigenAlgorithms.h"
 #include "geometry/Lanes.h"
 #include "geometry/StrictArithmetic.h"
@@ -94,9 +95,12 @@ Vector<float, 3> Quaternionf::Transform(Vector<float, 3> const& i_vector) const 
   float const ux = 2 * (y * c - z * b);
   float const uy = 2 * (z * a - x * c);
   float const uz = 2 * (x * b - y * a);
-  return {(a + w * ux) + (y * uz - z * uy),  //
-          (b + w * uy) + (z * ux - x * uz),  //
-          (c + w * uz) + (x * uy - y * ux)};
+  Vector<float, 3> image;
+  internal::Column<float>((a + w * ux) + (y * uz - z * uy),  //
+                          (b + w * uy) + (z * ux - x * uz),  //
+                          (c + w * uz) + (x * uy - y * ux), 0)
+      .StoreThree(image.data());
+  return image;
 }
 
 void Quaternionf::Transform(std::span<Vector<float, 3> const> i_vectors,

@@ -52,17 +52,14 @@ class World {
 
   PoolHandle Take() {
     PoolHandle handle = m_pool->CreateObject();
-    if (!m_owners.emplace(handle.Get(), 1).second) Fail("a slot has two owners");
-    if (handle.GetReferenceCount() != 1) Fail("a fresh object is shared");
+    Own(handle);
     return handle;
   }
   std::array<PoolHandle, 2> TakeTwo() {
-    std::array<PoolHandle, 2> handles = m_pool->CreateTwoObjects();
-    for (PoolHandle const& handle : handles) {
-      if (!m_owners.emplace(handle.Get(), 1).second) Fail("a slot has two owners");
-      if (handle.GetReferenceCount() != 1) Fail("a fresh object is shared");
-    }
-    return handles;
+    auto [first, second] = m_pool->CreateTwoObjects();
+    Own(first);
+    Own(second);
+    return {std::move(first), std::move(second)};
   }
   PoolHandle Copy(PoolHandle const& i_handle) {
     ++m_owners[i_handle.Get()];
@@ -105,6 +102,10 @@ class World {
   std::string const& GetFailure() const { return m_failure; }
 
  private:
+  void Own(PoolHandle const& i_handle) {
+    if (!m_owners.emplace(i_handle.Get(), 1).second) Fail("a slot has two owners");
+    if (i_handle.GetReferenceCount() != 1) Fail("a fresh object is shared");
+  }
   void Disown(PoolHandle const& i_handle) {
     auto const owner = m_owners.find(i_handle.Get());
     if (owner == m_owners.end()) return Fail("a slot without an owner is returned");

@@ -209,7 +209,9 @@ TEST_F(ObjectPoolInterleaving, ALockThatFailsWhileTwoAreTakenLosesNothing) {
     EXPECT_EQ(Access::UseCount(*m_first_block).load(), 31U);
     EXPECT_EQ(Access::CurrentBlock(*m_pool), m_first_block);
   }
-  for (PoolHandle& handle : m_pool->CreateTwoObjects()) m_handles.push_back(std::move(handle));
+  auto [first, second] = m_pool->CreateTwoObjects();
+  m_handles.push_back(std::move(first));
+  m_handles.push_back(std::move(second));
   EXPECT_EQ(GetDistinctObjects().size(), 33U);
 }
 

@@ -51,10 +51,10 @@ TEST(ObjectPool, StartsANewBlockWithTheThirtyThirdObject) {
 TEST(ObjectPool, GivesTwoObjectsAsTwoCallsWould) {
   Pool pool;
   auto const handles = pool.CreateTwoObjects();
-  EXPECT_EQ(handles[0].Get(), Access::CurrentBlock(pool)->GetObject(0));
-  EXPECT_EQ(handles[1].Get(), Access::CurrentBlock(pool)->GetObject(1));
-  EXPECT_EQ(handles[0].GetReferenceCount(), 1U);
-  EXPECT_EQ(handles[1].GetReferenceCount(), 1U);
+  EXPECT_EQ(handles.first.Get(), Access::CurrentBlock(pool)->GetObject(0));
+  EXPECT_EQ(handles.second.Get(), Access::CurrentBlock(pool)->GetObject(1));
+  EXPECT_EQ(handles.first.GetReferenceCount(), 1U);
+  EXPECT_EQ(handles.second.GetReferenceCount(), 1U);
 }
 
 TEST(ObjectPool, GivesTheLastObjectOfABlockAndTheFirstOfTheNext) {
@@ -63,8 +63,8 @@ TEST(ObjectPool, GivesTheLastObjectOfABlockAndTheFirstOfTheNext) {
   auto const earlier = CreateObjects(pool, 31);
   auto const handles = pool.CreateTwoObjects();
   EXPECT_EQ(BlockCensus::GetMade(), 2U);
-  EXPECT_EQ(handles[0].Get(), earlier[0].Get() + 31);
-  EXPECT_EQ(handles[1].Get(), Access::CurrentBlock(pool)->GetObject(0));
+  EXPECT_EQ(handles.first.Get(), earlier[0].Get() + 31);
+  EXPECT_EQ(handles.second.Get(), Access::CurrentBlock(pool)->GetObject(0));
 }
 
 TEST(ObjectPool, TakesTwoObjectsBackAtOnce) {
@@ -76,17 +76,17 @@ TEST(ObjectPool, TakesTwoObjectsBackAtOnce) {
   EXPECT_FALSE(handles[7] || handles[3]);
   EXPECT_EQ(Access::UseCount(*Access::CurrentBlock(pool)).load(), 30U);
   auto const again = pool.CreateTwoObjects();
-  EXPECT_EQ(again[0].Get(), first);
-  EXPECT_EQ(again[1].Get(), second);
+  EXPECT_EQ(again.first.Get(), first);
+  EXPECT_EQ(again.second.Get(), second);
 }
 
 TEST(ObjectPool, ReleasesTogetherOnlyWhatNobodyElseHolds) {
   Pool pool;
-  for (std::size_t const shared : {0U, 1U}) {
+  for (auto const shared : {&Pool::TwoObjects::first, &Pool::TwoObjects::second}) {
     auto handles = pool.CreateTwoObjects();
-    PoolHandle const other = handles[shared];
-    PoolHandle::ReleaseTogether(handles[0], handles[1]);
-    EXPECT_FALSE(handles[0] || handles[1]);
+    PoolHandle const other = handles.*shared;
+    PoolHandle::ReleaseTogether(handles.first, handles.second);
+    EXPECT_FALSE(handles.first || handles.second);
     EXPECT_EQ(other.GetReferenceCount(), 1U);
     EXPECT_EQ(Access::UseCount(*Access::CurrentBlock(pool)).load(), 1U);
   }
@@ -124,7 +124,7 @@ TEST(ObjectPool, ReleasesObjectsOfTwoBlocksEachToItsOwn) {
   auto earlier = CreateObjects(pool, 31);
   auto handles = pool.CreateTwoObjects();
   earlier.clear();
-  PoolHandle::ReleaseTogether(handles[0], handles[1]);
+  PoolHandle::ReleaseTogether(handles.first, handles.second);
   EXPECT_EQ(BlockCensus::GetFreed(), 1U);
   EXPECT_EQ(Access::UseCount(*Access::CurrentBlock(pool)).load(), 0U);
 }
