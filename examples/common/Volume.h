@@ -18,8 +18,11 @@ struct Volume {
   lum::Matrix<double> voxel_to_world;  ///< affine, with its inverse
   std::vector<double> values;          ///< the first axis varies fastest
 
+  std::size_t GetIndex(std::size_t i_i, std::size_t i_j, std::size_t i_k) const {
+    return i_i + size[0] * (i_j + size[1] * i_k);
+  }
   double At(std::size_t i_i, std::size_t i_j, std::size_t i_k) const {
-    return values[i_i + size[0] * (i_j + size[1] * i_k)];
+    return values[GetIndex(i_i, i_j, i_k)];
   }
 
   /// The trilinear blend at voxel coordinates; NaN outside the voxels, which reach half a voxel beyond their

@@ -6,10 +6,15 @@
 #include <geometry/LinearInterpolation.h>
 #include <geometry/RootFinding.h>
 
+#include <algorithm>
 #include <array>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <future>
 #include <limits>
+#include <stdexcept>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -58,11 +63,15 @@ struct CornerLayer {
   std::array<std::vector<std::uint32_t>, 3> crossing_of_edge;  // by axis
 };
 
+// Contours the edges that start in some of the layers of corners. The vertices of the layer of cells below
+// come first, which are also the last ones of the sweep below.
 class Sweep {
  public:
-  explicit Sweep(Field const& i_field);
+  Sweep(Field const& i_field, std::size_t i_first_layer, std::size_t i_last_layer);
 
   Mesh Run(Progress const& i_progress);
+  /// Of the layer of cells below.
+  std::size_t GetSharedVertices() const { return m_shared_vertices; }
 
  private:
   // A layer's place: the corners, or the cells above them, row by row.
@@ -86,12 +95,16 @@ class Sweep {
 
   Field const& m_field;
   Index m_size;
+  std::size_t m_first_layer;
+  std::size_t m_last_layer;
+  std::size_t m_shared_vertices = 0;
   std::array<CornerLayer, 2> m_corners;                  // even and odd z
   std::array<std::vector<std::uint32_t>, 2> m_vertices;  // of the cells above those corners
   Mesh m_mesh;
 };
 
-Sweep::Sweep(Field const& i_field) : m_field(i_field), m_size(i_field.GetSize()) {}
+Sweep::Sweep(Field const& i_field, std::size_t i_first_layer, std::size_t i_last_layer)
+    : m_field(i_field), m_size(i_field.GetSize()), m_first_layer(i_first_layer), m_last_layer(i_last_layer) {}
 
 template <class Visit>
 void Sweep::ForEachInLayer(std::size_t i_z, std::size_t i_margin, Visit const& i_visit) const {
@@ -102,16 +115,21 @@ void Sweep::ForEachInLayer(std::size_t i_z, std::size_t i_margin, Visit const& i
 
 Mesh Sweep::Run(Progress const& i_progress) {
   constexpr CanonicalEdgeIterable axes;
-  for (std::size_t z = 0; z < m_size[2]; ++z) {
-    i_progress(static_cast<double>(z) / static_cast<double>(m_size[2]));
+  std::size_t const start = m_first_layer == 0 ? 0 : m_first_layer - 1;
+  for (std::size_t z = start; z <= m_last_layer; ++z) {
+    i_progress(static_cast<double>(z - start) / static_cast<double>(m_last_layer + 1 - start));
     Evaluate(z);
     FindCrossings(z, axes[0]);
     FindCrossings(z, axes[1]);
-    if (z == 0) continue;
+    if (z == start) continue;
     FindCrossings(z - 1, axes[2]);
     VerticesOf({0, 0, z - 1}).assign(m_size[0] * m_size[1], none);
     ForEachInLayer(z - 1, 1, [this](Index const& i_cell) { PlaceVertex(i_cell); });
-    ForEachInLayer(z - 1, 0, [this](Index const& i_corner) { AddQuads(i_corner); });
+    if (z == m_first_layer) {
+      m_shared_vertices = m_mesh.vertices.size();
+    } else {
+      ForEachInLayer(z - 1, 0, [this](Index const& i_corner) { AddQuads(i_corner); });
+    }
   }
   i_progress(1);
   return std::move(m_mesh);
@@ -243,8 +261,31 @@ void Sweep::AddQuad(std::array<std::uint32_t, 4> const& i_vertices) {
 
 }  // namespace
 
+// Each thread sweeps its share of the layers; fields and what they hold are only read. The mesh is the same,
+// to the bit, as that of a single sweep.
 Mesh Contour(Field const& i_field, Progress const& i_progress) {
-  Mesh mesh = Sweep(i_field).Run(i_progress);
+  std::size_t const layers = i_field.GetSize()[2] - 1;
+  std::size_t const threads = std::clamp<std::size_t>(std::thread::hardware_concurrency(), 1, layers);
+  std::vector<Sweep> sweeps;
+  for (std::size_t i = 0; i < threads; ++i) {
+    sweeps.emplace_back(i_field, layers * i / threads, layers * (i + 1) / threads);
+  }
+
+  std::atomic<bool> is_ended = false;
+  auto const check_end = [&is_ended](double) {
+    if (is_ended) throw std::runtime_error("the contouring has ended");
+  };
+  std::vector<std::future<Mesh>> others;
+  for (std::size_t i = 1; i < threads; ++i) {
+    others.push_back(std::async(std::launch::async, [&, i] { return sweeps[i].Run(check_end); }));
+  }
+  // Where this thread fails, the others end before it goes on.
+  struct End {
+    ~End() { is_ended = true; }
+    std::atomic<bool>& is_ended;
+  } const end{is_ended};
+  Mesh mesh = sweeps.front().Run(i_progress);
+  for (std::size_t i = 1; i < threads; ++i) mesh.Append(others[i - 1].get(), sweeps[i].GetSharedVertices());
   mesh.Transform(i_field.GetGridToWorld());
   return mesh;
 }

@@ -13,7 +13,8 @@ using Progress = std::function<void(double)>;
 /// The surface where the field is zero, in the field's world, by dual contouring: one vertex in each cell
 /// that the surface crosses, one quadrilateral around each edge of the grid that it crosses.
 ///
-/// The grid is swept layer by layer, so besides the mesh this takes memory for a few layers only.
+/// Each processor sweeps its share of the grid layer by layer, so besides the mesh this takes memory for a
+/// few layers only. The field is read by several threads at once. Progress is told by the calling thread.
 Mesh Contour(Field const& i_field, Progress const& i_progress);
 
 }  // namespace surface

@@ -4,6 +4,14 @@
 
 namespace surface {
 
+void Mesh::Append(Mesh const& i_other, std::size_t i_shared_vertices) {
+  auto const offset = static_cast<std::uint32_t>(vertices.size() - i_shared_vertices);
+  vertices.insert(vertices.end(), i_other.vertices.begin() + static_cast<std::ptrdiff_t>(i_shared_vertices),
+                  i_other.vertices.end());
+  triangles.reserve(triangles.size() + i_other.triangles.size());
+  for (auto const& [a, b, c] : i_other.triangles) triangles.push_back({a + offset, b + offset, c + offset});
+}
+
 void Mesh::Transform(lum::Matrix<double> const& i_transform) {
   lum::Matrix<double> const normal_transform = i_transform.GetNormalTransform();
   for (Vertex& vertex : vertices) {

@@ -5,6 +5,7 @@
 #include <geometry/Vector.h>
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -21,6 +22,9 @@ struct Mesh {
 
   std::vector<Vertex> vertices;
   std::vector<std::array<std::uint32_t, 3>> triangles;
+
+  /// Adds another mesh, whose first vertices are the last ones of this mesh.
+  void Append(Mesh const& i_other, std::size_t i_shared_vertices);
 
   /// Carries the mesh along; the order of the triangles' vertices too, when the transform mirrors.
   void Transform(lum::Matrix<double> const& i_transform);

@@ -51,7 +51,9 @@ VolumeField::VolumeField(common::Volume const& i_volume, double i_level)
              1}),
       m_volume(i_volume),
       m_level(i_level),
-      m_lowest(GetRange(i_volume).GetLower()) {
+      m_lowest(GetRange(i_volume).GetLower()),
+      m_is_finite(std::all_of(i_volume.values.begin(), i_volume.values.end(),
+                              [](double i_value) { return std::isfinite(i_value); })) {
   lum::Range<double> const range = GetRange(i_volume);
   if (range.IsEmpty()) throw std::invalid_argument("none of the volume's values is finite");
   if (!std::isfinite(range.GetUpper() - range.GetLower())) {
@@ -66,27 +68,51 @@ VolumeField::VolumeField(common::Volume const& i_volume, double i_level)
 
 double VolumeField::Evaluate(Point const& i_grid_point) const {
   auto const [x, y, z] = i_grid_point;
-  std::array<double, 3> const low = {std::floor(x), std::floor(y), std::floor(z)};
-  std::array<double, 8> values{};
-  for (lum::CubeElementIds::Vertex const vertex : lum::CubeVertexIterable<lum::CubeElementIds::Cube>()) {
-    auto const bits = static_cast<unsigned>(vertex);
-    values[bits] = AtCorner({low[0] + (bits & 1U), low[1] + (bits >> 1 & 1U), low[2] + (bits >> 2 & 1U)});
-  }
-  return lum::TrilinearInterpolation(values, {x - low[0], y - low[1], z - low[2]});
+  Point const low(std::floor(x), std::floor(y), std::floor(z));
+  if (low == i_grid_point) return AtCorner(low);
+  return lum::TrilinearInterpolation(AtCorners(low), Point(lum::Origin) + (i_grid_point - low));
 }
 
-double VolumeField::AtCorner(std::array<double, 3> const& i_corner) const {
+// Most cells lie among the voxels, and most volumes are finite: then nothing has to be asked of each corner.
+std::array<double, 8> VolumeField::AtCorners(Point const& i_low) const {
+  using lum::CubeElementIds::Vertex;
+  constexpr lum::CubeVertexIterable<lum::CubeElementIds::Cube> corners;
+  std::array<double, 8> values{};
+  if (m_is_finite && IsVoxel(i_low) && IsVoxel(i_low + Vector(1, 1, 1))) {
+    std::size_t const width = m_volume.size[0];
+    std::size_t const height = m_volume.size[1];
+    std::size_t const first = GetVoxel(i_low);
+    for (Vertex const vertex : corners) {
+      auto const bits = static_cast<unsigned>(vertex);
+      std::size_t const step = (bits & 1U) + width * ((bits >> 1 & 1U) + height * (bits >> 2 & 1U));
+      values[bits] = m_volume.values[first + step] - m_level;
+    }
+  } else {
+    for (Vertex const vertex : corners) {
+      auto const bits = static_cast<unsigned>(vertex);
+      values[bits] = AtCorner(i_low + Vector(bits & 1U, bits >> 1 & 1U, bits >> 2 & 1U));
+    }
+  }
+  return values;
+}
+
+double VolumeField::AtCorner(Point const& i_corner) const {
   double value = m_lowest;
-  bool is_voxel = true;
+  if (IsVoxel(i_corner)) value = m_volume.values[GetVoxel(i_corner)];
+  return (std::isfinite(value) ? value : m_lowest) - m_level;
+}
+
+bool VolumeField::IsVoxel(Point const& i_corner) const {
   for (std::size_t axis = 0; axis < 3; ++axis) {
-    is_voxel = is_voxel && i_corner[axis] >= 1 && i_corner[axis] <= static_cast<double>(m_volume.size[axis]);
+    if (!(i_corner[axis] >= 1 && i_corner[axis] <= static_cast<double>(m_volume.size[axis]))) return false;
   }
-  if (is_voxel) {
-    value = m_volume.At(static_cast<std::size_t>(i_corner[0]) - 1, static_cast<std::size_t>(i_corner[1]) - 1,
-                        static_cast<std::size_t>(i_corner[2]) - 1);
-    if (!std::isfinite(value)) value = m_lowest;
-  }
-  return value - m_level;
+  return true;
+}
+
+std::size_t VolumeField::GetVoxel(Point const& i_corner) const {
+  auto const [x, y, z] = i_corner;
+  return m_volume.GetIndex(static_cast<std::size_t>(x) - 1, static_cast<std::size_t>(y) - 1,
+                           static_cast<std::size_t>(z) - 1);
 }
 
 }  // namespace surface

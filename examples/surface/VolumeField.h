@@ -2,6 +2,9 @@
 
 #include <geometry/Range.h>
 
+#include <array>
+#include <cstddef>
+
 #include "common/Volume.h"
 #include "surface/Field.h"
 
@@ -23,11 +26,16 @@ class VolumeField : public Field {
   double Evaluate(Point const& i_grid_point) const override;
 
  private:
-  double AtCorner(std::array<double, 3> const& i_corner) const;
+  // By points of whole coordinates.
+  std::array<double, 8> AtCorners(Point const& i_low) const;
+  double AtCorner(Point const& i_corner) const;
+  bool IsVoxel(Point const& i_corner) const;
+  std::size_t GetVoxel(Point const& i_corner) const;
 
   common::Volume const& m_volume;
   double m_level;
   double m_lowest;
+  bool m_is_finite;
 };
 
 }  // namespace surface

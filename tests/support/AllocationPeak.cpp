@@ -2,21 +2,29 @@
 
 #include <malloc.h>
 
-#include <algorithm>
+#include <atomic>
 #include <cstdlib>
 #include <new>
 
 namespace {
 
-// Bytes allocated and not yet freed, and the most there were. Used by one thread.
-std::size_t live_bytes = 0;
-std::size_t most_live_bytes = 0;
+// Bytes allocated and not yet freed, and the most there were. Each is counted for itself, so their order
+// among threads does not matter; the most is raised until it is no less than what was counted.
+std::atomic<std::size_t> live_bytes{0};
+std::atomic<std::size_t> most_live_bytes{0};
+
+void Count(std::size_t i_bytes) {
+  std::size_t const live = live_bytes.fetch_add(i_bytes) + i_bytes;
+  std::size_t most = most_live_bytes.load();
+  while (most < live && !most_live_bytes.compare_exchange_weak(most, live)) {
+  }
+}
 
 }  // namespace
 
 namespace lum::test {
 
-AllocationPeak::AllocationPeak() : m_at_start(live_bytes) { most_live_bytes = live_bytes; }
+AllocationPeak::AllocationPeak() : m_at_start(live_bytes) { most_live_bytes = m_at_start; }
 std::size_t AllocationPeak::GetBytes() const { return most_live_bytes - m_at_start; }
 
 }  // namespace lum::test
@@ -25,8 +33,7 @@ std::size_t AllocationPeak::GetBytes() const { return most_live_bytes - m_at_sta
 void* operator new(std::size_t i_size) {
   void* const memory = std::malloc(i_size == 0 ? 1 : i_size);
   if (memory == nullptr) throw std::bad_alloc();
-  live_bytes += malloc_usable_size(memory);
-  most_live_bytes = std::max(most_live_bytes, live_bytes);
+  Count(malloc_usable_size(memory));
   return memory;
 }
 void operator delete(void* ip_memory) noexcept {

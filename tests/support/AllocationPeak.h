@@ -4,7 +4,7 @@
 
 namespace lum::test {
 
-/// Follows the bytes that are allocated, in a program of one thread that has AllocationPeak.cpp as a source.
+/// Follows the bytes that all threads allocate, in a program that has AllocationPeak.cpp as a source.
 class AllocationPeak {
  public:
   AllocationPeak();
