@@ -118,6 +118,7 @@ void AddRotations() {
         return a.Transform(v);
       }));
   Add("one vector rotated", "Eigen", Repeat([eigen_a, v = Eigen::Vector3f(1, 2, 3)]() mutable {
+        benchmark::DoNotOptimize(eigen_a);
         benchmark::DoNotOptimize(v);
         return Eigen::Vector3f(eigen_a * v);
       }));
@@ -135,6 +136,8 @@ void AddRotations() {
       }));
   Add("Slerp", "lum, the object alone", Repeat([] { return CreateGlobalObject<QuaternionObject>(); }));
   Add("Slerp", "Eigen", Repeat([eigen_a, eigen_b, t = 0.3F]() mutable {
+        benchmark::DoNotOptimize(eigen_a);
+        benchmark::DoNotOptimize(eigen_b);
         benchmark::DoNotOptimize(t);
         return eigen_a.slerp(t, eigen_b);
       }));
