@@ -25,6 +25,7 @@ function(lum_add_library target)
            "${PROJECT_SOURCE_DIR}/Utility/Lazy.h"
            "${PROJECT_SOURCE_DIR}/Utility/optional.h"
            "${PROJECT_SOURCE_DIR}/extras/EigenMap.h"
+           "${PROJECT_SOURCE_DIR}/extras/Hash.h"
            "${PROJECT_SOURCE_DIR}/extras/Layout.h"
            "${PROJECT_SOURCE_DIR}/geometry/CanonicalCubeElement.h"
            "${PROJECT_SOURCE_DIR}/geometry/CubeArithmetic.h"
