@@ -27,6 +27,8 @@ function(lum_add_library target)
            "${PROJECT_SOURCE_DIR}/extras/EigenMap.h"
            "${PROJECT_SOURCE_DIR}/extras/Hash.h"
            "${PROJECT_SOURCE_DIR}/extras/Layout.h"
+           "${PROJECT_SOURCE_DIR}/extras/Stream.h"
+           "${PROJECT_SOURCE_DIR}/extras/ValueText.h"
            "${PROJECT_SOURCE_DIR}/geometry/CanonicalCubeElement.h"
            "${PROJECT_SOURCE_DIR}/geometry/CubeArithmetic.h"
            "${PROJECT_SOURCE_DIR}/geometry/CubeEdgeIterator.h"
