@@ -1,0 +1,21 @@
+#pragma once
+
+#include <type_traits>
+#include <version>
+
+#include "extras/ValueFormatter.h"
+
+#ifdef __cpp_lib_format
+#include <format>
+
+/// Formatters of the values and identifiers for `std::format`, where the standard library has it. ValueText.h
+/// shows the texts, ValueFormatter.h what a specification does.
+template <lum::internal::HasText Value>
+struct std::formatter<Value, char>
+    : lum::internal::ValueFormatter<std::formatter<typename lum::internal::TextOf<Value>::Number, char>> {};
+
+template <class T>
+requires std::is_default_constructible_v<std::formatter<T, char>>
+struct std::formatter<lum::optional<T>, char> : lum::internal::OptionalFormatter<std::formatter<T, char>> {
+};
+#endif
