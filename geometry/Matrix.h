@@ -49,7 +49,7 @@ using MatrixPoolTypes = PoolTypes<MatrixObject<T>>;
 ///
 /// \tparam T  `float` or `double`, which is also the precision of all arithmetic
 template <class T>
-class LUM_EXPORT Matrix {
+class LUM_EXPORT LUM_STANDALONE_DEBUG Matrix {
  public:
   using Object = typename MatrixPoolTypes<T>::Object;
   using ObjectHandle = typename MatrixPoolTypes<T>::ObjectHandle;

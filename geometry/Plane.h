@@ -12,7 +12,7 @@ namespace lum {
 ///
 /// \tparam T  `float` or `double`
 template <class T>
-class Plane {
+class LUM_STANDALONE_DEBUG Plane {
  public:
   /// Divides all four values by the length of (i_a, i_b, i_c).
   ///

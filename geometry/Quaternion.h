@@ -24,7 +24,7 @@ namespace lum {
 /// be used on different threads freely.
 ///
 /// Errors: whatever takes a pooled object passes on what the pool throws (`std::bad_alloc`).
-class LUM_EXPORT Quaternionf {
+class LUM_EXPORT LUM_STANDALONE_DEBUG Quaternionf {
  public:
   using Object = PoolTypes<QuaternionObject>::Object;
   using ObjectHandle = PoolTypes<QuaternionObject>::ObjectHandle;
