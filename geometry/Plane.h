@@ -1,6 +1,7 @@
 #pragma once
 
 #include "geometry/Export.h"
+#include "geometry/Point.h"
 #include "geometry/Vector.h"
 
 namespace lum {
@@ -35,6 +36,13 @@ class LUM_STANDALONE_DEBUG Plane {
   T m_c;
   T m_d;
 };
+
+/// How far the point lies from the plane, positive on the side that the normal points to:
+/// ((a x + b y) + c z) - d.
+template <class T>
+constexpr T GetSignedDistance(Plane<T> const& i_plane, Point<T, 3> const& i_point) noexcept {
+  return Dot(i_plane.GetNormal(), i_point - Origin) - i_plane.GetD();
+}
 
 extern template class LUM_EXPORT Plane<float>;
 extern template class LUM_EXPORT Plane<double>;

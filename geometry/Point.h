@@ -35,6 +35,11 @@ class Point {
   constexpr Point(T i_x, T i_y) noexcept requires(N == 2) : m_position(i_x, i_y) {}
   constexpr Point(T i_x, T i_y, T i_z) noexcept requires(N == 3) : m_position(i_x, i_y, i_z) {}
 
+  /// In the other precision: rounded to the nearest float, or widened exactly.
+  template <class U>
+  requires(!std::same_as<T, U>) explicit constexpr Point(Point<U, N> const& i_other) noexcept
+      : m_position(i_other - Origin) {}
+
   /// The coordinate at an index below N, unchecked.
   constexpr T& operator[](std::size_t i_index) noexcept { return m_position[i_index]; }
   constexpr T const& operator[](std::size_t i_index) const noexcept { return m_position[i_index]; }
@@ -76,6 +81,12 @@ class Point {
  private:
   Vector<T, N> m_position;
 };
+
+/// The point that a vector leads to from the origin.
+template <class T, std::size_t N>
+constexpr Point<T, N> operator+(Origin_t i_origin, Vector<T, N> const& i_offset) noexcept {
+  return Point<T, N>(i_origin) + i_offset;
+}
 
 /// For structured bindings.
 template <std::size_t I, class T, std::size_t N>

@@ -31,6 +31,12 @@ class Vector {
   constexpr Vector(T i_x, T i_y) noexcept requires(N == 2) : m_components{i_x, i_y} {}
   constexpr Vector(T i_x, T i_y, T i_z) noexcept requires(N == 3) : m_components{i_x, i_y, i_z} {}
 
+  /// In the other precision: rounded to the nearest float, or widened exactly.
+  template <class U>
+  requires(!std::same_as<T, U>) explicit constexpr Vector(Vector<U, N> const& i_other) noexcept : Vector() {
+    for (std::size_t i = 0; i < N; ++i) m_components[i] = static_cast<T>(i_other[i]);
+  }
+
   /// The component at an index below N, unchecked.
   constexpr T& operator[](std::size_t i_index) noexcept { return m_components[i_index]; }
   constexpr T const& operator[](std::size_t i_index) const noexcept { return m_components[i_index]; }

@@ -36,7 +36,7 @@ template <class Element>
 Point GetMiddle(Element i_element) {
   Vector sum;
   for (Vertex const vertex : CubeVertexIterable<Element>(i_element)) sum += GetPosition(vertex) - Point();
-  return Point() + sum / static_cast<double>(CubeVertexIterable<Element>::size());
+  return lum::Origin + sum / static_cast<double>(CubeVertexIterable<Element>::size());
 }
 
 // We look along y, from a little above and from the right.

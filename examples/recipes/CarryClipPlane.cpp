@@ -10,10 +10,6 @@ using Matrix = lum::Matrix<float>;
 using Plane = lum::Plane<float>;
 using Point = lum::Point<float, 3>;
 
-float GetSignedDistance(Plane const& i_plane, Point const& i_point) {
-  return Dot(i_plane.GetNormal(), i_point - lum::Origin) - i_plane.GetD();
-}
-
 }  // namespace
 
 int main() {

@@ -34,5 +34,5 @@ int main() {
   Point const hit = start + t * direction;
   std::printf("on the board (%.3f, %.3f)\n", hit.GetX(), hit.GetY());
   Print("in the world ", world_from_board * hit);
-  Print("along the ray", world_from_camera * (Point() + t * pixel));
+  Print("along the ray", world_from_camera * (lum::Origin + t * pixel));
 }

@@ -52,9 +52,7 @@ Vector NormalizedOr(Vector const& i_fallback, Vector const& i_vector) {
   return lum::GetSquaredLength(i_vector) > 0 ? lum::GetNormalized(i_vector) : i_fallback;
 }
 
-Point InCell(Point const& i_point, Point const& i_origin) {
-  return Point(lum::Origin) + (i_point - i_origin);
-}
+Point InCell(Point const& i_point, Point const& i_origin) { return lum::Origin + (i_point - i_origin); }
 
 // The corners of equal z, and the edges that start there: those within the layer, and those up to the next.
 struct CornerLayer {

@@ -113,7 +113,7 @@ struct Corner {
 using Corners = std::array<Corner, 3>;
 
 bool IsCutAway(std::optional<lum::Plane<float>> const& i_clip, Point const& i_point) {
-  return i_clip && lum::Dot(i_clip->GetNormal(), i_point - lum::Origin) > i_clip->GetD();
+  return i_clip && lum::GetSignedDistance(*i_clip, i_point) > 0;
 }
 
 // Twice the area of the triangle a, b and (x, y).

@@ -27,7 +27,7 @@ double Mesh::GetVolume() const {
   double sum = 0;
   for (auto const& triangle : triangles) {
     lum::Point<double, 3> const& a = vertices[triangle[0]].position;
-    sum += lum::Dot(a - lum::Point<double, 3>(lum::Origin), GetDoubledArea(triangle));
+    sum += lum::Dot(a - lum::Origin, GetDoubledArea(triangle));
   }
   return sum / 6;
 }

@@ -70,7 +70,7 @@ double VolumeField::Evaluate(Point const& i_grid_point) const {
   auto const [x, y, z] = i_grid_point;
   Point const low(std::floor(x), std::floor(y), std::floor(z));
   if (low == i_grid_point) return AtCorner(low);
-  return lum::TrilinearInterpolation(AtCorners(low), Point(lum::Origin) + (i_grid_point - low));
+  return lum::TrilinearInterpolation(AtCorners(low), lum::Origin + (i_grid_point - low));
 }
 
 // Most cells lie among the voxels, and most volumes are finite: then nothing has to be asked of each corner.

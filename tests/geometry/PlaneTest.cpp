@@ -29,6 +29,16 @@ TYPED_TEST(PlaneOf, MakesItsNormalAUnitVector) {
   EXPECT_EQ(plane, (Plane<TypeParam>(0, 0, 1, 2)));
 }
 
+TYPED_TEST(PlaneOf, MeasuresDistancesAlongItsNormal) {
+  using P = Point<TypeParam, 3>;
+  Plane<TypeParam> const plane(0, 0, -2, 4);
+  EXPECT_EQ(GetSignedDistance(plane, P(5, 6, -2)), 0);
+  EXPECT_EQ(GetSignedDistance(plane, P(5, 6, -7)), 5);
+  EXPECT_EQ(GetSignedDistance(plane, P(5, 6, 1)), -3);
+  EXPECT_EQ(GetSignedDistance(Plane<TypeParam>(1, 0, 0, 1), P(3, 1, 1)), 2);
+  EXPECT_EQ(GetSignedDistance(Plane<TypeParam>(0, 1, 0, 1), P(1, 4, 1)), 3);
+}
+
 TYPED_TEST(PlaneOf, ComparesEveryValue) {
   using P = Plane<TypeParam>;
   EXPECT_TRUE(P(1, 0, 0, 2) == P(1, 0, 0, 2));

@@ -20,6 +20,7 @@ static_assert(P(1, 2, 3) - P(1, 1, 1) == V(0, 1, 2));
 static_assert(P(1, 2, 3) + V(1, 1, 1) == P(2, 3, 4));
 static_assert(P(1, 2, 3) - V(1, 1, 1) == P(0, 1, 2));
 static_assert(P(1, 2, 3) - Origin == V(1, 2, 3));
+static_assert(Origin + V(1, 2, 3) == P(1, 2, 3));
 static_assert(P(1, 2, 3) != P(1, 2, 4));
 
 TEST(Point, BindsToItsCoordinatesInOrder) {
@@ -46,6 +47,12 @@ TEST(Point, ComparesEveryCoordinate) {
   EXPECT_FALSE(P(1, 2, 3) == P(1, 0, 3));
   EXPECT_FALSE(P(1, 2, 3) == P(1, 2, 0));
   EXPECT_TRUE((Point<float, 2>(1, 2) != Point<float, 2>(1, 3)));
+}
+
+TEST(Point, ConvertsToTheOtherPrecisionWhenAsked) {
+  static_assert(!std::is_convertible_v<P, Point<float, 3>> && !std::is_convertible_v<Point<float, 3>, P>);
+  EXPECT_EQ((Point<float, 3>(P(0.1, 2, -3))), (Point<float, 3>(0.1F, 2, -3)));
+  EXPECT_EQ((Point<double, 2>(Point<float, 2>(0.1F, 2))), (Point<double, 2>(double{0.1F}, 2)));
 }
 
 TEST(Point, MovesByVectors) {

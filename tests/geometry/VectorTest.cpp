@@ -38,6 +38,12 @@ class VectorOf : public testing::Test {};
 using Precisions = testing::Types<float, double>;
 TYPED_TEST_SUITE(VectorOf, Precisions);
 
+TEST(Vector, ConvertsToTheOtherPrecisionWhenAsked) {
+  static_assert(!std::is_convertible_v<V, Vector<float, 3>> && !std::is_convertible_v<Vector<float, 3>, V>);
+  EXPECT_EQ((Vector<float, 3>(V(0.1, 2, -3))), (Vector<float, 3>(0.1F, 2, -3)));
+  EXPECT_EQ((Vector<double, 2>(Vector<float, 2>(0.1F, 2))), (Vector<double, 2>(double{0.1F}, 2)));
+}
+
 TYPED_TEST(VectorOf, BindsToItsComponentsInOrder) {
   Vector<TypeParam, 3> vector(1, 2, 3);
   auto& [x, y, z] = vector;
