@@ -19,6 +19,8 @@ namespace lum {
 ///
 /// A Lazy given a plain function is constant-initialised (`constinit`): it works before any dynamic
 /// initialisation has run, which is what lets values at namespace scope be built in any link order.
+///
+/// \tparam T  the value
 template <class T>
 class Lazy {
  public:

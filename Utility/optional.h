@@ -12,7 +12,7 @@ namespace lum {
 
 /// Tag type of `nullopt`. It has no default constructor, so that `optional<T> o = {}` is not ambiguous.
 struct nullopt_t {
-  explicit constexpr nullopt_t(int) noexcept {}
+  explicit constexpr nullopt_t(int) noexcept {}  ///< For `nullopt`; the number means nothing.
 };
 
 /// The empty `optional`. Every translation unit holds its own copy; it carries no state.
@@ -23,13 +23,15 @@ constexpr nullopt_t nullopt{0};
 /// Holds the value in place and allocates nothing. An operation of T that throws leaves the optional as that
 /// operation left the value, and empty where the value was being replaced by `emplace`. Distinct objects may
 /// be used on different threads; one object needs outside synchronisation as soon as one thread writes it.
+///
+/// \tparam T  the value, an object type
 template <class T>
 class optional {
  public:
-  using value_type = T;
+  using value_type = T;  ///< The type of the value.
 
-  constexpr optional() noexcept : m_nothing{} {}
-  constexpr optional(nullopt_t) noexcept : m_nothing{} {}
+  constexpr optional() noexcept : m_nothing{} {}           ///< Empty.
+  constexpr optional(nullopt_t) noexcept : m_nothing{} {}  ///< Empty.
   /// From whatever makes a T; implicit where that is.
   template <class U = T>
   requires(!std::same_as<std::remove_cvref_t<U>, optional<T>> &&
@@ -37,19 +39,24 @@ class optional {
            std::constructible_from<T, U>) constexpr explicit(!std::is_convertible_v<U, T>)
       optional(U&& i_value)
       : m_value(std::forward<U>(i_value)), m_is_engaged(true) {}
+  /// Builds the value from the arguments.
   template <class... Arguments>
   requires std::constructible_from<T, Arguments...>
   constexpr explicit optional(std::in_place_t, Arguments&&... i_arguments)
       : m_value(std::forward<Arguments>(i_arguments)...), m_is_engaged(true) {}
 
-  constexpr optional(optional const& i_other);
+  constexpr optional(optional const& i_other);  ///< Copies the value, if there is one.
+  /// Moves the value, if there is one; the other optional keeps what the move leaves.
   constexpr optional(optional&& i_other) noexcept(std::is_nothrow_move_constructible_v<T>);
   constexpr ~optional() { reset(); }
 
-  constexpr optional& operator=(nullopt_t) noexcept;
+  constexpr optional& operator=(nullopt_t) noexcept;  ///< Empties.
+  ///@{
+  /// Assigns to the value where both have one; otherwise builds or destroys it.
   constexpr optional& operator=(optional const& i_other);
   constexpr optional& operator=(optional&& i_other) noexcept(
       std::is_nothrow_move_constructible_v<T>&& std::is_nothrow_move_assignable_v<T>);
+  ///@}
   /// Takes part for whatever assigns a T, but not for `{}` given to a scalar: `o = {}` empties every
   /// optional.
   template <class U = T>
@@ -61,32 +68,40 @@ class optional {
     return *this;
   }
 
+  ///@{
+  /// Whether there is a value.
   constexpr bool has_value() const noexcept { return m_is_engaged; }
   constexpr explicit operator bool() const noexcept { return m_is_engaged; }
+  ///@}
 
+  ///@{
   /// The value, unchecked: undefined for an empty optional.
   constexpr T& operator*() & noexcept { return m_value; }
   constexpr T const& operator*() const& noexcept { return m_value; }
   constexpr T&& operator*() && noexcept { return std::move(m_value); }
   constexpr T* operator->() noexcept { return std::addressof(m_value); }
   constexpr T const* operator->() const noexcept { return std::addressof(m_value); }
+  ///@}
 
+  ///@{
   /// The value; an empty optional throws `std::bad_optional_access`.
   constexpr T& value() &;
   constexpr T const& value() const&;
   constexpr T&& value() &&;
+  ///@}
 
   /// The value, or `i_default` converted to T for an empty optional.
   template <class U>
   constexpr T value_or(U&& i_default) const&;
+  /// The same, moving the value out.
   template <class U>
   constexpr T value_or(U&& i_default) &&;
 
   /// Destroys the value, if there is one, and builds a new one from the arguments.
   template <class... Arguments>
   constexpr T& emplace(Arguments&&... i_arguments);
-  constexpr void reset() noexcept;
-  constexpr void swap(optional& io_other);
+  constexpr void reset() noexcept;          ///< Destroys the value, if there is one.
+  constexpr void swap(optional& io_other);  ///< By three moves.
 
  private:
   template <class U>
@@ -155,6 +170,7 @@ constexpr T&& optional<T>::value() && {
   return std::move(value());
 }
 
+/// \cond
 template <class T>
 template <class U>
 constexpr T optional<T>::value_or(U&& i_default) const& {
@@ -166,6 +182,7 @@ template <class U>
 constexpr T optional<T>::value_or(U&& i_default) && {
   return m_is_engaged ? std::move(m_value) : static_cast<T>(std::forward<U>(i_default));
 }
+/// \endcond
 
 template <class T>
 template <class... Arguments>
@@ -199,6 +216,7 @@ constexpr void optional<T>::Assign(U&& i_value) {
   }
 }
 
+/// By three moves.
 template <class T>
 constexpr void swap(optional<T>& io_a, optional<T>& io_b) {
   io_a.swap(io_b);
@@ -210,11 +228,13 @@ constexpr bool operator==(optional<T> const& i_a, optional<T> const& i_b) {
   return i_a.has_value() == i_b.has_value() && (!i_a.has_value() || *i_a == *i_b);
 }
 
+/// Whether the optional is empty.
 template <class T>
 constexpr bool operator==(optional<T> const& i_a, nullopt_t) noexcept {
   return !i_a.has_value();
 }
 
+/// Whether the optional holds a value that equals this one.
 template <class T>
 constexpr bool operator==(optional<T> const& i_a, T const& i_value) {
   return i_a.has_value() && *i_a == i_value;

@@ -21,9 +21,13 @@
 /// It is the element's value >> 3.
 namespace lum::CanonicalCubeElementIds {
 
+/// 0.
 enum class CanonicalVertex : unsigned int {};
+/// 1, 2 or 4.
 enum class CanonicalEdge : unsigned int {};
+/// 3, 5 or 6.
 enum class CanonicalFace : unsigned int {};
+/// 7.
 enum class CanonicalCube : unsigned int {};
 
 }  // namespace lum::CanonicalCubeElementIds
@@ -36,6 +40,8 @@ namespace lum {
 /// nothing else. Safe from any thread.
 class CanonicalCubeElement {
  public:
+  ///@{
+  /// From the value, or an identifier of any dimension.
   explicit constexpr CanonicalCubeElement(unsigned int i_index) noexcept : m_index(i_index) {}
   constexpr CanonicalCubeElement(CanonicalCubeElementIds::CanonicalVertex i_vertex) noexcept
       : m_index(static_cast<unsigned int>(i_vertex)) {}
@@ -45,10 +51,12 @@ class CanonicalCubeElement {
       : m_index(static_cast<unsigned int>(i_face)) {}
   constexpr CanonicalCubeElement(CanonicalCubeElementIds::CanonicalCube i_cube) noexcept
       : m_index(static_cast<unsigned int>(i_cube)) {}
+  ///@}
   /// Forgets where the element lies.
   explicit constexpr CanonicalCubeElement(CubeElement i_element) noexcept
       : m_index(i_element.GetIndex() >> 3) {}
 
+  /// The value.
   constexpr unsigned int GetIndex() const noexcept { return m_index; }
   /// The number of set bits: 0 for the vertex, 1 for edges, 2 for faces, 3 for the cube.
   constexpr unsigned int GetDimensionality() const noexcept { return internal::CountBits(m_index); }
@@ -83,13 +91,16 @@ constexpr CanonicalCubeElementIds::CanonicalFace CanonicalCubeElement::GetAsFace
 class CanonicalEdgeIterator
     : public internal::IndexIterator<CanonicalEdgeIterator, CanonicalCubeElementIds::CanonicalEdge> {
  public:
-  constexpr CanonicalEdgeIterator() noexcept = default;
+  constexpr CanonicalEdgeIterator() noexcept = default;  ///< At the first of three.
+  /// At the first of three, or behind the last.
   explicit constexpr CanonicalEdgeIterator(bool i_end) noexcept : IndexIterator(i_end ? 3 : 0) {}
 
+  /// The element, computed.
   constexpr CanonicalCubeElementIds::CanonicalEdge operator*() const noexcept {
     return CanonicalCubeElementIds::CanonicalEdge{internal::ShiftLeft(1, GetIndex())};
   }
 
+  /// By index.
   friend constexpr auto operator<=>(CanonicalEdgeIterator const&,
                                     CanonicalEdgeIterator const&) noexcept = default;
 };
@@ -98,13 +109,16 @@ class CanonicalEdgeIterator
 class CanonicalFaceIterator
     : public internal::IndexIterator<CanonicalFaceIterator, CanonicalCubeElementIds::CanonicalFace> {
  public:
-  constexpr CanonicalFaceIterator() noexcept = default;
+  constexpr CanonicalFaceIterator() noexcept = default;  ///< At the first of three.
+  /// At the first of three, or behind the last.
   explicit constexpr CanonicalFaceIterator(bool i_end) noexcept : IndexIterator(i_end ? 3 : 0) {}
 
+  /// The element, computed.
   constexpr CanonicalCubeElementIds::CanonicalFace operator*() const noexcept {
     return CanonicalCubeElementIds::CanonicalFace{internal::ShiftLeft(1, GetIndex()) ^ 7U};
   }
 
+  /// By index.
   friend constexpr auto operator<=>(CanonicalFaceIterator const&,
                                     CanonicalFaceIterator const&) noexcept = default;
 };
@@ -113,14 +127,18 @@ class CanonicalFaceIterator
 /// outside gives some number.
 class CanonicalEdgeIterable {
  public:
-  using Iterator = CanonicalEdgeIterator;
+  using Iterator = CanonicalEdgeIterator;  ///< Its iterator.
 
+  ///@{
+  /// A standard random access range of 3; indices are not checked.
   static constexpr unsigned long size() noexcept { return 3; }
   constexpr Iterator begin() const noexcept { return Iterator(false); }
   constexpr Iterator end() const noexcept { return Iterator(true); }
   constexpr CanonicalCubeElementIds::CanonicalEdge operator[](unsigned long i_index) const noexcept {
     return *(begin() + static_cast<Iterator::difference_type>(i_index));
   }
+  ///@}
+  /// The index of an edge: the number of its axis.
   static constexpr unsigned long IndexOf(CanonicalCubeElementIds::CanonicalEdge i_edge) noexcept {
     return static_cast<unsigned int>(i_edge) >> 1;
   }
@@ -130,14 +148,18 @@ class CanonicalEdgeIterable {
 /// a value from outside gives some number.
 class CanonicalFaceIterable {
  public:
-  using Iterator = CanonicalFaceIterator;
+  using Iterator = CanonicalFaceIterator;  ///< Its iterator.
 
+  ///@{
+  /// A standard random access range of 3; indices are not checked.
   static constexpr unsigned long size() noexcept { return 3; }
   constexpr Iterator begin() const noexcept { return Iterator(false); }
   constexpr Iterator end() const noexcept { return Iterator(true); }
   constexpr CanonicalCubeElementIds::CanonicalFace operator[](unsigned long i_index) const noexcept {
     return *(begin() + static_cast<Iterator::difference_type>(i_index));
   }
+  ///@}
+  /// The index of a face: the number of the axis that it does not span.
   static constexpr unsigned long IndexOf(CanonicalCubeElementIds::CanonicalFace i_face) noexcept {
     return (static_cast<unsigned int>(i_face) >> 1) ^ 3U;
   }
@@ -145,7 +167,9 @@ class CanonicalFaceIterable {
 
 }  // namespace lum
 
+/// \cond
 template <>
 inline constexpr bool std::ranges::enable_borrowed_range<lum::CanonicalEdgeIterable> = true;
 template <>
 inline constexpr bool std::ranges::enable_borrowed_range<lum::CanonicalFaceIterable> = true;
+/// \endcond

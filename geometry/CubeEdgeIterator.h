@@ -9,6 +9,7 @@
 #include "geometry/CubeSpaceIds.h"
 #include "geometry/IndexIterator.h"
 
+/// \file
 /// The edges of the cube, all or those along one axis, or of one of its faces, as random access ranges.
 ///
 /// No tables: an edge is computed from its index i in the range. Its layout is
@@ -36,6 +37,7 @@ class CubeEdgeIterator;
 template <class ContainingElement>
 class CubeEdgeIterable;
 
+/// Over edges of the cube.
 template <>
 class CubeEdgeIterator<CubeElementIds::Cube>
     : public internal::IndexIterator<CubeEdgeIterator<CubeElementIds::Cube>, CubeElementIds::Edge> {
@@ -47,12 +49,14 @@ class CubeEdgeIterator<CubeElementIds::Cube>
   constexpr CubeEdgeIterator(CubeSpaceIds::Orientation i_orientation, bool i_end) noexcept
       : IndexIterator(i_end ? 4 : 0), m_space(i_orientation) {}
 
+  /// The edge, computed.
   constexpr CubeElementIds::Edge operator*() const {
     auto const orientation = static_cast<unsigned int>(GetOrientation());
     unsigned int const start = internal::Rotate(GetIndex() & 3U, internal::GetAxisNumber(orientation) + 1);
     return CubeElementIds::Edge{(orientation << 3) | start};
   }
 
+  /// By index, then by context.
   friend constexpr auto operator<=>(CubeEdgeIterator const&, CubeEdgeIterator const&) noexcept = default;
 
  private:
@@ -64,14 +68,17 @@ class CubeEdgeIterator<CubeElementIds::Cube>
   CubeSpace m_space = CubeSpaceIds::VolumeXYZ;
 };
 
+/// Over edges of a face.
 template <>
 class CubeEdgeIterator<CubeElementIds::Face>
     : public internal::IndexIterator<CubeEdgeIterator<CubeElementIds::Face>, CubeElementIds::Edge> {
  public:
   constexpr CubeEdgeIterator() noexcept = default;
+  /// At the first of the face's four, or behind the last.
   constexpr CubeEdgeIterator(CubeElementIds::Face i_face, bool i_end) noexcept
       : IndexIterator(i_end ? 4 : 0), m_face(i_face) {}
 
+  /// The edge, computed.
   constexpr CubeElementIds::Edge operator*() const noexcept {
     auto const face = static_cast<unsigned int>(m_face);
     unsigned int const normal = (face >> 3) ^ 7U;
@@ -82,6 +89,7 @@ class CubeEdgeIterator<CubeElementIds::Face>
     return CubeElementIds::Edge{(orientation << 3) | ((face & 7U) ^ offset)};
   }
 
+  /// By index, then by context.
   friend constexpr auto operator<=>(CubeEdgeIterator const&, CubeEdgeIterator const&) noexcept = default;
 
  private:
@@ -95,18 +103,23 @@ class CubeEdgeIterator<CubeElementIds::Face>
 template <>
 class CubeEdgeIterable<CubeElementIds::Cube> {
  public:
-  using Iterator = CubeEdgeIterator<CubeElementIds::Cube>;
+  using Iterator = CubeEdgeIterator<CubeElementIds::Cube>;  ///< Its iterator.
 
   constexpr CubeEdgeIterable() noexcept = default;
+  /// Those along this axis, which is checked when it is used.
   explicit constexpr CubeEdgeIterable(CubeSpaceIds::Orientation i_orientation) noexcept
       : m_space(i_orientation) {}
 
+  ///@{
+  /// A standard random access range of 12 or 4; indices are not checked.
   constexpr unsigned long size() const { return IsWholeCube() ? 12 : 4; }
   constexpr Iterator begin() const { return At(false); }
   constexpr Iterator end() const { return At(true); }
   constexpr CubeElementIds::Edge operator[](unsigned long i_index) const {
     return *(begin() + static_cast<Iterator::difference_type>(i_index));
   }
+  ///@}
+  /// The index of an edge, among all or among those along its axis.
   constexpr unsigned long IndexOf(CubeElementIds::Edge i_edge) const noexcept {
     auto const edge = static_cast<unsigned int>(i_edge);
     unsigned int const axis = (edge >> 4) & 3U;
@@ -129,19 +142,25 @@ class CubeEdgeIterable<CubeElementIds::Cube> {
   CubeSpace m_space = CubeSpaceIds::VolumeXYZ;
 };
 
+/// The four of a face, two along each of its axes.
 template <>
 class CubeEdgeIterable<CubeElementIds::Face> {
  public:
-  using Iterator = CubeEdgeIterator<CubeElementIds::Face>;
+  using Iterator = CubeEdgeIterator<CubeElementIds::Face>;  ///< Its iterator.
 
+  /// Of this face, taken as it is.
   explicit constexpr CubeEdgeIterable(CubeElementIds::Face i_face) noexcept : m_face(i_face) {}
 
+  ///@{
+  /// A standard random access range of 4; indices are not checked.
   static constexpr unsigned long size() noexcept { return 4; }
   constexpr Iterator begin() const noexcept { return {m_face, false}; }
   constexpr Iterator end() const noexcept { return {m_face, true}; }
   constexpr CubeElementIds::Edge operator[](unsigned long i_index) const noexcept {
     return *(begin() + static_cast<Iterator::difference_type>(i_index));
   }
+  ///@}
+  /// The index of an edge of the face.
   constexpr unsigned long IndexOf(CubeElementIds::Edge i_edge) const noexcept {
     auto const face = static_cast<unsigned int>(m_face);
     auto const edge = static_cast<unsigned int>(i_edge);
@@ -157,5 +176,7 @@ class CubeEdgeIterable<CubeElementIds::Face> {
 
 }  // namespace lum
 
+/// \cond
 template <class ContainingElement>
 inline constexpr bool std::ranges::enable_borrowed_range<lum::CubeEdgeIterable<ContainingElement>> = true;
+/// \endcond

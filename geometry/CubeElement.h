@@ -11,13 +11,17 @@ namespace lum {
 /// A plain value. Making one checks nothing. Safe from any thread.
 class CubeElement {
  public:
+  ///@{
+  /// From the value, or an identifier of any dimension.
   explicit constexpr CubeElement(unsigned int i_index) noexcept : m_index(i_index) {}
   constexpr CubeElement(CubeElementIds::Vertex i_vertex) noexcept
       : m_index(static_cast<unsigned int>(i_vertex)) {}
   constexpr CubeElement(CubeElementIds::Edge i_edge) noexcept : m_index(static_cast<unsigned int>(i_edge)) {}
   constexpr CubeElement(CubeElementIds::Face i_face) noexcept : m_index(static_cast<unsigned int>(i_face)) {}
   constexpr CubeElement(CubeElementIds::Cube i_cube) noexcept : m_index(static_cast<unsigned int>(i_cube)) {}
+  ///@}
 
+  /// The value.
   constexpr unsigned int GetIndex() const noexcept { return m_index; }
 
   /// By value.

@@ -39,6 +39,8 @@ enum class Face : unsigned int {};
 /// 56.
 enum class Cube : unsigned int {};
 
+///@{
+/// A vertex, named by its value.
 inline constexpr Vertex Vertex0{0};
 inline constexpr Vertex Vertex1{1};
 inline constexpr Vertex Vertex2{2};
@@ -47,8 +49,10 @@ inline constexpr Vertex Vertex4{4};
 inline constexpr Vertex Vertex5{5};
 inline constexpr Vertex Vertex6{6};
 inline constexpr Vertex Vertex7{7};
+///@}
 
-// Named by the vertices that they join.
+///@{
+/// An edge, named by the vertices that it joins.
 inline constexpr Edge Edge01{8};
 inline constexpr Edge Edge23{10};
 inline constexpr Edge Edge45{12};
@@ -61,22 +65,27 @@ inline constexpr Edge Edge04{32};
 inline constexpr Edge Edge15{33};
 inline constexpr Edge Edge26{34};
 inline constexpr Edge Edge37{35};
+///@}
 
-// Named by their normal axis and the coordinate along it.
+///@{
+/// A face, named by its normal axis and its coordinate along it.
 inline constexpr Face FaceX0{48};
 inline constexpr Face FaceX1{49};
 inline constexpr Face FaceY0{40};
 inline constexpr Face FaceY1{42};
 inline constexpr Face FaceZ0{24};
 inline constexpr Face FaceZ1{28};
+///@}
 
-inline constexpr Cube WholeCube{56};
+inline constexpr Cube WholeCube{56};  ///< The cube itself.
 
-/// Write the type, " with value: " and the value as an unsigned number, like "CubeElementIds::Edge with
+///@{
+/// Writes the type, " with value: " and the value as an unsigned number, like "CubeElementIds::Edge with
 /// value: 17", without a newline.
 LUM_EXPORT std::ostream& operator<<(std::ostream& io_stream, Vertex i_vertex);
 LUM_EXPORT std::ostream& operator<<(std::ostream& io_stream, Edge i_edge);
 LUM_EXPORT std::ostream& operator<<(std::ostream& io_stream, Face i_face);
 LUM_EXPORT std::ostream& operator<<(std::ostream& io_stream, Cube i_cube);
+///@}
 
 }  // namespace lum::CubeElementIds

@@ -9,6 +9,7 @@
 #include "geometry/CubeSpaceIds.h"
 #include "geometry/IndexIterator.h"
 
+/// \file
 /// The faces of the cube, all six or the two across one axis, as random access ranges.
 ///
 /// No tables: a face is computed from its index i in the range. Its layout is
@@ -33,6 +34,7 @@ class CubeFaceIterator;
 template <class ContainingElement>
 class CubeFaceIterable;
 
+/// Over faces of the cube.
 template <>
 class CubeFaceIterator<CubeElementIds::Cube>
     : public internal::IndexIterator<CubeFaceIterator<CubeElementIds::Cube>, CubeElementIds::Face> {
@@ -44,13 +46,15 @@ class CubeFaceIterator<CubeElementIds::Cube>
   constexpr CubeFaceIterator(CubeSpaceIds::Plane i_plane, bool i_end) noexcept
       : IndexIterator(i_end ? 2 : 0), m_space(i_plane) {}
 
-  /// Throws `std::invalid_argument` for two bits that are no plane, as `GetNormalOrientation` does.
+  /// The face, computed. Throws `std::invalid_argument` for two bits that are no plane, as
+  /// `GetNormalOrientation` does.
   constexpr CubeElementIds::Face operator*() const {
     auto const normal = static_cast<unsigned int>(GetNormal());
     unsigned int const position = internal::ShiftLeft(GetIndex() & 1U, internal::GetAxisNumber(normal));
     return CubeElementIds::Face{((normal << 3) ^ 56U) | position};
   }
 
+  /// By index, then by context.
   friend constexpr auto operator<=>(CubeFaceIterator const&, CubeFaceIterator const&) noexcept = default;
 
  private:
@@ -69,19 +73,24 @@ class CubeFaceIterator<CubeElementIds::Cube>
 template <>
 class CubeFaceIterable<CubeElementIds::Cube> {
  public:
-  using Iterator = CubeFaceIterator<CubeElementIds::Cube>;
+  using Iterator = CubeFaceIterator<CubeElementIds::Cube>;  ///< Its iterator.
 
   constexpr CubeFaceIterable() noexcept = default;
   /// The faces whose normal is this axis.
   explicit constexpr CubeFaceIterable(CubeSpaceIds::Orientation i_normal) noexcept
       : m_space(GetPerpendicularPlane(i_normal)) {}
 
+  ///@{
+  /// A standard random access range of 6 or 2; indices are not checked.
   constexpr unsigned long size() const { return IsWholeCube() ? 6 : 2; }
   constexpr Iterator begin() const { return At(false); }
   constexpr Iterator end() const { return At(true); }
   constexpr CubeElementIds::Face operator[](unsigned long i_index) const {
     return *(begin() + static_cast<Iterator::difference_type>(i_index));
   }
+  ///@}
+  /// The index of a face, among all or across its axis.
+  ///
   /// Throws `std::invalid_argument` for an element whose free axes are not a plane; a face from outside gives
   /// some number.
   constexpr unsigned long IndexOf(CubeElementIds::Face i_face) const {
@@ -110,5 +119,7 @@ class CubeFaceIterable<CubeElementIds::Cube> {
 
 }  // namespace lum
 
+/// \cond
 template <class ContainingElement>
 inline constexpr bool std::ranges::enable_borrowed_range<lum::CubeFaceIterable<ContainingElement>> = true;
+/// \endcond

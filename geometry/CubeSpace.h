@@ -19,13 +19,17 @@ namespace lum {
 /// nothing else, so 9 passes for a plane. Safe from any thread.
 class CubeSpace {
  public:
+  ///@{
+  /// From the bits, or an identifier of any size.
   explicit constexpr CubeSpace(unsigned int i_index) noexcept : m_index(i_index) {}
   constexpr CubeSpace(CubeSpaceIds::Orientation i_orientation) noexcept
       : m_index(static_cast<unsigned int>(i_orientation)) {}
   constexpr CubeSpace(CubeSpaceIds::Plane i_plane) noexcept : m_index(static_cast<unsigned int>(i_plane)) {}
   constexpr CubeSpace(CubeSpaceIds::Volume i_volume) noexcept
       : m_index(static_cast<unsigned int>(i_volume)) {}
+  ///@}
 
+  /// The bits.
   constexpr unsigned int GetIndex() const noexcept { return m_index; }
 
   /// Throws `std::invalid_argument` unless exactly one bit is set.

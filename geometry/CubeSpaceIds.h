@@ -26,6 +26,8 @@ enum class Plane : unsigned int {};
 /// All three axes.
 enum class Volume : unsigned int {};
 
+///@{
+/// The axes of the space that the name says.
 inline constexpr Orientation AxisX{1};
 inline constexpr Orientation AxisY{2};
 inline constexpr Orientation AxisZ{4};
@@ -33,11 +35,14 @@ inline constexpr Plane PlaneXY{3};
 inline constexpr Plane PlaneXZ{5};
 inline constexpr Plane PlaneYZ{6};
 inline constexpr Volume VolumeXYZ{7};
+///@}
 
-/// Write the type, " with value: " and the value as an unsigned number, like "CubeSpaceIds::Plane with value:
-/// 6", without a newline.
+///@{
+/// Writes the type, " with value: " and the value as an unsigned number, like "CubeSpaceIds::Plane with
+/// value: 6", without a newline.
 LUM_EXPORT std::ostream& operator<<(std::ostream& io_stream, Orientation i_orientation);
 LUM_EXPORT std::ostream& operator<<(std::ostream& io_stream, Plane i_plane);
 LUM_EXPORT std::ostream& operator<<(std::ostream& io_stream, Volume i_volume);
+///@}
 
 }  // namespace lum::CubeSpaceIds

@@ -6,6 +6,7 @@
 #include "geometry/CubeElementIds.h"
 #include "geometry/IndexIterator.h"
 
+/// \file
 /// The vertices of the cube, of one of its faces or of one of its edges, as random access ranges.
 ///
 /// No tables: a vertex is computed from its index i in the range and the containing element, whose layout is
@@ -33,51 +34,63 @@ class CubeVertexIterator;
 template <class ContainingElement>
 class CubeVertexIterable;
 
+/// Over vertices of the cube.
 template <>
 class CubeVertexIterator<CubeElementIds::Cube>
     : public internal::IndexIterator<CubeVertexIterator<CubeElementIds::Cube>, CubeElementIds::Vertex> {
  public:
   constexpr CubeVertexIterator() noexcept = default;
+  /// At the first of all 8, or behind the last.
   explicit constexpr CubeVertexIterator(bool i_end) noexcept : IndexIterator(i_end ? 8 : 0) {}
 
+  /// The vertex, computed.
   constexpr CubeElementIds::Vertex operator*() const noexcept { return CubeElementIds::Vertex{GetIndex()}; }
 
+  /// By index, then by context.
   friend constexpr auto operator<=>(CubeVertexIterator const&, CubeVertexIterator const&) noexcept = default;
 };
 
+/// Over vertices of a face.
 template <>
 class CubeVertexIterator<CubeElementIds::Face>
     : public internal::IndexIterator<CubeVertexIterator<CubeElementIds::Face>, CubeElementIds::Vertex> {
  public:
   constexpr CubeVertexIterator() noexcept = default;
+  /// At the first of the face's four, or behind the last.
   constexpr CubeVertexIterator(CubeElementIds::Face i_face, bool i_end) noexcept
       : IndexIterator(i_end ? 4 : 0), m_face(i_face) {}
 
+  /// The vertex, computed.
   constexpr CubeElementIds::Vertex operator*() const noexcept {
     auto const face = static_cast<unsigned int>(m_face);
     unsigned int const turn = ((face >> 4) ^ 3U) + 1;
     return CubeElementIds::Vertex{internal::Rotate(GetIndex(), turn) | (face & 7U)};
   }
 
+  /// By index, then by context.
   friend constexpr auto operator<=>(CubeVertexIterator const&, CubeVertexIterator const&) noexcept = default;
 
  private:
   CubeElementIds::Face m_face{};
 };
 
+/// Over vertices of an edge.
 template <>
 class CubeVertexIterator<CubeElementIds::Edge>
     : public internal::IndexIterator<CubeVertexIterator<CubeElementIds::Edge>, CubeElementIds::Vertex> {
  public:
   constexpr CubeVertexIterator() noexcept = default;
+  /// At the edge's start, or behind its end.
   constexpr CubeVertexIterator(CubeElementIds::Edge i_edge, bool i_end) noexcept
       : IndexIterator(i_end ? 2 : 0), m_edge(i_edge) {}
 
+  /// The vertex, computed.
   constexpr CubeElementIds::Vertex operator*() const noexcept {
     auto const edge = static_cast<unsigned int>(m_edge);
     return CubeElementIds::Vertex{internal::ShiftLeft(GetIndex(), edge >> 4) | (edge & 7U)};
   }
 
+  /// By index, then by context.
   friend constexpr auto operator<=>(CubeVertexIterator const&, CubeVertexIterator const&) noexcept = default;
 
  private:
@@ -88,36 +101,46 @@ class CubeVertexIterator<CubeElementIds::Edge>
 template <>
 class CubeVertexIterable<CubeElementIds::Cube> {
  public:
-  using Iterator = CubeVertexIterator<CubeElementIds::Cube>;
+  using Iterator = CubeVertexIterator<CubeElementIds::Cube>;  ///< Its iterator.
 
   constexpr CubeVertexIterable() noexcept = default;
   /// There is one cube; which is given does not matter.
   explicit constexpr CubeVertexIterable(CubeElementIds::Cube) noexcept {}
 
+  ///@{
+  /// A standard random access range of 8; indices are not checked.
   static constexpr unsigned long size() noexcept { return 8; }
   constexpr Iterator begin() const noexcept { return Iterator(false); }
   constexpr Iterator end() const noexcept { return Iterator(true); }
   constexpr CubeElementIds::Vertex operator[](unsigned long i_index) const noexcept {
     return *(begin() + static_cast<Iterator::difference_type>(i_index));
   }
+  ///@}
+  /// The index of a vertex: its value.
   static constexpr unsigned long IndexOf(CubeElementIds::Vertex i_vertex) noexcept {
     return static_cast<unsigned int>(i_vertex);
   }
 };
 
+/// The four of a face, in the order of the bits.
 template <>
 class CubeVertexIterable<CubeElementIds::Face> {
  public:
-  using Iterator = CubeVertexIterator<CubeElementIds::Face>;
+  using Iterator = CubeVertexIterator<CubeElementIds::Face>;  ///< Its iterator.
 
+  /// Of this face, taken as it is.
   explicit constexpr CubeVertexIterable(CubeElementIds::Face i_face) noexcept : m_face(i_face) {}
 
+  ///@{
+  /// A standard random access range of 4; indices are not checked.
   static constexpr unsigned long size() noexcept { return 4; }
   constexpr Iterator begin() const noexcept { return {m_face, false}; }
   constexpr Iterator end() const noexcept { return {m_face, true}; }
   constexpr CubeElementIds::Vertex operator[](unsigned long i_index) const noexcept {
     return *(begin() + static_cast<Iterator::difference_type>(i_index));
   }
+  ///@}
+  /// The index of a vertex of the face.
   constexpr unsigned long IndexOf(CubeElementIds::Vertex i_vertex) const noexcept {
     auto const face = static_cast<unsigned int>(m_face);
     unsigned int const turn = (4 - ((face >> 4) & 3U)) ^ 3U;
@@ -132,16 +155,21 @@ class CubeVertexIterable<CubeElementIds::Face> {
 template <>
 class CubeVertexIterable<CubeElementIds::Edge> {
  public:
-  using Iterator = CubeVertexIterator<CubeElementIds::Edge>;
+  using Iterator = CubeVertexIterator<CubeElementIds::Edge>;  ///< Its iterator.
 
+  /// Of this edge, taken as it is.
   explicit constexpr CubeVertexIterable(CubeElementIds::Edge i_edge) noexcept : m_edge(i_edge) {}
 
+  ///@{
+  /// A standard random access range of 2; indices are not checked.
   static constexpr unsigned long size() noexcept { return 2; }
   constexpr Iterator begin() const noexcept { return {m_edge, false}; }
   constexpr Iterator end() const noexcept { return {m_edge, true}; }
   constexpr CubeElementIds::Vertex operator[](unsigned long i_index) const noexcept {
     return *(begin() + static_cast<Iterator::difference_type>(i_index));
   }
+  ///@}
+  /// The index of an end of the edge: 0 or 1.
   constexpr unsigned long IndexOf(CubeElementIds::Vertex i_vertex) const noexcept {
     auto const edge = static_cast<unsigned int>(m_edge);
     return ((static_cast<unsigned int>(i_vertex) ^ edge) & 7U) >> ((edge >> 4) & 3U);
@@ -153,5 +181,7 @@ class CubeVertexIterable<CubeElementIds::Edge> {
 
 }  // namespace lum
 
+/// \cond
 template <class ContainingElement>
 inline constexpr bool std::ranges::enable_borrowed_range<lum::CubeVertexIterable<ContainingElement>> = true;
+/// \endcond

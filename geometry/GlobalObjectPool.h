@@ -22,15 +22,16 @@ namespace lum {
 /// Thread safety: everything, from any number of threads, from before `main` to the end of the process.
 template <class Pool, class Handle>
 struct GlobalObjectPool {
-  static Lazy<Pool*> const& m_pool;
+  static Lazy<Pool*> const& m_pool;  ///< The pool.
 };
 
 /// The types through which values of the library hold their numbers: blocks of 32 objects of type T.
 template <class T>
 struct PoolTypes {
-  using Object = T;
-  using ObjectPool = lum::ObjectPool<T, 32, 16>;
-  using ObjectPoolBlock = lum::ObjectPoolBlock<T, 32, 16>;
+  using Object = T;                                         ///< What holds the numbers.
+  using ObjectPool = lum::ObjectPool<T, 32, 16>;            ///< What hands the objects out.
+  using ObjectPoolBlock = lum::ObjectPoolBlock<T, 32, 16>;  ///< Where they lie.
+  /// What owns an object.
   using ObjectHandle =
       Handle<T, std::atomic<unsigned long>, ObjectPoolDeleter<T, ObjectPool, ObjectPoolBlock>>;
 };
@@ -58,6 +59,7 @@ using MatrixObject = Eigen::Transform<T, 3, Eigen::Projective>;
 /// The object that holds the numbers of a `Quaternionf`, in the order x, y, z, w.
 using QuaternionObject = Eigen::Quaternion<float>;
 
+/// \cond
 extern template class LUM_EXPORT ObjectPoolBlock<MatrixObject<float>, 32, 16>;
 extern template class LUM_EXPORT ObjectPoolBlock<MatrixObject<double>, 32, 16>;
 extern template class LUM_EXPORT ObjectPoolBlock<QuaternionObject, 32, 16>;
@@ -73,5 +75,6 @@ LUM_EXPORT Lazy<PoolTypes<MatrixObject<double>>::ObjectPool*> const&
     GlobalPoolOf<MatrixObject<double>>::m_pool;
 template <>
 LUM_EXPORT Lazy<PoolTypes<QuaternionObject>::ObjectPool*> const& GlobalPoolOf<QuaternionObject>::m_pool;
+/// \endcond
 
 }  // namespace lum

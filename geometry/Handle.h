@@ -42,24 +42,34 @@ class Handle {
   /// The first handle onto an object whose count is 0: sets it to 1, without a test of the arguments.
   Handle(internal::FirstReference, T* ip_object, C* ip_reference_count, D i_delete) noexcept;
 
+  /// Shares the object: one increment.
   Handle(Handle const& i_other) noexcept;
+  /// Takes over the reference and leaves the other handle empty: no count is touched.
   Handle(Handle&& io_other) noexcept;
+  /// Lets go: one decrement; of the last handle, a return of the object.
   ~Handle() {
     if (mp_object != nullptr && DropReference(*mp_reference_count)) m_delete(mp_object);
   }
 
+  ///@{
+  /// Shares or takes over the other's object, then lets go of its own.
+  ///
   /// A self-assignment, or one from another handle onto the same object, leaves the count unchanged.
   /// A deleter that throws leaves this handle empty; the reference that was taken from the source is dropped.
   // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): a counted copy is taken first
   Handle& operator=(Handle const& i_other) noexcept(kReleasesQuietly);
   // NOLINTNEXTLINE(performance-noexcept-move-constructor): as quiet as the deleter is
   Handle& operator=(Handle&& io_other) noexcept(kReleasesQuietly);
+  ///@}
 
   /// The object; null for an empty handle.
   T* Get() const noexcept { return mp_object; }
+  ///@{
   /// The object; undefined for an empty handle.
   T& operator*() const noexcept { return *mp_object; }
   T* operator->() const noexcept { return mp_object; }
+  ///@}
+  /// Whether it is bound.
   explicit operator bool() const noexcept { return mp_object != nullptr; }
 
   /// A snapshot of the count; 0 for an empty handle. A 1 stays 1, because only a holder can raise it. The

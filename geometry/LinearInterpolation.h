@@ -10,7 +10,7 @@
 namespace lum {
 
 /// b t + (1 - t) a: equal to a at t = 0 and to b at t = 1 for finite ends. t is not clamped: outside [0, 1]
-/// it extrapolates.
+/// it extrapolates. Throws nothing; safe from any thread.
 template <std::floating_point T>
 constexpr T LinearInterpolation(T i_a, T i_b, T i_t) noexcept {
   return i_b * i_t + (1 - i_t) * i_a;

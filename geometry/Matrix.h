@@ -47,18 +47,22 @@ using MatrixPoolTypes = PoolTypes<MatrixObject<T>>;
 /// Errors: whatever takes a pooled object passes on what the pool throws (`std::bad_alloc`) and leaves its
 /// operands as they were.
 ///
+/// Cost: members say how many objects they take and how many counts they raise; where nothing is said, none.
+/// Letting go lowers as many counts. What needs the known identity makes it on first use in a process.
+///
+/// Translations, origins and planes are in one unit of length, which the caller chooses; the rest has none.
+///
 /// \tparam T  `float` or `double`, which is also the precision of all arithmetic
 template <class T>
 class LUM_EXPORT LUM_STANDALONE_DEBUG Matrix {
  public:
-  using Object = typename MatrixPoolTypes<T>::Object;
-  using ObjectHandle = typename MatrixPoolTypes<T>::ObjectHandle;
+  using Object = typename MatrixPoolTypes<T>::Object;              ///< What holds the 16 values.
+  using ObjectHandle = typename MatrixPoolTypes<T>::ObjectHandle;  ///< What owns such an object.
 
-  /// The known identity.
-  Matrix();
-  Matrix(Matrix const&) = default;
-  Matrix(Matrix&&) noexcept = default;
-  /// Two fresh objects, whose values the library writes before anyone reads them.
+  Matrix();                             ///< The known identity. Raises 2 counts.
+  Matrix(Matrix const&) = default;      ///< Shares both objects. Raises 2 counts, or 1 without an inverse.
+  Matrix(Matrix&&) noexcept = default;  ///< Takes over both handles.
+  /// Two fresh objects, whose values the library writes before anyone reads them. Takes 2 objects.
   explicit Matrix(internal::FreshObjects) : m_objects(CreateTwoGlobalObjects<Object>()) {}
   /// Shares the objects of two handles, the second of which may be empty. Nothing is checked.
   Matrix(ObjectHandle i_transform, ObjectHandle i_inverse) noexcept;
@@ -67,45 +71,54 @@ class LUM_EXPORT LUM_STANDALONE_DEBUG Matrix {
     // A matrix that was moved from holds neither, and the compiler mostly knows.
     if (m_objects.second || m_objects.first) ObjectHandle::ReleaseTogether(m_objects.second, m_objects.first);
   }
-  /// Copies 16 values, column by column, and inverts them. A singular matrix gets an inverse of infinities
-  /// and NaNs.
+  /// Copies 16 values, column by column, and inverts them by their cofactors. A singular matrix gets an
+  /// inverse of infinities and NaNs. Takes 2 objects.
   explicit Matrix(T const* ip_values);
   /// The frame that maps the unit axes onto the three vectors, taken as they are, and (0, 0, 0) onto the
-  /// origin; inverted like the matrix from values.
+  /// origin; inverted like the matrix from values. Takes 2 objects.
   Matrix(Point<T, 3> const& i_origin, Vector<T, 3> const& i_x, Vector<T, 3> const& i_y,
          Vector<T, 3> const& i_z);
   /// Converts transform and inverse value by value: rounded to the nearest float, or widened exactly. Shares
-  /// nothing, so the result is never a known identity. Without an inverse there, there is none here.
+  /// nothing, so the result is never a known identity. Without an inverse there, there is none here. Takes 2
+  /// objects, or 1 without an inverse.
   template <class U>
   requires(!std::same_as<T, U>) Matrix(Matrix<U> const& i_other);
 
-  /// Lets go of the transform, then of the inverse, and shares those of the other.
+  /// Shares the objects of the other, then lets go of the transform and the inverse that it had.
   // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): a counted copy is taken first
   Matrix& operator=(Matrix const& i_other) noexcept { return *this = Matrix(i_other); }
-  Matrix& operator=(Matrix&& io_other) noexcept;
+  Matrix& operator=(Matrix&& io_other) noexcept;  ///< Moves, then lets go of what it had.
   /// Converts as the constructor does. If taking the second object fails, this matrix has its new transform
   /// and its old inverse. Returns a reference to const.
   template <class U>
   requires(!std::same_as<T, U>) Matrix const& operator=(Matrix<U> const& i_other);
 
-  /// Scales along the axes. Without an inverse when a reciprocal is infinite or NaN.
+  ///@{
+  /// Scales along the axes, each by its own factor or all by one. Without an inverse when a reciprocal is
+  /// infinite or NaN. Takes 2 objects, or 1 without an inverse.
   static Matrix Scale(T i_x, T i_y, T i_z);
   static Matrix Scale(T i_factor);
+  ///@}
+  ///@{
+  /// Moves points by an offset, and back by its inverse. Takes 2 objects.
   static Matrix Translate(T i_x, T i_y, T i_z);
   static Matrix Translate(Vector<T, 3> const& i_offset);
-  /// Rotates about an axis through the origin. The axis is taken as it is: one that is not of unit length
-  /// does not give a rigid motion. The inverse turns through the negated angle. An angle of zero gives the
-  /// known identity.
+  ///@}
+  /// Rotates about an axis through the origin, by Rodrigues' formula. The axis is taken as it is: one that is
+  /// not of unit length does not give a rigid motion. The inverse turns through the negated angle. An angle
+  /// of zero gives the known identity, raising 2 counts; any other takes 2 objects.
   static Matrix Rotate(Vector<T, 3> const& i_axis, T i_angle);
   /// Maps a box of these extents, centred on the origin, onto the cube from -1 to 1.
   ///
   /// The first extent that is not strictly positive throws `std::invalid_argument`. A NaN is let through and
-  /// gives a matrix without inverse.
+  /// gives a matrix without inverse. Takes what `Scale` takes.
   static Matrix Normalize(T i_width, T i_height, T i_depth);
 
-  /// The handles onto the transform and onto the inverse; the latter is empty when there is none.
+  ///@{
+  /// The handle onto the transform, or onto the inverse, which is empty when there is none.
   ObjectHandle const& GetMatrix() const noexcept { return m_objects.first; }
   ObjectHandle const& GetMatrixInverse() const noexcept { return m_objects.second; }
+  ///@}
   /// The 16 values of the transform, column by column; valid as long as something holds the object.
   T const* GetAsPtr() const noexcept;
   /// The value at a row and a column; an index outside 0 to 3 throws `std::invalid_argument`.
@@ -113,26 +126,33 @@ class LUM_EXPORT LUM_STANDALONE_DEBUG Matrix {
   /// Compares the transforms byte for byte: zeros of opposite sign differ, equal NaNs do not. The inverses
   /// are not compared.
   bool operator==(Matrix const& i_other) const noexcept;
+  /// Whether the transform is the identity object itself. Other matrices with its values are not.
   bool IsKnownIdentity() const;
 
+  /// Whether an inverse is held.
   bool HasInverse() const noexcept { return static_cast<bool>(m_objects.second); }
   /// Always true: every matrix is taken to be affine; row 3 is not looked at.
   bool IsAffine() const noexcept { return true; }
-  /// Swaps the two handles. Without an inverse throws `std::domain_error`. Of a temporary, takes them.
+  ///@{
+  /// Swaps the two handles: raises 2 counts, or none of a temporary, whose handles it takes. Without an
+  /// inverse throws `std::domain_error`.
   Matrix GetInverse() const&;
   Matrix GetInverse() &&;
+  ///@}
   /// The transpose of the upper-left 3x3 block, with row 3 moved into column 3 and row 3 set to (0, 0, 0, 1):
-  /// the translation is dropped. Has an inverse when this matrix has one.
+  /// the translation is dropped. Has an inverse when this matrix has one. Takes 2 objects, or 1 without an
+  /// inverse; of the known identity raises 2 counts.
   Matrix GetTranspose() const;
-  /// The determinant of all 4x4 values; exactly 1 for the known identity.
+  /// The determinant of all 4x4 values, by complementary 2x2 minors; exactly 1 for the known identity.
   T GetDeterminant() const;
-  /// The matrix that carries normals along: the transpose of the inverse. Without an inverse throws
-  /// `std::domain_error`.
+  /// The matrix that carries normals along: the transpose of the inverse (Turkowski, Graphics Gems, 1990).
+  /// Without an inverse throws `std::domain_error`. Takes 2 objects; of the known identity raises 2 counts.
   Matrix GetNormalTransform() const;
 
-  /// The full 4x4 product, with the product of the inverses when both factors have one. A known identity as
-  /// a factor gives a copy of the other factor.
+  /// The full 4x4 product, with the product of the inverses when both factors have one. Takes 2 objects, or 1
+  /// without an inverse. A known identity as a factor gives a copy of the other factor, raising 2 counts.
   Matrix operator*(Matrix const& i_right) const;
+  /// Becomes the product; this matrix is unchanged when that throws.
   Matrix& operator*=(Matrix const& i_right);
   /// Component i is ((M(i,0) x + M(i,1) y) + M(i,2) z) + M(i,3) 0: a translation that is not finite shows.
   Vector<T, 3> operator*(Vector<T, 3> const& i_vector) const;
@@ -144,8 +164,8 @@ class LUM_EXPORT LUM_STANDALONE_DEBUG Matrix {
   /// smallest normal value throws `std::invalid_argument`, like the constructor of `Plane`.
   Plane<T> operator*(Plane<T> const& i_plane) const;
 
-  /// The transform for writing: this matrix's own object, or a fresh copy if it was shared. The other handle
-  /// is left alone: whoever writes one of the two keeps the other in step.
+  /// The transform for writing: this matrix's own object, or, taking 1, a fresh copy if it was shared. The
+  /// other handle is left alone: whoever writes one of the two keeps the other in step.
   Object* GetMutableInternal();
   /// The same for the inverse, which must exist: an assertion holds the caller to it.
   Object* GetMutableInverseInternal();
@@ -201,6 +221,7 @@ inline void Matrix<T>::RequireInverse() const {
   if (!m_objects.second) ThrowNoInverse();
 }
 
+///@{
 /// Carries every point of an array as the product with one point does, to the same bits but for
 /// signs and payloads of NaNs; a known identity copies.
 ///
@@ -211,12 +232,16 @@ LUM_EXPORT void TransformPoints(Matrix<float> const& i_matrix, std::span<Point<f
                                 std::span<Point<float, 3>> o_points);
 LUM_EXPORT void TransformPoints(Matrix<double> const& i_matrix, std::span<Point<double, 3> const> i_points,
                                 std::span<Point<double, 3>> o_points);
-/// The same for vectors.
+///@}
+///@{
+/// The same for vectors, which ignore a finite translation.
 LUM_EXPORT void TransformVectors(Matrix<float> const& i_matrix, std::span<Vector<float, 3> const> i_vectors,
                                  std::span<Vector<float, 3>> o_vectors);
 LUM_EXPORT void TransformVectors(Matrix<double> const& i_matrix, std::span<Vector<double, 3> const> i_vectors,
                                  std::span<Vector<double, 3>> o_vectors);
+///@}
 
+/// \cond
 template <>
 LUM_EXPORT Lazy<MatrixPoolTypes<float>::ObjectHandle> const& Matrix<float>::mgh_identity;
 template <>
@@ -229,5 +254,6 @@ extern template LUM_EXPORT Matrix<float>::Matrix(Matrix<double> const&);
 extern template LUM_EXPORT Matrix<double>::Matrix(Matrix<float> const&);
 extern template LUM_EXPORT Matrix<float> const& Matrix<float>::operator=(Matrix<double> const&);
 extern template LUM_EXPORT Matrix<double> const& Matrix<double>::operator=(Matrix<float> const&);
+/// \endcond
 
 }  // namespace lum

@@ -24,22 +24,29 @@ namespace lum {
 ///
 /// Lock order: the creation mutex, then the current-block mutex. The latter is never held across an
 /// allocation, and returning an object takes no lock.
+///
+/// The template parameters are those of `ObjectPoolBlock`.
 template <class T, std::size_t Size, std::size_t Alignment, class Policy = ObjectPoolPolicy>
 class ObjectPool {
  public:
+  /// What it takes its objects from.
   using Block = ObjectPoolBlock<T, Size, Alignment, Policy>;
+  /// What owns an object that is handed out.
   using ObjectHandle = Handle<T, typename Block::ReferenceCount, ObjectPoolDeleter<T, ObjectPool, Block>>;
 
-  /// Allocates the first block.
+  /// Allocates the first block; passes on what that throws.
   ObjectPool();
   ObjectPool(ObjectPool const&) = delete;
   ObjectPool& operator=(ObjectPool const&) = delete;
+  /// Lets go of the current block, which the last of its outstanding objects frees.
   ~ObjectPool();
 
   /// The only handle onto an object whose contents are not initialised: the caller writes every value before
   /// the object is read. A recycled object still holds its previous values.
   ///
   /// Passes on what allocating a block or locking a mutex throws; the pool is unchanged then.
+  ///
+  /// Cost: a lock; one in `Size` calls allocates a block, where none come back meanwhile.
   ObjectHandle CreateObject();
   struct TwoObjects {
     ObjectHandle first, second;

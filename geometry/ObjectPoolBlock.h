@@ -39,9 +39,11 @@ namespace lum {
 /// `TakeTwoSlots` and `Supersede` are serialised by the caller (the pool's current-block mutex, or a block
 /// that no other thread knows yet).
 ///
+/// \tparam T          the object, trivially destructible
 /// \tparam Size       objects in the block; a power of two, so that the ring goes on without a gap when a
 ///                    position wraps
 /// \tparam Alignment  the least alignment of the objects in bytes
+/// \tparam Policy     what it synchronises with
 template <class T, std::size_t Size, std::size_t Alignment, class Policy = ObjectPoolPolicy>
 class ObjectPoolBlock {
   static_assert(std::is_trivially_destructible_v<T>, "a pool never runs a destructor of its objects");
@@ -49,8 +51,10 @@ class ObjectPoolBlock {
   static_assert(Size > 0 && Alignment > 0 && (Alignment & (Alignment - 1)) == 0);
 
  public:
+  /// The count that the handles onto an object share.
   using ReferenceCount = typename Policy::template Atomic<unsigned long>;
 
+  /// All slots free, in order.
   ObjectPoolBlock() noexcept;
   ObjectPoolBlock(ObjectPoolBlock const&) = delete;
   ObjectPoolBlock& operator=(ObjectPoolBlock const&) = delete;
@@ -71,7 +75,9 @@ class ObjectPoolBlock {
   /// \return true when no slot is in use: the caller frees the block.
   [[nodiscard]] bool Supersede() noexcept;
 
+  /// The object of a slot below `Size`, unchecked.
   T* GetObject(std::size_t i_slot) noexcept { return m_objects + i_slot; }
+  /// The count of a slot below `Size`, unchecked.
   ReferenceCount* GetReferenceCount(std::size_t i_slot) noexcept { return &m_reference_counts[i_slot]; }
 
  private:

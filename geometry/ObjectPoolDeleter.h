@@ -10,6 +10,7 @@ struct ObjectPoolDeleter {
   Pool* mp_pool = nullptr;    ///< the pool that handed the object out
   Block* mp_block = nullptr;  ///< the block that holds the object
 
+  /// Whether both pointers are set.
   explicit operator bool() const noexcept { return mp_pool != nullptr && mp_block != nullptr; }
 
   /// Whether objects of the two go back to the same block.

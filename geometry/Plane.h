@@ -9,7 +9,7 @@ namespace lum {
 /// The points (x, y, z) with a x + b y + c z = d, where (a, b, c) is a unit normal and d the signed distance
 /// of the plane from the origin along it.
 ///
-/// A plain value without shared state.
+/// A plain value without shared state: safe from any thread, nothing is taken from the pools.
 ///
 /// \tparam T  `float` or `double`
 template <class T>
@@ -21,10 +21,15 @@ class LUM_STANDALONE_DEBUG Plane {
   /// does not, and gives NaNs.
   Plane(T i_a, T i_b, T i_c, T i_d);
 
+  ///@{
+  /// A component of the unit normal (a, b, c).
   constexpr T GetA() const noexcept { return m_a; }
   constexpr T GetB() const noexcept { return m_b; }
   constexpr T GetC() const noexcept { return m_c; }
+  ///@}
+  /// The signed distance from the origin along the normal: on the right-hand side of the equation.
   constexpr T GetD() const noexcept { return m_d; }
+  /// (a, b, c), of unit length up to rounding.
   constexpr Vector<T, 3> GetNormal() const noexcept { return {m_a, m_b, m_c}; }
 
   /// Numeric comparison of the four values.

@@ -20,33 +20,43 @@ constexpr Origin_t Origin{};
 /// A position with N coordinates of type T, in the order x, y (, z), and nothing else.
 ///
 /// A plain value without shared state. A transform applied to a point applies the translation. Arithmetic is
-/// coordinate by coordinate in T; nothing is checked.
+/// coordinate by coordinate in T; nothing is checked, nothing throws, nothing is taken from the pools. Safe
+/// from any thread on values of its own.
 ///
 /// \tparam T  `float` or `double`
 /// \tparam N  2 or 3
 template <class T, std::size_t N>
 class Point {
  public:
-  using value_type = T;
+  using value_type = T;  ///< The type of a coordinate.
 
-  /// The origin.
-  constexpr Point() noexcept = default;
-  constexpr Point(Origin_t) noexcept {}
+  constexpr Point() noexcept = default;  ///< The origin.
+  constexpr Point(Origin_t) noexcept {}  ///< The origin.
+  ///@{
+  /// From its coordinates.
   constexpr Point(T i_x, T i_y) noexcept requires(N == 2) : m_position(i_x, i_y) {}
   constexpr Point(T i_x, T i_y, T i_z) noexcept requires(N == 3) : m_position(i_x, i_y, i_z) {}
+  ///@}
 
   /// In the other precision: rounded to the nearest float, or widened exactly.
   template <class U>
   requires(!std::same_as<T, U>) explicit constexpr Point(Point<U, N> const& i_other) noexcept
       : m_position(i_other - Origin) {}
 
+  ///@{
   /// The coordinate at an index below N, unchecked.
   constexpr T& operator[](std::size_t i_index) noexcept { return m_position[i_index]; }
   constexpr T const& operator[](std::size_t i_index) const noexcept { return m_position[i_index]; }
+  ///@}
+  ///@{
+  /// A coordinate, by its name.
   constexpr T GetX() const noexcept { return m_position.GetX(); }
   constexpr T GetY() const noexcept { return m_position.GetY(); }
   constexpr T GetZ() const noexcept requires(N == 3) { return m_position.GetZ(); }
+  ///@}
 
+  ///@{
+  /// The N coordinates as a contiguous range.
   constexpr T* data() noexcept { return m_position.data(); }
   constexpr T const* data() const noexcept { return m_position.data(); }
   static constexpr std::size_t size() noexcept { return N; }
@@ -54,7 +64,10 @@ class Point {
   constexpr T* end() noexcept { return data() + N; }
   constexpr T const* begin() const noexcept { return data(); }
   constexpr T const* end() const noexcept { return data() + N; }
+  ///@}
 
+  ///@{
+  /// Moves the point by a vector, or back.
   constexpr Point& operator+=(Vector<T, N> const& i_offset) noexcept {
     m_position += i_offset;
     return *this;
@@ -63,16 +76,20 @@ class Point {
     m_position -= i_offset;
     return *this;
   }
+  ///@}
 
   /// Numeric comparison: zeros of either sign are equal, a NaN equals nothing.
   friend constexpr bool operator==(Point const&, Point const&) noexcept = default;
 
+  ///@{
+  /// The point moved by a vector, or back.
   friend constexpr Point operator+(Point i_point, Vector<T, N> const& i_offset) noexcept {
     return i_point += i_offset;
   }
   friend constexpr Point operator-(Point i_point, Vector<T, N> const& i_offset) noexcept {
     return i_point -= i_offset;
   }
+  ///@}
   /// The vector from b to a.
   friend constexpr Vector<T, N> operator-(Point const& i_a, Point const& i_b) noexcept {
     return i_a.m_position - i_b.m_position;
@@ -88,6 +105,7 @@ constexpr Point<T, N> operator+(Origin_t i_origin, Vector<T, N> const& i_offset)
   return Point<T, N>(i_origin) + i_offset;
 }
 
+///@{
 /// For structured bindings.
 template <std::size_t I, class T, std::size_t N>
 constexpr T& get(Point<T, N>& io_point) noexcept {
@@ -101,12 +119,15 @@ template <std::size_t I, class T, std::size_t N>
 constexpr T&& get(Point<T, N>&& io_point) noexcept {
   return static_cast<T&&>(io_point[I]);
 }
+///@}
 
 }  // namespace lum
 
+/// \cond
 template <class T, std::size_t N>
 struct std::tuple_size<lum::Point<T, N>> : std::integral_constant<std::size_t, N> {};
 template <std::size_t I, class T, std::size_t N>
 struct std::tuple_element<I, lum::Point<T, N>> {
   using type = T;
 };
+/// \endcond

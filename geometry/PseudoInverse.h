@@ -9,8 +9,8 @@ namespace lum {
 
 /// What `CalculatePseudoInverse` finds.
 struct PseudoInverseResult {
-  Eigen::Matrix3d pseudoInverse;
-  std::int32_t rank;
+  Eigen::Matrix3d pseudoInverse;  ///< In the reciprocal of the matrix's unit.
+  std::int32_t rank;              ///< 0 to 3.
 };
 
 /// The Moore-Penrose pseudo-inverse of a 3x3 matrix, and its numerical rank.

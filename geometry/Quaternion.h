@@ -24,29 +24,33 @@ namespace lum {
 /// be used on different threads freely.
 ///
 /// Errors: whatever takes a pooled object passes on what the pool throws (`std::bad_alloc`).
+///
+/// Cost: copying raises 1 count. Members say how many objects they take; where nothing is said, none.
 class LUM_EXPORT LUM_STANDALONE_DEBUG Quaternionf {
  public:
-  using Object = PoolTypes<QuaternionObject>::Object;
-  using ObjectHandle = PoolTypes<QuaternionObject>::ObjectHandle;
+  using Object = PoolTypes<QuaternionObject>::Object;              ///< What holds the four coefficients.
+  using ObjectHandle = PoolTypes<QuaternionObject>::ObjectHandle;  ///< What owns such an object.
 
-  /// The known identity, (0, 0, 0, 1).
+  /// The known identity, (0, 0, 0, 1). Raises 1 count.
   Quaternionf();
   /// The rotation of the upper-left 3x3 block, freed of scale and shear by its polar decomposition. Of a
   /// block that mirrors, the direction of the smallest scale is turned back. A block with a value that is not
-  /// finite gives NaNs. Never a known identity.
+  /// finite gives NaNs. Never a known identity. Takes 1 object. (Shoemake and Duff, Matrix Animation and
+  /// Polar Decomposition, 1992.)
   explicit Quaternionf(Matrix<float> const& i_matrix);
   /// The rotation about an axis through an angle in radians, right-handed. The axis is taken as it is: one of
-  /// length L gives a vector part L times too long.
+  /// length L gives a vector part L times too long. Takes 1 object.
   Quaternionf(Vector<float, 3> i_axis, float i_angle);
-  /// Shares the object of a handle.
+  /// Takes over a handle; nothing is checked.
   explicit Quaternionf(ObjectHandle i_handle) noexcept;
 
-  /// The Hamilton product: rotates by i_right first, then by this. Always a fresh object.
+  /// The Hamilton product: rotates by i_right first, then by this. Always takes 1 object.
   Quaternionf operator*(Quaternionf const& i_right) const;
 
   /// The rotation matrix, with its inverse; for the known identity, the known identity. The formula takes the
-  /// quaternion to be of unit length.
+  /// quaternion to be of unit length. Takes 2 objects of matrices, or raises 2 counts.
   Matrix<float> GetAsMatrix() const;
+  /// Whether this is the identity object itself. Others with its coefficients are not.
   bool IsKnownIdentity() const;
   /// x, y, z, w.
   std::array<float, 4> GetCoefficients() const;
@@ -59,14 +63,15 @@ class LUM_EXPORT LUM_STANDALONE_DEBUG Quaternionf {
   /// The arrays may be one and the same, but must not overlap otherwise. Arrays of different sizes throw
   /// `std::invalid_argument`, and nothing is written then.
   void Transform(std::span<Vector<float, 3> const> i_vectors, std::span<Vector<float, 3>> o_vectors) const;
-  /// Applies the inverse of `GetAsMatrix`: for unit length, the opposite rotation.
+  /// Applies the inverse of `GetAsMatrix`, and takes what that takes: for unit length, the opposite rotation.
   Vector<float, 3> InverseTransform(Vector<float, 3> const& i_vector) const;
 
   /// Whether |a - b|^2 <= tolerance^2 min(|a|^2, |b|^2) over the coefficients. So q and -q, the same
   /// rotation, are not approximately equal.
   bool IsApproximately(Quaternionf i_other, float i_tolerance) const;
   /// Spherical interpolation along the shorter arc, from this at i_t = 0 to i_other at i_t = 1; the linear
-  /// blend where the two are too close for an angle. Not renormalised.
+  /// blend where the two are too close for an angle. Not renormalised. Takes 1 object. (Shoemake, Animating
+  /// Rotation with Quaternion Curves, 1985.)
   Quaternionf Slerp(float i_t, Quaternionf i_other) const;
 
   /// The handle onto the identity object, which is made on first use and never written. Valid from before

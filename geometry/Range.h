@@ -5,14 +5,18 @@ namespace lum {
 /// The closed interval from a lower to an upper end. It is empty when the lower end is the greater one, and
 /// holds one value when the ends are equal.
 ///
-/// A plain value without shared state.
+/// A plain value without shared state: safe from any thread. Nothing is checked, nothing throws.
+///
+/// \tparam T  a number
 template <class T>
 class Range {
  public:
+  /// From its ends, in either order.
   constexpr Range(T i_lower, T i_upper) noexcept : m_lower(i_lower), m_upper(i_upper) {}
 
-  constexpr T GetLower() const noexcept { return m_lower; }
-  constexpr T GetUpper() const noexcept { return m_upper; }
+  constexpr T GetLower() const noexcept { return m_lower; }  ///< The lower end.
+  constexpr T GetUpper() const noexcept { return m_upper; }  ///< The upper end.
+  /// Whether the lower end is the greater one; false for a NaN.
   constexpr bool IsEmpty() const noexcept { return m_lower > m_upper; }
   /// False for a NaN.
   constexpr bool Contains(T i_value) const noexcept { return m_lower <= i_value && i_value <= m_upper; }

@@ -14,7 +14,8 @@ namespace lum {
 /// A direction with N components of type T, in the order x, y (, z), and nothing else.
 ///
 /// A plain value without shared state. A transform applied to a vector ignores the translation. Arithmetic is
-/// component by component in T; nothing is checked.
+/// component by component in T; nothing is checked, nothing throws, nothing is taken from the pools. Safe
+/// from any thread on values of its own.
 ///
 /// \tparam T  `float` or `double`
 /// \tparam N  2 or 3
@@ -24,12 +25,15 @@ class Vector {
   static_assert(N == 2 || N == 3);
 
  public:
-  using value_type = T;
+  using value_type = T;  ///< The type of a component.
 
   /// The zero vector.
   constexpr Vector() noexcept : m_components{} {}
+  ///@{
+  /// From its components.
   constexpr Vector(T i_x, T i_y) noexcept requires(N == 2) : m_components{i_x, i_y} {}
   constexpr Vector(T i_x, T i_y, T i_z) noexcept requires(N == 3) : m_components{i_x, i_y, i_z} {}
+  ///@}
 
   /// In the other precision: rounded to the nearest float, or widened exactly.
   template <class U>
@@ -37,13 +41,20 @@ class Vector {
     for (std::size_t i = 0; i < N; ++i) m_components[i] = static_cast<T>(i_other[i]);
   }
 
+  ///@{
   /// The component at an index below N, unchecked.
   constexpr T& operator[](std::size_t i_index) noexcept { return m_components[i_index]; }
   constexpr T const& operator[](std::size_t i_index) const noexcept { return m_components[i_index]; }
+  ///@}
+  ///@{
+  /// A component, by its name.
   constexpr T GetX() const noexcept { return m_components[0]; }
   constexpr T GetY() const noexcept { return m_components[1]; }
   constexpr T GetZ() const noexcept requires(N == 3) { return m_components[2]; }
+  ///@}
 
+  ///@{
+  /// The N components as a contiguous range.
   constexpr T* data() noexcept { return m_components.data(); }
   constexpr T const* data() const noexcept { return m_components.data(); }
   static constexpr std::size_t size() noexcept { return N; }
@@ -51,15 +62,21 @@ class Vector {
   constexpr T* end() noexcept { return data() + N; }
   constexpr T const* begin() const noexcept { return data(); }
   constexpr T const* end() const noexcept { return data() + N; }
+  ///@}
 
+  ///@{
+  /// Component by component; a division divides each.
   constexpr Vector& operator+=(Vector const& i_other) noexcept;
   constexpr Vector& operator-=(Vector const& i_other) noexcept;
   constexpr Vector& operator*=(T i_factor) noexcept;
   constexpr Vector& operator/=(T i_divisor) noexcept;
+  ///@}
 
   /// Numeric comparison: zeros of either sign are equal, a NaN equals nothing.
   friend constexpr bool operator==(Vector const&, Vector const&) noexcept = default;
 
+  ///@{
+  /// Component by component; a division divides each.
   friend constexpr Vector operator+(Vector i_a, Vector const& i_b) noexcept { return i_a += i_b; }
   friend constexpr Vector operator-(Vector i_a, Vector const& i_b) noexcept { return i_a -= i_b; }
   friend constexpr Vector operator*(Vector i_vector, T i_factor) noexcept { return i_vector *= i_factor; }
@@ -69,6 +86,7 @@ class Vector {
     for (T& component : i_vector) component = -component;
     return i_vector;
   }
+  ///@}
 
  private:
   std::array<T, N> m_components;
@@ -114,6 +132,7 @@ constexpr Vector<T, 3> Cross(Vector<T, 3> const& i_a, Vector<T, 3> const& i_b) n
           i_a[0] * i_b[1] - i_a[1] * i_b[0]};
 }
 
+/// The dot product with itself.
 template <class T, std::size_t N>
 constexpr T GetSquaredLength(Vector<T, N> const& i_vector) noexcept {
   return Dot(i_vector, i_vector);
@@ -125,6 +144,7 @@ T GetLength(Vector<T, N> const& i_vector) noexcept {
   return std::sqrt(GetSquaredLength(i_vector));
 }
 
+///@{
 /// The vector divided by its length, component by component, in the precision of the argument.
 ///
 /// The squares are summed as x x + y y, or (z z + y y) + x x in three dimensions. There is no guard: a zero
@@ -134,7 +154,9 @@ LUM_EXPORT Vector<float, 2> GetNormalized(Vector<float, 2> const& i_vector);
 LUM_EXPORT Vector<double, 2> GetNormalized(Vector<double, 2> const& i_vector);
 LUM_EXPORT Vector<float, 3> GetNormalized(Vector<float, 3> const& i_vector);
 LUM_EXPORT Vector<double, 3> GetNormalized(Vector<double, 3> const& i_vector);
+///@}
 
+///@{
 /// For structured bindings.
 template <std::size_t I, class T, std::size_t N>
 constexpr T& get(Vector<T, N>& io_vector) noexcept {
@@ -148,12 +170,15 @@ template <std::size_t I, class T, std::size_t N>
 constexpr T&& get(Vector<T, N>&& io_vector) noexcept {
   return static_cast<T&&>(io_vector[I]);
 }
+///@}
 
 }  // namespace lum
 
+/// \cond
 template <class T, std::size_t N>
 struct std::tuple_size<lum::Vector<T, N>> : std::integral_constant<std::size_t, N> {};
 template <std::size_t I, class T, std::size_t N>
 struct std::tuple_element<I, lum::Vector<T, N>> {
   using type = T;
 };
+/// \endcond
