@@ -1,6 +1,7 @@
 """Opens every page of the site in headless Chromium, on a desktop and on a phone: fits.py <chromium> <folder with index.html>
 
-A page whose content is wider than its window fails. Tables, code and wide figures may scroll by themselves.
+A page whose content is wider than its window fails, and so does what is cut off. Tables, code and wide figures may
+scroll by themselves.
 """
 
 import html
@@ -31,7 +32,9 @@ const settle = () => new Promise((resolve) => setTimeout(resolve, 50));
       await settle();
       const inner = frame.contentDocument;
       const parts = [inner.documentElement, inner.getElementById('doc-content')].filter((part) => part);
-      const excess = Math.max(...parts.map((part) => part.scrollWidth - part.clientWidth));
+      const style = (part) => frame.contentWindow.getComputedStyle(part).overflowX;
+      const cut = [...inner.querySelectorAll('.contents *')].filter((part) => ['hidden', 'clip'].includes(style(part)));
+      const excess = Math.max(...[...parts, ...cut].map((part) => part.scrollWidth - part.clientWidth));
       found.push([device, page, parts.length, excess]);
       frame.remove();
     }

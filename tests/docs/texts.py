@@ -1,7 +1,7 @@
 """Compares the texts in docs/ with those in the sources: texts.py <source directory>
 
-Every text that the library's sources hold stands in docs/edge-cases.md, but for what streams print; every text that
-the page quotes stands in the sources; and the atlas in docs/cube.md has the values of the constants.
+Every text in the library's sources stands in docs/edge-cases.md, but for what streams print; every text that the page
+quotes stands in the sources; and the atlas in docs/cube.md has the values of the constants.
 """
 
 import pathlib
@@ -32,16 +32,15 @@ def main():
     page = (root / "docs/edge-cases.md").read_text()
     quoted = set(re.findall(r'`"([^`]*)"`', page))
 
-    constants = dict(re.findall(r"inline constexpr \w+ (\w+)\{(\d+)\};", (root / "geometry/CubeElementIds.h").read_text()))
-    atlas = {
-        (name, value): bits
-        for value, bits, name in re.findall(r"^\| (\d+) \| `0b([01']+)` \| `(\w+)` \|", (root / "docs/cube.md").read_text(), re.M)
-    }
+    identifiers = (root / "geometry/CubeElementIds.h").read_text()
+    constants = set(re.findall(r"inline constexpr \w+ (\w+)\{(\d+)\};", identifiers))
+    rows = re.findall(r"^\| (\d+) \| `([01']+)` \| `(\w+)` \|", (root / "docs/cube.md").read_text(), re.MULTILINE)
+    atlas = {(name, value): bits for value, bits, name in rows}
 
     faults = [f"not in docs/edge-cases.md: {text}" for text in sorted(texts - inward - quoted)]
     faults += [f"in docs/edge-cases.md, but not in the sources: {text}" for text in sorted(quoted - texts)]
-    faults += [f"not in the atlas of docs/cube.md: {name} {value}" for name, value in sorted(set(constants.items()) - set(atlas))]
-    faults += [f"in the atlas, but no constant: {name} {value}" for name, value in sorted(set(atlas) - set(constants.items()))]
+    faults += [f"not in the atlas of docs/cube.md: {name} {value}" for name, value in sorted(constants - set(atlas))]
+    faults += [f"in the atlas, but no constant: {name} {value}" for name, value in sorted(set(atlas) - constants)]
     faults += [
         f"the bits of {name} in the atlas are {bits}"
         for (name, value), bits in atlas.items()
