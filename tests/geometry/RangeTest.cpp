@@ -34,5 +34,13 @@ TEST(Range, ContainsItsEnds) {
   EXPECT_FALSE(range.Contains(std::numeric_limits<float>::quiet_NaN()));
 }
 
+TEST(Range, WithAnEndOfNaNIsNotEmptyAndHoldsNothing) {
+  constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+  for (Range<float> const range : {Range<float>(nan, 1), Range<float>(1, nan)}) {
+    EXPECT_FALSE(range.IsEmpty());
+    EXPECT_FALSE(range.Contains(1));
+  }
+}
+
 }  // namespace
 }  // namespace lum
