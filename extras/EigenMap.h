@@ -122,6 +122,7 @@ Eigen::Map<Eigen::Matrix<T, 4, 4> const> AsEigen(Matrix<T> const& i_matrix) noex
 template <class T>
 void AsEigen(Matrix<T> const&&) = delete;
 
+///@{
 /// From an expression with two or three components, a column or a row.
 template <class Derived>
 requires internal::IsSmallVector<Derived>
@@ -133,6 +134,7 @@ requires internal::IsSmallVector<Derived>
 auto ToPoint(Eigen::MatrixBase<Derived> const& i_expression) {
   return internal::ToComponents<Point>(i_expression);
 }
+///@}
 
 /// From a 4x4 expression or a three-dimensional `Eigen::Transform` of any mode, with the inverse that
 /// `Matrix(T const*)` computes from the values.

@@ -9,6 +9,7 @@
 
 /// Formatters of the values and identifiers for the library {fmt}, which only users of this header need.
 /// ValueText.h shows the texts, ValueFormatter.h what a specification does.
+/// \cond
 template <lum::internal::HasText Value>
 struct fmt::formatter<Value, char>
     : lum::internal::ValueFormatter<fmt::formatter<typename lum::internal::TextOf<Value>::Number, char>> {};
@@ -21,3 +22,4 @@ struct fmt::formatter<lum::optional<T>, char> : lum::internal::OptionalFormatter
 /// Vectors and points are ranges too; as such they would have a second formatter.
 template <lum::internal::HasText Value>
 struct fmt::is_range<Value, char> : std::false_type {};
+/// \endcond

@@ -10,6 +10,7 @@
 
 /// Formatters of the values and identifiers for `std::format`, where the standard library has it. ValueText.h
 /// shows the texts, ValueFormatter.h what a specification does.
+/// \cond
 template <lum::internal::HasText Value>
 struct std::formatter<Value, char>
     : lum::internal::ValueFormatter<std::formatter<typename lum::internal::TextOf<Value>::Number, char>> {};
@@ -18,4 +19,5 @@ template <class T>
 requires std::is_default_constructible_v<std::formatter<T, char>>
 struct std::formatter<lum::optional<T>, char> : lum::internal::OptionalFormatter<std::formatter<T, char>> {
 };
+/// \endcond
 #endif

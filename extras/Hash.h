@@ -30,6 +30,7 @@ namespace lum {
 ///
 ///     std::unordered_set<Quaternionf, std::hash<Quaternionf>, EqualCoefficients> rotations;
 struct EqualCoefficients {
+  /// Whether all four coefficients are equal.
   bool operator()(Quaternionf const& i_a, Quaternionf const& i_b) const {
     return i_a.GetCoefficients() == i_b.GetCoefficients();
   }
@@ -62,6 +63,7 @@ std::size_t HashInOrder(std::span<T const> i_values) {
 }  // namespace internal
 }  // namespace lum
 
+/// \cond
 template <class T, std::size_t N>
 struct std::hash<lum::Vector<T, N>> {
   std::size_t operator()(lum::Vector<T, N> const& i_vector) const noexcept {
@@ -138,3 +140,4 @@ struct std::hash<lum::CanonicalCubeElement> {
     return std::hash<unsigned int>()(i_element.GetIndex());
   }
 };
+/// \endcond

@@ -17,6 +17,8 @@
 /// is only a pointer, `std::span<float const, 16>(pointer, 16)` says how many values it stands for.
 namespace lum {
 
+///@{
+/// From the library's own order: value r + 4 c stands at row r, column c.
 inline Matrix<float> FromColumnMajor(std::span<float const, 16> i_values) {
   return Matrix<float>(i_values.data());
 }
@@ -24,6 +26,9 @@ inline Matrix<double> FromColumnMajor(std::span<double const, 16> i_values) {
   return Matrix<double>(i_values.data());
 }
 
+///@}
+
+/// The values of the transform, column by column.
 template <class T>
 std::array<T, 16> ToColumnMajor(Matrix<T> const& i_matrix) {
   std::array<T, 16> values;
@@ -43,12 +48,15 @@ std::array<T, 16> Transpose(std::span<T const, 16> i_values) {
 
 }  // namespace internal
 
+///@{
+/// From rows: value 4 r + c stands at row r, column c.
 inline Matrix<float> FromRowMajor(std::span<float const, 16> i_values) {
   return FromColumnMajor(internal::Transpose(i_values));
 }
 inline Matrix<double> FromRowMajor(std::span<double const, 16> i_values) {
   return FromColumnMajor(internal::Transpose(i_values));
 }
+///@}
 /// From four rows of four.
 template <class T>
 Matrix<T> FromRowMajor(T const (&i_rows)[4][4]) {
@@ -57,11 +65,13 @@ Matrix<T> FromRowMajor(T const (&i_rows)[4][4]) {
   return FromColumnMajor(values);
 }
 
+/// The values of the transform, row by row.
 template <class T>
 std::array<T, 16> ToRowMajor(Matrix<T> const& i_matrix) {
   return internal::Transpose(std::span<T const, 16>(i_matrix.GetAsPtr(), 16));
 }
 
+///@{
 /// From x, y, z, w, the library's own order; `Quaternionf::GetCoefficients` gives it back. Never a known
 /// identity, and not normalised.
 inline Quaternionf QuaternionFromWLast(std::span<float const, 4> i_xyzw) {
@@ -73,6 +83,9 @@ inline Quaternionf QuaternionFromWLast(float i_x, float i_y, float i_z, float i_
   return QuaternionFromWLast(std::array{i_x, i_y, i_z, i_w});
 }
 
+///@}
+
+///@{
 /// From w, x, y, z.
 inline Quaternionf QuaternionFromWFirst(float i_w, float i_x, float i_y, float i_z) {
   return QuaternionFromWLast(i_x, i_y, i_z, i_w);
@@ -80,6 +93,8 @@ inline Quaternionf QuaternionFromWFirst(float i_w, float i_x, float i_y, float i
 inline Quaternionf QuaternionFromWFirst(std::span<float const, 4> i_wxyz) {
   return QuaternionFromWFirst(i_wxyz[0], i_wxyz[1], i_wxyz[2], i_wxyz[3]);
 }
+
+///@}
 
 /// x, y, z, w.
 inline std::array<float, 4> ToWLast(Quaternionf const& i_quaternion) {

@@ -47,6 +47,7 @@ class StreamWriter {
 
 }  // namespace internal
 
+/// The value's text, with its numbers as the stream writes numbers.
 template <internal::HasText Value>
 std::ostream& operator<<(std::ostream& io_stream, Value const& i_value) {
   internal::StreamWriter writer(io_stream);

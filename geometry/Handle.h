@@ -76,6 +76,7 @@ class Handle {
   /// acquire load orders whatever the former holders did with the object before what the caller does next.
   unsigned long GetReferenceCount() const noexcept;
 
+  /// Exchanges what the two are bound to. Touches no count.
   void Swap(Handle& io_other) noexcept;
 
   /// Empties two handles, the first of them first. Where both are the last ones onto objects of one block,

@@ -48,8 +48,10 @@ class ObjectPool {
   ///
   /// Cost: a lock; one in `Size` calls allocates a block, where none come back meanwhile.
   ObjectHandle CreateObject();
+  /// The first handles onto two objects.
   struct TwoObjects {
-    ObjectHandle first, second;
+    ObjectHandle first;   ///< Onto the one taken first.
+    ObjectHandle second;  ///< Onto the one taken after it.
   };
   /// Two objects at once, for little more than one: those that two calls of `CreateObject` would give.
   TwoObjects CreateTwoObjects();
