@@ -15,8 +15,7 @@ install(
 
 configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/lumConfig.cmake.in"
                               "${PROJECT_BINARY_DIR}/lumConfig.cmake" INSTALL_DESTINATION "${lum_package_dir}")
-# Until 1.0 a new minor version may break what used the one before.
-write_basic_package_version_file("${PROJECT_BINARY_DIR}/lumConfigVersion.cmake" COMPATIBILITY SameMinorVersion)
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/lumConfigVersion.cmake" COMPATIBILITY SameMajorVersion)
 install(
   FILES "${PROJECT_BINARY_DIR}/lumConfig.cmake" "${PROJECT_BINARY_DIR}/lumConfigVersion.cmake"
         "${PROJECT_SOURCE_DIR}/cmake/FindEigen3.cmake"

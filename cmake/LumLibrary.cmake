@@ -69,7 +69,7 @@ function(lum_add_library target)
                VISIBILITY_INLINES_HIDDEN ON
                POSITION_INDEPENDENT_CODE ON
                VERSION ${PROJECT_VERSION}
-               SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
+               SOVERSION ${PROJECT_VERSION_MAJOR})
   get_target_property(type ${target} TYPE)
   if(type STREQUAL SHARED_LIBRARY)
     # Values may outlive whatever loaded the library, and need its pools and identities.
