@@ -23,7 +23,7 @@ endfunction()
 if(CASE STREQUAL "IsAsRecorded")
   file(REMOVE_RECURSE "${WORK_DIR}")
   file(GLOB entries "${SOURCE_DIR}/*")
-  list(REMOVE_ITEM entries "${SOURCE_DIR}/build" "${SOURCE_DIR}/out")
+  list(FILTER entries EXCLUDE REGEX "/(\\.[^/]*|build|out)$")
   file(COPY ${entries} DESTINATION "${WORK_DIR}")
   execute_process(COMMAND "${WORK_DIR}/scripts/abi" check COMMAND_ERROR_IS_FATAL ANY)
 

@@ -153,7 +153,7 @@ elseif(CASE MATCHES "^FetchContent(SHARED|STATIC)$")
   set(kind "${CMAKE_MATCH_1}")
   string(COMPARE EQUAL "${kind}" SHARED shared)
   file(GLOB entries RELATIVE "${SOURCE_DIR}" "${SOURCE_DIR}/*")
-  list(REMOVE_ITEM entries build out)
+  list(FILTER entries EXCLUDE REGEX "^(\\..*|build|out)$")
   execute_process(COMMAND "${CMAKE_COMMAND}" -E tar czf "${WORK_DIR}/lum.tar.gz" ${entries}
                   WORKING_DIRECTORY "${SOURCE_DIR}" COMMAND_ERROR_IS_FATAL ANY)
   build_consumer("${kind}" "-DLUM_ARCHIVE=${WORK_DIR}/lum.tar.gz" "-DBUILD_SHARED_LIBS=${shared}")
