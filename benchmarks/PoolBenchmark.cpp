@@ -91,6 +91,9 @@ auto HandOver(Make const& i_make) {
   };
 }
 
+// Long enough for the two threads to be spread over the processors.
+constexpr double kSpreading = 0.2;
+
 // Replaces one of so many live objects after the other.
 template <class Make>
 auto WithSoManyLive(Make const& i_make) {
@@ -113,19 +116,21 @@ auto WithSoManyLive(Make const& i_make) {
 void Register() {
   ForEach([](char const* ip_who, auto const& i_make) { Add("one object", ip_who, Repeat(i_make)); });
   ForEach([](char const* ip_who, auto const& i_make) {
-    Add("one object, two threads", ip_who, Repeat(i_make))->Threads(2)->UseRealTime();
+    Add("one object, two threads", ip_who, Repeat(i_make))->Threads(2)->UseRealTime()->MinTime(kSpreading);
   });
   ForEach([](char const* ip_who, auto const& i_make) {
-    Add("256 made here, released there", ip_who, HandOver(i_make))->UseRealTime();
+    Add("256 made here, released there", ip_who, HandOver(i_make))->UseRealTime()->MinTime(kSpreading);
   });
   static auto const matrix = Matrix<float>::Translate(1, 2, 3);
   static auto const pair = std::pair(MakeShared(), MakeShared());
   Add("copies of one transform on two threads", "lum", Repeat([] { return matrix; }))
       ->Threads(2)
-      ->UseRealTime();
+      ->UseRealTime()
+      ->MinTime(kSpreading);
   Add("copies of one transform on two threads", "make_shared", Repeat([] { return pair; }))
       ->Threads(2)
-      ->UseRealTime();
+      ->UseRealTime()
+      ->MinTime(kSpreading);
   for (std::int64_t const live : {10, 1000, 100000, 10000000}) {
     // Each is replaced once at least: what the first ones cost is not what it costs to go on.
     std::int64_t const iterations = std::max<std::int64_t>(live, 1000000);
