@@ -41,4 +41,33 @@ std::vector<double> ParseList(std::string_view i_option, std::string_view i_text
   }
 }
 
+CommandLine::CommandLine(int i_count, char const* const* ip_words,
+                         std::initializer_list<std::string_view> i_known) {
+  for (int index = 1; index < i_count; ++index) {
+    std::string_view const word = ip_words[index];
+    if (!word.starts_with("--")) {
+      m_paths.emplace_back(word);
+      continue;
+    }
+    if (std::find(i_known.begin(), i_known.end(), word) == i_known.end()) {
+      throw std::invalid_argument("unknown option " + std::string(word));
+    }
+    if (++index == i_count) throw std::invalid_argument(std::string(word) + " takes a value");
+    m_values[word] = ip_words[index];
+  }
+}
+
+void CommandLine::RequirePaths(std::size_t i_count, std::string_view i_usage) const {
+  if (m_paths.size() != i_count) throw std::invalid_argument(std::string(i_usage));
+}
+
+double CommandLine::GetNumber(std::string_view i_option, double i_default) const {
+  return Has(i_option) ? ParseNumber(i_option, m_values.at(i_option)) : i_default;
+}
+
+std::size_t CommandLine::GetCount(std::string_view i_option, std::size_t i_largest,
+                                  std::size_t i_default) const {
+  return Has(i_option) ? ParseCount(i_option, m_values.at(i_option), i_largest) : i_default;
+}
+
 }  // namespace common
