@@ -1,0 +1,199 @@
+// scene OUTPUT.png [--nodes N] [--frames N]
+//
+// Boxes that turn on the faces of boxes: updates their world transforms frame by frame, then picks by the
+// inverses what each pixel of a picture shows.
+
+#include <geometry/Matrix.h>
+#include <geometry/Quaternion.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <exception>
+#include <limits>
+#include <stdexcept>
+#include <vector>
+
+#include "common/Arguments.h"
+#include "common/OutputFile.h"
+#include "common/Picture.h"
+
+namespace {
+
+using Matrix = lum::Matrix<float>;
+using Point = lum::Point<float, 3>;
+using Vector = lum::Vector<float, 3>;
+
+// A box, which reaches from -1/2 to 1/2 along each axis of its own coordinates.
+struct Node {
+  std::size_t parent;
+  std::size_t depth;
+  Vector normal;  // of the parent's face that carries this box, which turns about it
+  Matrix mount;   // from that face to the parent
+  std::size_t first_child = 0;
+  std::size_t last_child = 0;  // the one behind the last
+  Matrix world = {};
+};
+using Nodes = std::vector<Node>;
+
+// The points origin + t direction. However long the direction, transforms keep the t of each.
+struct Ray {
+  Point origin;
+  Vector direction;
+};
+
+struct Hit {
+  float t = std::numeric_limits<float>::infinity();
+  std::size_t node = 0;
+  std::size_t axis = 0;  // of the face that is hit
+};
+
+constexpr std::array<Vector, 3> axes = {Vector(1, 0, 0), Vector(0, 1, 0), Vector(0, 0, 1)};
+
+// Not alike along all axes, so that boxes shear those that turn on them.
+constexpr Vector shrink(0.5F, 0.5F, 0.44F);
+
+// A box is at most 3/4 away from the middle of its parent and half as large, so whatever a box carries,
+// however deep, is within 3/2 of its middle: 3/4 + 1/2 * 3/2.
+constexpr float reach = 1.5F;
+
+// Parents come before their children, and the children of one box stand together.
+Nodes MakeNodes(std::size_t i_count) {
+  Nodes nodes{{0, 0, axes[2], {}}};
+  for (std::size_t index = 0; index < nodes.size(); ++index) {
+    nodes[index].first_child = nodes.size();
+    for (std::size_t face = 0; face < 6 && nodes.size() < i_count; ++face) {
+      Vector const normal = axes[face / 2] * (face % 2 == 0 ? -1.0F : 1.0F);
+      if (index != 0 && normal == -nodes[index].normal) continue;  // it sits on that face
+      Matrix const mount = Matrix::Translate(normal * (0.5F + 0.5F * shrink[face / 2]));
+      nodes.push_back({index, nodes[index].depth + 1, normal, mount});
+    }
+    nodes[index].last_child = nodes.size();
+  }
+  return nodes;
+}
+
+void Update(Nodes& io_nodes, float i_angle) {
+  static Matrix const smaller = Matrix::Scale(shrink[0], shrink[1], shrink[2]);
+  for (Node& node : io_nodes) {
+    Matrix const turn = lum::Quaternionf(node.normal, i_angle).GetAsMatrix();
+    node.world = node.depth == 0 ? turn : io_nodes[node.parent].world * (node.mount * turn * smaller);
+  }
+}
+
+float GetLargestDeviation(Nodes const& i_nodes) {
+  float largest = 0;
+  for (Node const& node : i_nodes) {
+    Matrix const product = node.world * node.world.GetInverse();
+    for (int entry = 0; entry < 16; ++entry) {
+      largest = std::max(largest, std::abs(product.GetAsPtr()[entry] - (entry % 5 == 0 ? 1.0F : 0.0F)));
+    }
+  }
+  return largest;
+}
+
+// Along an axis that a ray does not follow, a and b are infinite: of one sign where it misses the box.
+void Pick(Nodes const& i_nodes, std::size_t i_node, Ray const& i_ray, Hit& io_best) {
+  Node const& node = i_nodes[i_node];
+  Matrix const to_node = node.world.GetInverse();
+  Point const origin = to_node * i_ray.origin;
+  Vector const direction = to_node * i_ray.direction;
+  if (GetSquaredLength(Cross(origin - Point(), direction)) > reach * reach * Dot(direction, direction))
+    return;
+  Hit hit{0, i_node};
+  float leave = io_best.t;
+  for (std::size_t axis = 0; axis < 3; ++axis) {
+    float const a = (-0.5F - origin[axis]) / direction[axis];
+    float const b = (0.5F - origin[axis]) / direction[axis];
+    if (std::min(a, b) > hit.t) hit = {std::min(a, b), i_node, axis};
+    leave = std::min(leave, std::max(a, b));
+  }
+  if (hit.t < leave) io_best = hit;
+  for (auto child = node.first_child; child < node.last_child; ++child) Pick(i_nodes, child, i_ray, io_best);
+}
+
+// The same without inverses: takes the faces of every box to the world, where the ray meets them.
+Hit PickInWorld(Nodes const& i_nodes, Ray const& i_ray) {
+  Hit nearest;
+  for (std::size_t index = 0; index < i_nodes.size(); ++index) {
+    Matrix const& world = i_nodes[index].world;
+    for (std::size_t face = 0; face < 6; ++face) {
+      std::size_t const axis = face / 2;
+      Vector const a = world * axes[(axis + 1) % 3];
+      Vector const b = world * axes[(axis + 2) % 3];
+      Vector const offset = i_ray.origin - world * (Point() + axes[axis] * (face % 2 == 0 ? -0.5F : 0.5F));
+      float const volume = Dot(i_ray.direction, Cross(b, a));
+      float const along_a = Dot(i_ray.direction, Cross(b, offset)) / volume;
+      float const along_b = Dot(i_ray.direction, Cross(offset, a)) / volume;
+      float const t = Dot(offset, Cross(a, b)) / volume;
+      bool const is_met = std::max(std::abs(along_a), std::abs(along_b)) <= 0.5F && t >= 0;
+      if (is_met && t < nearest.t) nearest = {t, index, axis};
+    }
+  }
+  return nearest;
+}
+
+constexpr std::size_t width = 800, height = 600;
+
+Ray GetRay(std::size_t i_column, std::size_t i_row) {
+  static Vector const back = lum::GetNormalized(Vector(2, -3, 1.6F));
+  static Vector const right = lum::GetNormalized(Cross(axes[2], back));
+  static Matrix const camera(Point() + back * 6, right, Cross(back, right), back);
+  float const x = static_cast<float>(i_column) - 0.5F * (width - 1);
+  float const y = 0.5F * (height - 1) - static_cast<float>(i_row);
+  return {camera * Point(), camera * Vector(x, y, -2.3F * height)};
+}
+
+Vector GetColour(Nodes const& i_nodes, Hit const& i_hit) {
+  constexpr std::array<Vector, 3> colours = {Vector(38, 92, 160), Vector(236, 232, 222), Vector(206, 60, 44)};
+  if (!std::isfinite(i_hit.t)) return {24, 24, 28};
+  Node const& node = i_nodes[i_hit.node];
+  Vector const normal = lum::GetNormalized(node.world.GetNormalTransform() * axes[i_hit.axis]);
+  return colours[node.depth % 3] * (0.35F + 0.65F * std::abs(Dot(normal, Vector(0.2F, -0.6F, 0.8F))));
+}
+
+void Run(common::CommandLine const& i_line) {
+  i_line.RequirePaths(1, "usage: scene OUTPUT.png [--nodes N] [--frames N]");
+  common::OutputFile file(i_line.GetPaths()[0]);
+  Nodes nodes = MakeNodes(i_line.GetCount("--nodes", 1000000, 10000));
+  std::size_t const frames = i_line.GetCount("--frames", 100000, 60);
+  auto const start = std::chrono::steady_clock::now();
+  for (std::size_t frame = 1; frame <= frames; ++frame) Update(nodes, 0.01F * static_cast<float>(frame));
+  std::chrono::duration<double, std::milli> const time = std::chrono::steady_clock::now() - start;
+  common::Picture picture{width, height, {}};
+  std::size_t hits = 0;
+  std::size_t differences = 0;
+  for (std::size_t pixel = 0; pixel < width * height; ++pixel) {
+    Ray const ray = GetRay(pixel % width, pixel / width);
+    Hit hit;
+    Pick(nodes, 0, ray, hit);
+    for (float value : GetColour(nodes, hit)) picture.pixels.push_back(static_cast<std::uint8_t>(value));
+    if (pixel % 997 != 0) continue;
+    Hit const expected = PickInWorld(nodes, ray);
+    if (std::isfinite(expected.t)) ++hits;
+    if (hit.node != expected.node || std::abs(hit.t - expected.t) > 1e-4F * hit.t) ++differences;
+  }
+  common::WritePng(picture, file);
+  file.Publish();
+  std::printf("%zu nodes, %zu deep; %zu frames of %.2f ms\n", nodes.size(), nodes.back().depth, frames,
+              time.count() / static_cast<double>(frames));
+  std::printf("world * inverse is the identity to %.1e\n", static_cast<double>(GetLargestDeviation(nodes)));
+  std::printf("%zu picks that hit, %zu other than without inverses\n", hits, differences);
+  if (differences > 0) throw std::logic_error("picks by inverses are wrong");
+}
+
+}  // namespace
+
+int main(int i_count, char** ip_words) {
+  try {
+    Run(common::CommandLine(i_count, ip_words, {"--nodes", "--frames"}));
+    return 0;
+  } catch (std::exception const& exception) {
+    std::fprintf(stderr, "scene: %s\n", exception.what());
+    return 1;
+  }
+}
