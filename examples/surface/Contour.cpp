@@ -9,12 +9,13 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <future>
 #include <limits>
 #include <stdexcept>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -61,15 +62,19 @@ struct CornerLayer {
   std::array<std::vector<std::uint32_t>, 3> crossing_of_edge;  // by axis
 };
 
-// Contours the edges that start in some of the layers of corners. The vertices of the layer of cells below
-// come first, which are also the last ones of the sweep below.
+// What one sweep gives.
+struct Share {
+  Mesh mesh;
+  std::size_t shared_vertices = 0;  // the first of them, which are also the last ones of the share below
+};
+
+// Contours the edges that start in some of the layers of corners. The cells below the first layer have
+// vertices here too.
 class Sweep {
  public:
   Sweep(Field const& i_field, std::size_t i_first_layer, std::size_t i_last_layer);
 
-  Mesh Run(Progress const& i_progress);
-  /// Of the layer of cells below.
-  std::size_t GetSharedVertices() const { return m_shared_vertices; }
+  Share Run(std::function<void()> const& i_begin_layer);
 
  private:
   // A layer's place: the corners, or the cells above them, row by row.
@@ -95,7 +100,6 @@ class Sweep {
   Index m_size;
   std::size_t m_first_layer;
   std::size_t m_last_layer;
-  std::size_t m_shared_vertices = 0;
   std::array<CornerLayer, 2> m_corners;                  // even and odd z
   std::array<std::vector<std::uint32_t>, 2> m_vertices;  // of the cells above those corners
   Mesh m_mesh;
@@ -111,11 +115,12 @@ void Sweep::ForEachInLayer(std::size_t i_z, std::size_t i_margin, Visit const& i
   }
 }
 
-Mesh Sweep::Run(Progress const& i_progress) {
+Share Sweep::Run(std::function<void()> const& i_begin_layer) {
   constexpr CanonicalEdgeIterable axes;
   std::size_t const start = m_first_layer == 0 ? 0 : m_first_layer - 1;
+  std::size_t shared_vertices = 0;
   for (std::size_t z = start; z <= m_last_layer; ++z) {
-    i_progress(static_cast<double>(z - start) / static_cast<double>(m_last_layer + 1 - start));
+    i_begin_layer();
     Evaluate(z);
     FindCrossings(z, axes[0]);
     FindCrossings(z, axes[1]);
@@ -124,13 +129,12 @@ Mesh Sweep::Run(Progress const& i_progress) {
     VerticesOf({0, 0, z - 1}).assign(m_size[0] * m_size[1], none);
     ForEachInLayer(z - 1, 1, [this](Index const& i_cell) { PlaceVertex(i_cell); });
     if (z == m_first_layer) {
-      m_shared_vertices = m_mesh.vertices.size();
+      shared_vertices = m_mesh.vertices.size();
     } else {
       ForEachInLayer(z - 1, 0, [this](Index const& i_corner) { AddQuads(i_corner); });
     }
   }
-  i_progress(1);
-  return std::move(m_mesh);
+  return {std::move(m_mesh), shared_vertices};
 }
 
 void Sweep::Evaluate(std::size_t i_z) {
@@ -261,30 +265,48 @@ void Sweep::AddQuad(std::array<std::uint32_t, 4> const& i_vertices) {
 
 // Each thread sweeps its share of the layers; fields and what they hold are only read. The mesh is the same,
 // to the bit, as that of a single sweep.
-Mesh Contour(Field const& i_field, Progress const& i_progress) {
-  std::size_t const layers = i_field.GetSize()[2] - 1;
-  std::size_t const threads = std::clamp<std::size_t>(std::thread::hardware_concurrency(), 1, layers);
-  std::vector<Sweep> sweeps;
-  for (std::size_t i = 0; i < threads; ++i) {
-    sweeps.emplace_back(i_field, layers * i / threads, layers * (i + 1) / threads);
-  }
+Mesh Contour(Field const& i_field, Progress const& i_progress, std::size_t i_threads) {
+  constexpr std::size_t least_share = 8;  // neighbours both evaluate the layer between them
+  std::size_t const size = i_field.GetSize()[2];
+  if (size < 2) return {};
+  std::size_t const layers = size - 1;
+  std::size_t const count =
+      std::clamp<std::size_t>(layers / least_share, 1, std::max<std::size_t>(i_threads, 1));
 
+  std::atomic<std::size_t> begun = 0;
   std::atomic<bool> is_ended = false;
-  auto const check_end = [&is_ended](double) {
-    if (is_ended) throw std::runtime_error("the contouring has ended");
+  auto const tell = [&] {
+    i_progress(std::min(1.0, static_cast<double>(begun) / static_cast<double>(layers + 2 * count)));
   };
-  std::vector<std::future<Mesh>> others;
-  for (std::size_t i = 1; i < threads; ++i) {
-    others.push_back(std::async(std::launch::async, [&, i] { return sweeps[i].Run(check_end); }));
-  }
-  // Where this thread fails, the others end before it goes on.
+  auto const run = [&](std::size_t i_number, std::function<void()> const& i_begin_layer) {
+    return Sweep(i_field, layers * i_number / count, layers * (i_number + 1) / count).Run(i_begin_layer);
+  };
+
+  std::vector<std::future<Share>> others;
+  // However this thread leaves, the others end soon, before their futures let it go.
   struct End {
     ~End() { is_ended = true; }
     std::atomic<bool>& is_ended;
   } const end{is_ended};
-  Mesh mesh = sweeps.front().Run(i_progress);
-  for (std::size_t i = 1; i < threads; ++i) mesh.Append(others[i - 1].get(), sweeps[i].GetSharedVertices());
+  // Where no thread is to be had, the share is swept when it is asked for.
+  constexpr auto policy = std::launch::async | std::launch::deferred;
+  for (std::size_t i = 1; i < count; ++i) {
+    others.push_back(std::async(policy, run, i, [&] {
+      if (is_ended) throw std::runtime_error("the contouring has ended");
+      ++begun;
+    }));
+  }
+  Mesh mesh = run(0, [&] {
+                ++begun;
+                tell();
+              }).mesh;
+  for (std::future<Share>& other : others) {
+    while (other.wait_for(std::chrono::milliseconds(50)) == std::future_status::timeout) tell();
+    Share const share = other.get();
+    mesh.Append(share.mesh, share.shared_vertices);
+  }
   mesh.Transform(i_field.GetGridToWorld());
+  i_progress(1);
   return mesh;
 }
 

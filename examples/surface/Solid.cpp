@@ -53,7 +53,9 @@ double Sphere::Evaluate(Point const& i_world) {
   return radius - lum::GetLength(i_world - Point(lum::Origin));
 }
 
-Die::Die() : m_die_to_world(lum::Matrix<double>::Rotate(lum::GetNormalized(Vector(1, 1, 0.2)), 0.6)) {
+Die::Die()
+    : m_die_to_world(lum::Matrix<double>::Rotate(lum::GetNormalized(Vector(1, 1, 0.2)), 0.6)),
+      m_world_to_die(m_die_to_world.GetInverse()) {
   constexpr double row_distance = 0.55 * half_edge;
   for (int number = 1; number <= 6; ++number) {
     // Opposite faces add up to seven.
@@ -70,7 +72,7 @@ Die::Die() : m_die_to_world(lum::Matrix<double>::Rotate(lum::GetNormalized(Vecto
 }
 
 double Die::Evaluate(Point const& i_world) const {
-  Point const point = m_die_to_world.GetInverse() * i_world;
+  Point const point = m_world_to_die * i_world;
   auto const [x, y, z] = point;
   double value = half_edge - std::max({std::abs(x), std::abs(y), std::abs(z)});
   for (Point const& bite : m_bites) value = std::min(value, lum::GetLength(point - bite) - bite_radius);

@@ -36,6 +36,8 @@ class Die {
 
  private:
   lum::Matrix<double> m_die_to_world;
+  // Held, since all threads that evaluate the field would count references to a copy that each makes.
+  lum::Matrix<double> m_world_to_die;
   std::vector<Point> m_bites;
 };
 

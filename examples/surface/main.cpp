@@ -4,6 +4,7 @@
 // The surface of a volume at a level, or of a solid, as a mesh and in pictures. With --clip, pictures leave
 // out what lies above the plane A x + B y + C z = D of the world and show the inside there.
 
+#include <atomic>
 #include <csignal>
 #include <cstddef>
 #include <exception>
@@ -46,10 +47,11 @@ constexpr std::size_t frame_size = 480;
 // Of a head, as volumes have their y axis forwards; dice look the same from everywhere.
 constexpr double three_quarter_view = 0.8 * std::numbers::pi;
 
-// Set by Ctrl-C and read between two steps of the work, where unfinished files are taken away as for any
-// error.
-volatile std::sig_atomic_t is_interrupted = 0;
-void Interrupt(int) { is_interrupted = 1; }
+// Set by Ctrl-C, on whichever thread that finds running, and read between two steps of the work, where
+// unfinished files are taken away as for any error. Free of locks, so that a handler may set it.
+std::atomic<bool> is_interrupted = false;
+static_assert(std::atomic<bool>::is_always_lock_free);
+void Interrupt(int) { is_interrupted = true; }
 
 class Interrupted : public std::runtime_error {
  public:
@@ -57,7 +59,7 @@ class Interrupted : public std::runtime_error {
 };
 constexpr int exit_by_interrupt = 128 + SIGINT;
 void ThrowIfInterrupted() {
-  if (is_interrupted != 0) throw Interrupted();
+  if (is_interrupted) throw Interrupted();
 }
 
 // Whether what is to be written would replace something else that is read or written.

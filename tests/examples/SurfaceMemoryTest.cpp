@@ -20,18 +20,21 @@ class Ball : public Field {
   static constexpr std::size_t cells = 100;
 };
 
-std::size_t GetPeak(std::size_t i_layers) {
+std::size_t GetPeak(std::size_t i_layers, std::size_t i_threads) {
   Ball const ball(i_layers);
   lum::test::AllocationPeak const peak;
-  Mesh const mesh = Contour(ball, [](double) {});
+  Mesh const mesh = Contour(
+      ball, [](double) {}, i_threads);
   EXPECT_GT(mesh.triangles.size(), 100U);
   return peak.GetBytes();
 }
 
 TEST(SurfaceMemory, GrowsWithASliceNotWithTheVolume) {
-  std::size_t const peak = GetPeak(100);
-  EXPECT_LT(GetPeak(400), peak + peak / 20);
-  EXPECT_LT(peak, 100 * Ball::cells * Ball::cells) << "a hundred bytes for each cell of a slice";
+  for (std::size_t const threads : {1U, 3U}) {
+    std::size_t const peak = GetPeak(100, threads);
+    EXPECT_LT(GetPeak(400, threads), peak + peak / 20);
+    EXPECT_LT(peak, 100 * Ball::cells * Ball::cells * threads) << "a hundred bytes for each cell of a slice";
+  }
 }
 
 }  // namespace

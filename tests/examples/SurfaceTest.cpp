@@ -325,14 +325,53 @@ TEST(Inside, ShowsTheVolumesGreysWhereTheyLie) {
   EXPECT_EQ(inside({4, 30, 1}), (Colour{0, 0, 0})) << "outside";
 }
 
+TEST(Contour, IsTheSameWithAnyNumberOfThreads) {
+  auto const solid = MakeSolid("die", 32);
+  Mesh const expected = Contour(*solid, &IgnoreProgress, 1);
+  ExpectClosed(expected);
+  for (std::size_t const threads : {0U, 2U, 3U, 4U, 100U}) {
+    Mesh const mesh = Contour(*solid, &IgnoreProgress, threads);
+    EXPECT_EQ(mesh.triangles, expected.triangles);
+    ASSERT_EQ(mesh.vertices.size(), expected.vertices.size());
+    for (std::size_t i = 0; i < mesh.vertices.size(); ++i) {
+      EXPECT_EQ(mesh.vertices[i].position, expected.vertices[i].position);
+      EXPECT_EQ(mesh.vertices[i].normal, expected.vertices[i].normal);
+      EXPECT_EQ(mesh.vertices[i].rank, expected.vertices[i].rank);
+    }
+  }
+}
+
 TEST(Contour, WhatProgressThrowsEndsTheWork) {
-  EXPECT_TRUE(lum::test::Throws<std::runtime_error>(
-      [] {
-        Contour(*MakeSolid("sphere", 16), [](double i_part) {
-          if (i_part > 0.5) throw std::runtime_error("enough");
-        });
-      },
-      "enough"));
+  for (std::size_t const threads : {1U, 3U}) {
+    EXPECT_TRUE(lum::test::Throws<std::runtime_error>(
+        [&] {
+          Contour(
+              *MakeSolid("sphere", 32),
+              [](double i_part) {
+                if (i_part > 0.2) throw std::runtime_error("enough");
+              },
+              threads);
+        },
+        "enough"));
+  }
+}
+
+// Fails in the upper half of the grid only.
+class HalfAField : public Field {
+ public:
+  HalfAField() : Field({{33, 33, 33}, {}, 1e-9, 1e-3}) {}
+
+  double Evaluate(Point const& i_grid_point) const override {
+    if (i_grid_point[2] > 16) throw std::out_of_range("there is no upper half");
+    return 5 - lum::GetLength(i_grid_point - Point(16, 16, 16));
+  }
+};
+
+TEST(Contour, WhatAFieldThrowsOnAnyThreadEndsTheWork) {
+  for (std::size_t const threads : {1U, 2U, 4U}) {
+    EXPECT_TRUE(lum::test::Throws<std::out_of_range>([&] { Contour(HalfAField(), &IgnoreProgress, threads); },
+                                                     "there is no upper half"));
+  }
 }
 
 common::Picture ReadPng(std::string const& i_path) {
