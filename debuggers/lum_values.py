@@ -256,7 +256,7 @@ def _describe_index(text_of):
 KINDS = (
     Kind("Matrix", r"lum::Matrix<(float|double)>", _describe_matrix),
     Kind("Quaternionf", r"lum::Quaternionf", _describe_quaternion),
-    Kind("Handle", r"lum::Handle<.+>", _describe_handle),
+    Kind("Handle", r"lum::Handle<.+, std::atomic<unsigned long>, .+>", _describe_handle),
     Kind("Vector", r"lum::Vector<(float|double), [23][ulUL]*>", _describe_vector),
     Kind("Point", r"lum::Point<(float|double), [23][ulUL]*>", _describe_point),
     Kind("Plane", r"lum::Plane<(float|double)>", _describe_plane),

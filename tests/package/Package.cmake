@@ -73,7 +73,9 @@ function(check_manifest manifest)
       file(READ_SYMLINK "${PREFIX}/${path}" target)
       string(APPEND line " -> ${target}")
     endif()
-    # Whatever the machine, the version and the build type are called.
+    # Whatever the machine, the version and the build type are called. gdb looks for its script below the whole path
+    # of the library.
+    string(REGEX REPLACE "gdb/auto-load/.*/${libdir}/" "gdb/auto-load/@INSTALL_PREFIX@/@LIBDIR@/" line "${line}")
     string(REGEX REPLACE "(^|/)${libdir}/" "\\1@LIBDIR@/" line "${line}")
     string(REGEX REPLACE "so\\.[0-9]+\\.[0-9]+\\.[0-9]+" "so.@VERSION@" line "${line}")
     string(REGEX REPLACE "(lumTargets)-[a-z]+" "\\1-@BUILD_TYPE@" line "${line}")
