@@ -123,6 +123,19 @@ void AddSharing() {
   Add("copy" + of, "R", copy_pair);
   Add("GetInverse" + of, "lum", Repeat([matrix] { return matrix.GetInverse(); }));
   Add("GetInverse" + of, "R", copy_pair);
+  Add("copy" + of, "Eigen values", Repeat([x = *pair.transform]() mutable {
+        benchmark::DoNotOptimize(x);
+        return x;
+      }));
+  Add("GetInverse" + of, "Eigen values", Repeat([x = *pair.transform]() mutable {
+        benchmark::DoNotOptimize(x);
+        return x.inverse();
+      }));
+  Add("GetInverse" + of, "Eigen values, affine",
+      Repeat([x = Eigen::Transform<T, 3, Eigen::Affine>(pair.transform->matrix())]() mutable {
+        benchmark::DoNotOptimize(x);
+        return x.inverse();
+      }));
   Add("times the identity" + of, "lum", Repeat([matrix, identity] { return matrix * identity; }));
   Add("times the identity" + of, "R", copy_pair);
   // What is made each time is the same as in the row of Translate, which is to be taken off.

@@ -23,7 +23,7 @@ def read(path):
 
 
 def write(path, vertices, normals, faces):
-    """A binary PLY with normals, as examples/surface writes it."""
+    """A binary PLY with normals; examples/surface writes a colour for each vertex too."""
     header = ["ply", "format binary_little_endian 1.0", f"element vertex {len(vertices)}"]
     header += [f"property float {name}" for name in ("x", "y", "z", "nx", "ny", "nz")]
     header += [f"element face {len(faces)}", "property list uchar int vertex_indices", "end_header"]

@@ -12,7 +12,8 @@
 ///
 /// Every number is written by the stream's own insertion, so precision, notation, base, sign, case, fill,
 /// adjustment and locale are the stream's. Its width goes to each number, so that values line up in columns,
-/// and is 0 afterwards, as after any insertion. All else is left as it was.
+/// and is 0 afterwards, as after any insertion. All else is left as it was. The identifiers that the library
+/// streams by itself give the width to the text before the number.
 ///
 /// Where the stream's locale writes a comma within numbers, a semicolon separates them: (1,5; 2; 3).
 namespace lum {

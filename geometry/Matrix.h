@@ -62,8 +62,10 @@ class LUM_EXPORT LUM_STANDALONE_DEBUG Matrix {
   Matrix();                             ///< The known identity. Raises 2 counts.
   Matrix(Matrix const&) = default;      ///< Shares both objects. Raises 2 counts, or 1 without an inverse.
   Matrix(Matrix&&) noexcept = default;  ///< Takes over both handles.
-  /// Two fresh objects, whose values the library writes before anyone reads them. Takes 2 objects.
+  /// \cond
+  // Two fresh objects, whose values the library writes before anyone reads them.
   explicit Matrix(internal::FreshObjects) : m_objects(CreateTwoGlobalObjects<Object>()) {}
+  /// \endcond
   /// Shares the objects of two handles, the second of which may be empty. Nothing is checked.
   Matrix(ObjectHandle i_transform, ObjectHandle i_inverse) noexcept;
   /// Lets go of the inverse, then of the transform.
@@ -71,8 +73,8 @@ class LUM_EXPORT LUM_STANDALONE_DEBUG Matrix {
     // A matrix that was moved from holds neither, and the compiler mostly knows.
     if (m_objects.second || m_objects.first) ObjectHandle::ReleaseTogether(m_objects.second, m_objects.first);
   }
-  /// Copies 16 values, column by column, and inverts them by their cofactors. A singular matrix gets an
-  /// inverse of infinities and NaNs. Takes 2 objects.
+  /// Copies 16 values, column by column, and inverts them by their cofactors. Of a singular matrix, or nearly
+  /// so, the inverse is infinities, NaNs or large numbers without meaning. Takes 2 objects.
   explicit Matrix(T const* ip_values);
   /// The frame that maps the unit axes onto the three vectors, taken as they are, and (0, 0, 0) onto the
   /// origin; inverted like the matrix from values. Takes 2 objects.
@@ -84,7 +86,8 @@ class LUM_EXPORT LUM_STANDALONE_DEBUG Matrix {
   template <class U>
   requires(!std::same_as<T, U>) Matrix(Matrix<U> const& i_other);
 
-  /// Shares the objects of the other, then lets go of the transform and the inverse that it had.
+  /// Shares the objects of the other, then lets go of the transform and the inverse that it had. Raises 2
+  /// counts, or 1 without an inverse.
   // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): a counted copy is taken first
   Matrix& operator=(Matrix const& i_other) noexcept { return *this = Matrix(i_other); }
   Matrix& operator=(Matrix&& io_other) noexcept;  ///< Moves, then lets go of what it had.
@@ -152,7 +155,7 @@ class LUM_EXPORT LUM_STANDALONE_DEBUG Matrix {
   /// The full 4x4 product, with the product of the inverses when both factors have one. Takes 2 objects, or 1
   /// without an inverse. A known identity as a factor gives a copy of the other factor, raising 2 counts.
   Matrix operator*(Matrix const& i_right) const;
-  /// Becomes the product; this matrix is unchanged when that throws.
+  /// Becomes the product, and takes or raises what that does; this matrix is unchanged when that throws.
   Matrix& operator*=(Matrix const& i_right);
   /// Component i is ((M(i,0) x + M(i,1) y) + M(i,2) z) + M(i,3) 0: a translation that is not finite shows.
   Vector<T, 3> operator*(Vector<T, 3> const& i_vector) const;

@@ -148,8 +148,8 @@ T GetLength(Vector<T, N> const& i_vector) noexcept {
 /// The vector divided by its length, component by component, in the precision of the argument.
 ///
 /// The squares are summed as x x + y y, or (z z + y y) + x x in three dimensions. There is no guard: a zero
-/// vector gives NaNs; squares that overflow give a zero vector, squares that underflow infinities; a NaN
-/// spreads to all components.
+/// vector gives NaNs, and a NaN spreads to all components. Where the squares overflow, finite components
+/// become 0 and infinite ones NaN; where they underflow to 0, components become infinite, and zeros NaN.
 LUM_EXPORT Vector<float, 2> GetNormalized(Vector<float, 2> const& i_vector);
 LUM_EXPORT Vector<double, 2> GetNormalized(Vector<double, 2> const& i_vector);
 LUM_EXPORT Vector<float, 3> GetNormalized(Vector<float, 3> const& i_vector);

@@ -104,6 +104,21 @@ TEST_F(HandleOnObjects, CountsItsCopies) {
   EXPECT_EQ(m_pool.last_returned, &m_first);
 }
 
+TEST_F(HandleOnObjects, SwapsWhatTwoAreBoundTo) {
+  TestHandle bound = Bind(m_first, m_first_count);
+  TestHandle empty;
+  bound.Swap(empty);
+  EXPECT_FALSE(bound);
+  EXPECT_EQ(empty.Get(), &m_first);
+  EXPECT_EQ(empty.GetReferenceCount(), 1U);
+  bound.Swap(empty);
+  bound.Swap(bound);
+  EXPECT_EQ(bound.Get(), &m_first);
+  EXPECT_EQ(m_pool.returns, 0);
+  bound = TestHandle();
+  EXPECT_EQ(m_pool.last_returned, &m_first) << "the deleter came along";
+}
+
 TEST_F(HandleOnObjects, AnEmptyHandleOwnsNothing) {
   TestHandle empty;
   EXPECT_FALSE(empty);

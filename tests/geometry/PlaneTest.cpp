@@ -97,11 +97,16 @@ TYPED_TEST(PlaneOf, AcceptsASquaredLengthOfExactlyTheSmallestNormalValue) {
   EXPECT_TRUE(test::Throws<std::invalid_argument>([below] { Plane<TypeParam>(0, below, 0, 0); }, message));
 }
 
-TYPED_TEST(PlaneOf, AnInfiniteSquaredLengthGivesZeros) {
+TYPED_TEST(PlaneOf, AnInfiniteSquaredLengthGivesZerosAndNaNs) {
   TypeParam const huge = std::numeric_limits<TypeParam>::max();
   Plane<TypeParam> const plane(huge, 0, 0, 1);
   EXPECT_EQ(plane.GetA(), 0);
   EXPECT_EQ(plane.GetD(), 0);
+  TypeParam const infinity = std::numeric_limits<TypeParam>::infinity();
+  Plane<TypeParam> const infinite(infinity, 1, 0, 1);
+  EXPECT_TRUE(std::isnan(infinite.GetA()));
+  EXPECT_EQ(infinite.GetB(), 0);
+  EXPECT_TRUE(std::isnan(Plane<TypeParam>(huge, 0, 0, infinity).GetD()));
 }
 
 TYPED_TEST(PlaneOf, RefusesANormalOfZeros) {

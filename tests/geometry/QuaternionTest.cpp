@@ -415,6 +415,8 @@ TEST(Quaternion, ComparesCoefficientsNotRotations) {
   for (float& coefficient : opposite) coefficient = -coefficient;
   EXPECT_FALSE(q.IsApproximately(Make(opposite), 1.99F));
   EXPECT_TRUE(q.IsApproximately(Make(opposite), 2.01F));
+  EXPECT_FALSE(q.IsApproximately(Make(opposite), -1.99F));
+  EXPECT_TRUE(q.IsApproximately(Make(opposite), -2.01F));
   EXPECT_TRUE(q.IsApproximately(q, 0));
   Coefficients close = q.GetCoefficients();
   close[3] = std::nextafter(close[3], 2.0F);

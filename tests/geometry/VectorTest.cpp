@@ -160,6 +160,13 @@ TEST(Vector, NormalizingDoesNotRescale) {
   EXPECT_EQ(GetNormalized(Vector<float, 3>(1e-30F, 1e-30F, -1e-30F)),
             (Vector<float, 3>(infinity, infinity, -infinity)));
   EXPECT_EQ(GetNormalized(Vector<float, 2>(1e20F, 0)), (Vector<float, 2>(0, 0)));
+  Vector<float, 2> const infinite =
+      GetNormalized(Vector<float, 2>(std::numeric_limits<float>::infinity(), 1));
+  EXPECT_TRUE(std::isnan(infinite[0]));
+  EXPECT_EQ(infinite[1], 0);
+  Vector<float, 2> const tiny = GetNormalized(Vector<float, 2>(1e-30F, 0));
+  EXPECT_EQ(tiny[0], std::numeric_limits<float>::infinity());
+  EXPECT_TRUE(std::isnan(tiny[1]));
   EXPECT_EQ(GetNormalized(Vector<float, 2>(0, 3)), (Vector<float, 2>(0, 1)));
   EXPECT_EQ(GetNormalized(Vector<double, 3>(1e200, 0, 0)), (Vector<double, 3>(0, 0, 0)));
   EXPECT_EQ(
