@@ -105,7 +105,7 @@ auto WithSoManyLive(Make const& i_make) {
     std::size_t next = 0;
     auto const replace_next = [&] {
       values[next] = i_make();
-      next = (next + 7919) % live;
+      next = (next + 7919) % values.size();
     };
     // Each once: what the first ones cost is not what it costs to go on.
     for (std::size_t i = 0; i < live; ++i) replace_next();
