@@ -19,6 +19,9 @@
 ///
 /// Maps claim no alignment: vectors have none, and what Eigen makes of the alignment of pooled objects
 /// depends on the vector flags of the caller. So the type of a map means the same to every translation unit.
+///
+/// A map takes no objects and counts nothing. `FromEigen` of a transform takes 2 objects, of a quaternion 1,
+/// and passes on `std::bad_alloc`. All may be called from any thread, on values that no other thread writes.
 namespace lum {
 
 namespace internal {

@@ -13,8 +13,10 @@
 /// Matrices and quaternions to and from numbers in other orders than the library's own, by names that say
 /// which. Values pass unchanged, bit by bit.
 ///
-/// Matrices are made as `Matrix(T const*)` makes them, with the inverse computed from the values. Where there
-/// is only a pointer, `std::span<float const, 16>(pointer, 16)` says how many values it stands for.
+/// Matrices are made as `Matrix(T const*)` makes them: inverted by cofactors, in 2 objects. A quaternion
+/// takes
+/// 1. What takes objects passes on `std::bad_alloc`, and all may be called from any thread. Where there is
+/// only a pointer, `std::span<float const, 16>(pointer, 16)` says how many values it stands for.
 namespace lum {
 
 ///@{

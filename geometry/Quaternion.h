@@ -47,8 +47,9 @@ class LUM_EXPORT LUM_STANDALONE_DEBUG Quaternionf {
   /// The Hamilton product: rotates by i_right first, then by this. Always takes 1 object.
   Quaternionf operator*(Quaternionf const& i_right) const;
 
-  /// The rotation matrix, with its inverse; for the known identity, the known identity. The formula takes the
-  /// quaternion to be of unit length. Takes 2 objects of matrices, or raises 2 counts.
+  /// The rotation matrix, with the inverse of its values by cofactors; for the known identity, the known
+  /// identity. The formula takes the quaternion to be of unit length. Takes 2 objects of matrices, or raises
+  /// 2 counts.
   Matrix<float> GetAsMatrix() const;
   /// Whether this is the identity object itself. Others with its coefficients are not.
   bool IsKnownIdentity() const;
