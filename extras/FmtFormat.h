@@ -8,7 +8,7 @@
 #include "extras/ValueFormatter.h"
 
 /// Formatters of the values and identifiers for the library {fmt}, which only users of this header need.
-/// ValueText.h shows the texts, ValueFormatter.h what a specification does.
+/// ValueText.h shows the texts, ValueFormatter.h what format options do.
 /// \cond
 template <lum::internal::HasText Value>
 struct fmt::formatter<Value, char>

@@ -9,7 +9,7 @@
 #include <format>
 
 /// Formatters of the values and identifiers for `std::format`, where the standard library has it. ValueText.h
-/// shows the texts, ValueFormatter.h what a specification does.
+/// shows the texts, ValueFormatter.h what format options do.
 /// \cond
 template <lum::internal::HasText Value>
 struct std::formatter<Value, char>

@@ -7,12 +7,12 @@
 
 /// What the formatters of Format.h and FmtFormat.h share. ValueText.h shows the texts.
 ///
-/// The format specification is that of a number and is applied to each: `{:8.3f}` of a vector gives every
+/// The format options are those of a number and are applied to each: `{:8.3f}` of a vector gives every
 /// component 8 characters and 3 digits. The numbers are separated by ", ", and by "; " where L asks for the
 /// form of a locale, which may write a comma within numbers.
 namespace lum::internal {
 
-/// \tparam NumberFormatter  the formatter of one number, which parses the specification and writes
+/// \tparam NumberFormatter  the formatter of one number, which parses the options and writes
 template <class NumberFormatter>
 class ValueFormatter {
  public:
@@ -51,19 +51,19 @@ class ValueFormatter {
   };
 
   // L stands last, or just before the letter of the type. An L that fills stands before its alignment.
-  static constexpr bool AsksForLocale(std::string_view i_specification) {
-    if (i_specification.empty()) return false;
-    char const last = i_specification.back();
+  static constexpr bool AsksForLocale(std::string_view i_options) {
+    if (i_options.empty()) return false;
+    char const last = i_options.back();
     bool const is_type = ('a' <= last && last <= 'z') || ('A' <= last && last <= 'Z');
-    if (last != 'L' && is_type) i_specification.remove_suffix(1);
-    return i_specification.ends_with('L');
+    if (last != 'L' && is_type) i_options.remove_suffix(1);
+    return i_options.ends_with('L');
   }
 
   NumberFormatter m_number;
   bool m_uses_locale = false;
 };
 
-/// The formatter of the value, or the text "nullopt", which no specification changes.
+/// The formatter of the value, or the text "nullopt", which no option changes.
 template <class ContainedFormatter>
 class OptionalFormatter {
  public:

@@ -29,7 +29,7 @@ TEST(FmtFormat, WritesEveryKindOfValue) {
             "((1, 0, 0, 5), (0, 1, 0, 6), (0, 0, 1, 7), (0, 0, 0, 1))");
 }
 
-TEST(FmtFormat, AppliesTheSpecificationToEveryNumber) {
+TEST(FmtFormat, AppliesTheOptionsToEveryNumber) {
   Vector<float, 3> const vector(1, 2.5F, -3);
   EXPECT_EQ(fmt::format("{:.2f}|{:+}", vector, vector), "(1.00, 2.50, -3.00)|(+1, +2.5, -3)");
   EXPECT_EQ(fmt::format("{:*^7.1f}", vector), "(**1.0**, **2.5**, *-3.0**)");
@@ -71,7 +71,7 @@ TEST(FmtFormat, WritesAnOptionalAsItsValue) {
   EXPECT_EQ(fmt::format("{:20.1f}|", optional<Vector<float, 2>>()), "nullopt|");
 }
 
-TEST(FmtFormat, RefusesASpecificationThatIsNotOfTheNumbers) {
+TEST(FmtFormat, RefusesOptionsThatAreNotOfTheNumbers) {
   Vector<float, 2> const vector(1, 2);
   EXPECT_THROW(static_cast<void>(fmt::format(fmt::runtime("{:d}"), vector)), fmt::format_error);
   EXPECT_THROW(static_cast<void>(fmt::format(fmt::runtime("{:.1f}"), CubeElement(3))), fmt::format_error);
