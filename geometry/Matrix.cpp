@@ -4,7 +4,6 @@
 #include <array>
 #include <cassert>
 #include <cmath>
-#include <cstddef>
 #include <cstring>
 #include <limits>
 #include <stdexcept>
@@ -180,8 +179,8 @@ Matrix<T>::Matrix() : m_objects{mgh_identity.GetValue(), mgh_identity.GetValue()
 
 template <class T>
 Matrix<T>::Matrix(T const* ip_values) : Matrix(internal::FreshObjects()) {
-  std::copy_n(ip_values, 16, m_objects.first->data());
-  internal::InvertMatrix(ip_values, m_objects.second->data());
+  std::copy_n(ip_values, 16, GetMatrix()->data());
+  internal::InvertMatrix(ip_values, GetMatrixInverse()->data());
 }
 
 template <class T>
@@ -250,8 +249,8 @@ Matrix<T> Matrix<T>::Normalize(T i_width, T i_height, T i_depth) {
 
 template <class T>
 T const* Matrix<T>::GetAsPtr() const noexcept {
-  assert(m_objects.first);
-  return m_objects.first->data();
+  assert(GetMatrix());
+  return GetMatrix()->data();
 }
 
 template <class T>
@@ -270,8 +269,8 @@ bool Matrix<T>::operator==(Matrix const& i_other) const noexcept {
 
 template <class T>
 bool Matrix<T>::IsKnownIdentity() const {
-  assert(m_objects.first);
-  return m_objects.first.Get() == mgh_identity.GetValue().Get();
+  assert(GetMatrix());
+  return GetMatrix().Get() == mgh_identity.GetValue().Get();
 }
 
 template <class T>
@@ -283,8 +282,8 @@ template <class T>
 Matrix<T> Matrix<T>::GetTranspose() const {
   if (IsKnownIdentity()) return *this;
   auto const transform = MakeTranspose(GetAsPtr());
-  if (!m_objects.second) return CreateMatrixWithoutInverse(transform);
-  return CreateMatrix(transform, MakeTranspose<T>(m_objects.second->data()));
+  if (!HasInverse()) return CreateMatrixWithoutInverse(transform);
+  return CreateMatrix(transform, MakeTranspose<T>(GetMatrixInverse()->data()));
 }
 
 // Complementary 2x2 minors of columns 0 and 1 against columns 2 and 3.
@@ -305,18 +304,19 @@ template <class T>
 Matrix<T> Matrix<T>::GetNormalTransform() const {
   if (IsKnownIdentity()) return *this;
   T const* const inverse =
-      GetInverseValues<T>(m_objects.second, "GetNormalTransform assumes an invertible matrix");
+      GetInverseValues<T>(GetMatrixInverse(), "GetNormalTransform assumes an invertible matrix");
   return CreateMatrix(MakeTranspose(inverse), MakeTranspose(GetAsPtr()));
 }
 
 template <class T>
 Matrix<T> Matrix<T>::operator*(Matrix const& i_right) const {
-  assert(i_right.m_objects.first);
+  assert(i_right.GetMatrix());
   if (IsKnownIdentity()) return i_right;
   if (i_right.IsKnownIdentity()) return *this;
   auto const transform = MakeProduct(GetAsPtr(), i_right.GetAsPtr());
-  if (!m_objects.second || !i_right.m_objects.second) return CreateMatrixWithoutInverse(transform);
-  return CreateMatrix(transform, MakeProduct<T>(i_right.m_objects.second->data(), m_objects.second->data()));
+  if (!HasInverse() || !i_right.HasInverse()) return CreateMatrixWithoutInverse(transform);
+  return CreateMatrix(transform,
+                      MakeProduct<T>(i_right.GetMatrixInverse()->data(), GetMatrixInverse()->data()));
 }
 
 template <class T>
@@ -328,7 +328,7 @@ template <class T>
 Vector<T, 3> Matrix<T>::operator*(Vector<T, 3> const& i_vector) const {
   auto const* const identity = mgh_identity.GetValueIfCreated();
   if (identity == nullptr) return ApplyFirst(*this, i_vector);
-  if (m_objects.first.Get() == identity->Get()) return i_vector;
+  if (GetMatrix().Get() == identity->Get()) return i_vector;
   auto const columns = Columns<T>::Load(GetAsPtr());
   Vector<T, 3> image;
   columns.CombineWith(i_vector[0], i_vector[1], i_vector[2], columns.translation * 0)
@@ -340,7 +340,7 @@ template <class T>
 Point<T, 3> Matrix<T>::operator*(Point<T, 3> const& i_point) const {
   auto const* const identity = mgh_identity.GetValueIfCreated();
   if (identity == nullptr) return ApplyFirst(*this, i_point);
-  if (m_objects.first.Get() == identity->Get()) return i_point;
+  if (GetMatrix().Get() == identity->Get()) return i_point;
   auto const columns = Columns<T>::Load(GetAsPtr());
   Point<T, 3> image;
   columns.CombineWith(i_point[0], i_point[1], i_point[2], columns.translation).StoreThree(image.data());
@@ -351,7 +351,7 @@ Point<T, 3> Matrix<T>::operator*(Point<T, 3> const& i_point) const {
 template <class T>
 Plane<T> Matrix<T>::operator*(Plane<T> const& i_plane) const {
   if (IsKnownIdentity()) return i_plane;
-  T const* const m = GetInverseValues<T>(m_objects.second, no_inverse_message);
+  T const* const m = GetInverseValues<T>(GetMatrixInverse(), no_inverse_message);
   T const a = i_plane.GetA();
   T const b = i_plane.GetB();
   T const c = i_plane.GetC();

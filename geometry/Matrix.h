@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <cassert>
 #include <concepts>
 #include <span>
@@ -209,7 +208,7 @@ inline Matrix<T>& Matrix<T>::operator=(Matrix&& io_other) noexcept {
 template <class T>
 inline Matrix<T> Matrix<T>::GetInverse() const& {
   RequireInverse();
-  return Matrix(m_objects.second, m_objects.first);
+  return Matrix(GetMatrixInverse(), GetMatrix());
 }
 
 template <class T>
@@ -220,8 +219,8 @@ inline Matrix<T> Matrix<T>::GetInverse() && {
 
 template <class T>
 inline void Matrix<T>::RequireInverse() const {
-  assert(m_objects.first);
-  if (!m_objects.second) ThrowNoInverse();
+  assert(GetMatrix());
+  if (!HasInverse()) ThrowNoInverse();
 }
 
 ///@{

@@ -104,9 +104,7 @@ ObjectPool<T, Size, Alignment, Policy>::CreateTwoObjects() {
       return {MakeHandle(block, (*slots)[0]), MakeHandle(block, (*slots)[1])};
     }
   }
-  ObjectHandle first = CreateObject();
-  ObjectHandle second = CreateObject();
-  return {std::move(first), std::move(second)};
+  return {CreateObject(), CreateObject()};
 }
 
 template <class T, std::size_t Size, std::size_t Alignment, class Policy>
