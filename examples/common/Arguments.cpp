@@ -62,12 +62,12 @@ void CommandLine::RequirePaths(std::size_t i_count, std::string_view i_usage) co
 }
 
 double CommandLine::GetNumber(std::string_view i_option, double i_default) const {
-  return Has(i_option) ? ParseNumber(i_option, m_values.at(i_option)) : i_default;
+  return Has(i_option) ? ParseNumber(i_option, Get(i_option)) : i_default;
 }
 
 std::size_t CommandLine::GetCount(std::string_view i_option, std::size_t i_largest,
                                   std::size_t i_default) const {
-  return Has(i_option) ? ParseCount(i_option, m_values.at(i_option), i_largest) : i_default;
+  return Has(i_option) ? ParseCount(i_option, Get(i_option), i_largest) : i_default;
 }
 
 }  // namespace common

@@ -30,6 +30,8 @@ class CommandLine {
   /// Throws, with the usage as text, unless there are so many paths.
   void RequirePaths(std::size_t i_count, std::string_view i_usage) const;
   bool Has(std::string_view i_option) const { return m_values.contains(i_option); }
+  /// The value of an option that is given.
+  std::string_view Get(std::string_view i_option) const { return m_values.at(i_option); }
   /// What the functions above make of the value, or the default when the option is not given.
   double GetNumber(std::string_view i_option, double i_default) const;
   std::size_t GetCount(std::string_view i_option, std::size_t i_largest, std::size_t i_default) const;

@@ -9,7 +9,6 @@
 #include <iostream>
 #include <numbers>
 #include <stdexcept>
-#include <string>
 #include <string_view>
 #include <vector>
 
@@ -26,11 +25,6 @@ constexpr std::string_view usage =
 
 constexpr std::size_t largest_size = 16384;
 
-struct Arguments {
-  std::vector<std::string> paths;
-  reslice::Placement placement;
-};
-
 lum::Vector<float, 3> ParseAxis(std::string_view i_option, std::string_view i_text) {
   std::vector<double> axis = common::ParseList(i_option, i_text, "X,Y,Z");
   // Only the direction counts, and floats hold no squares of very long or short axes.
@@ -40,46 +34,32 @@ lum::Vector<float, 3> ParseAxis(std::string_view i_option, std::string_view i_te
   return {static_cast<float>(axis[0]), static_cast<float>(axis[1]), static_cast<float>(axis[2])};
 }
 
-// In radians, and within a turn: floats tell no degrees apart in large angles.
-double ParseAngle(std::string_view i_option, std::string_view i_text) {
-  return std::remainder(common::ParseNumber(i_option, i_text), 360.0) * std::numbers::pi / 180;
-}
-
-Arguments ParseArguments(std::vector<std::string_view> const& i_words) {
-  Arguments arguments;
-  for (std::size_t index = 0; index < i_words.size(); ++index) {
-    std::string_view const word = i_words[index];
-    if (!word.starts_with("--")) {
-      arguments.paths.emplace_back(word);
-      continue;
-    }
-    if (word != "--axis" && word != "--angle" && word != "--offset" && word != "--size") {
-      throw std::invalid_argument("unknown option " + std::string(word));
-    }
-    if (++index == i_words.size()) throw std::invalid_argument(std::string(word) + " takes a value");
-    std::string_view const value = i_words[index];
-    reslice::Placement& placement = arguments.placement;
-    if (word == "--axis") placement.axis = ParseAxis(word, value);
-    if (word == "--angle") placement.angle = ParseAngle(word, value);
-    if (word == "--offset") placement.offset = common::ParseNumber(word, value);
-    if (word == "--size") placement.size = common::ParseCount(word, value, largest_size);
+reslice::Placement GetPlacement(common::CommandLine const& i_line) {
+  reslice::Placement placement;
+  if (i_line.Has("--axis")) placement.axis = ParseAxis("--axis", i_line.Get("--axis"));
+  // In radians, and within a turn: floats tell no degrees apart in large angles.
+  placement.angle = std::remainder(i_line.GetNumber("--angle", 0), 360.0) * std::numbers::pi / 180;
+  placement.offset = i_line.GetNumber("--offset", placement.offset);
+  if (i_line.Has("--size")) {
+    placement.size = common::ParseCount("--size", i_line.Get("--size"), largest_size);
   }
-  if (arguments.paths.size() != 2) throw std::invalid_argument(std::string(usage));
-  return arguments;
+  return placement;
 }
 
 }  // namespace
 
 int main(int i_count, char** ip_words) {
   try {
-    Arguments const arguments = ParseArguments({ip_words + 1, ip_words + i_count});
-    common::Volume const volume = common::ReadVolume(arguments.paths[0]);
-    reslice::Slice const slice = reslice::PlaceSlice(volume, arguments.placement);
+    common::CommandLine const line(i_count, ip_words, {"--axis", "--angle", "--offset", "--size"});
+    reslice::Placement const placement = GetPlacement(line);
+    line.RequirePaths(2, usage);
+    common::Volume const volume = common::ReadVolume(line.GetPaths()[0]);
+    reslice::Slice const slice = reslice::PlaceSlice(volume, placement);
     reslice::Samples const samples = reslice::Resample(volume, slice);
-    common::OutputFile file(arguments.paths[1]);
+    common::OutputFile file(line.GetPaths()[1]);
     common::WritePng(common::StretchContrast(slice.width, slice.height, samples), file);
     file.Publish();
-    std::cout << arguments.paths[1] << ": " << slice.width << " x " << slice.height << " mm\n";
+    std::cout << line.GetPaths()[1] << ": " << slice.width << " x " << slice.height << " mm\n";
     return 0;
   } catch (std::exception const& exception) {
     std::cerr << "reslice: " << exception.what() << '\n';
