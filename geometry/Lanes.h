@@ -2,8 +2,13 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <stdexcept>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace lum::internal {
 
@@ -42,9 +47,37 @@ Lanes<T> LoadLanes(T const* ip_values) noexcept {
   return lanes;
 }
 
-template <class T>
-void StoreLanes(Lanes<T> const& i_lanes, T* op_values) noexcept {
-  std::memcpy(op_values, &i_lanes, sizeof(i_lanes));
+/// Writes numbers to where they belong.
+struct StoreLanes {
+  template <class L, class T>
+  void operator()(L const& i_lanes, T* op_values) const noexcept {
+    std::memcpy(op_values, &i_lanes, sizeof(i_lanes));
+  }
+};
+
+/// Writes numbers past the caches, to an address that 16 divides: the processor need not read a line before
+/// it writes all of it. Other threads may see such stores late, until `FinishStreaming`.
+struct StreamLanes {
+#ifdef __SSE2__
+  void operator()(FloatLanes const& i_lanes, float* op_values) const noexcept {
+    _mm_stream_ps(op_values, i_lanes);
+  }
+  void operator()(DoubleLanes const& i_lanes, double* op_values) const noexcept {
+    _mm_stream_pd(op_values, i_lanes);
+  }
+#else
+  template <class L, class T>
+  void operator()(L const& i_lanes, T* op_values) const noexcept {
+    StoreLanes()(i_lanes, op_values);
+  }
+#endif
+};
+
+/// Orders what was streamed before every later store, as those of a caller who publishes the results are.
+inline void FinishStreaming() noexcept {
+#ifdef __SSE2__
+  _mm_sfence();
+#endif
 }
 
 /// The number of triples that are carried together.
@@ -77,26 +110,23 @@ inline LaneTriple<double> LoadTriples(double const* ip_values) noexcept {
 }
 
 /// Writes them back in the same order.
-template <class T>
-void StoreTriples(LaneTriple<T> const& i_lanes, T* op_values) noexcept;
-
-template <>
-inline void StoreTriples<float>(LaneTriple<float> const& i_lanes, float* op_values) noexcept {
+template <class Store>
+void StoreTriples(LaneTriple<float> const& i_lanes, float* op_values, Store const& i_store) noexcept {
   auto const& [x, y, z] = i_lanes;
   FloatLanes const xy02 = __builtin_shufflevector(x, y, 0, 2, 4, 6);
   FloatLanes const yz13 = __builtin_shufflevector(y, z, 1, 3, 5, 7);
   FloatLanes const zx = __builtin_shufflevector(z, x, 0, 2, 5, 7);  // z0 z2 x1 x3
-  StoreLanes<float>(__builtin_shufflevector(xy02, zx, 0, 2, 4, 6), op_values);
-  StoreLanes<float>(__builtin_shufflevector(yz13, xy02, 0, 2, 5, 7), op_values + 4);
-  StoreLanes<float>(__builtin_shufflevector(zx, yz13, 1, 3, 5, 7), op_values + 8);
+  i_store(FloatLanes(__builtin_shufflevector(xy02, zx, 0, 2, 4, 6)), op_values);
+  i_store(FloatLanes(__builtin_shufflevector(yz13, xy02, 0, 2, 5, 7)), op_values + 4);
+  i_store(FloatLanes(__builtin_shufflevector(zx, yz13, 1, 3, 5, 7)), op_values + 8);
 }
 
-template <>
-inline void StoreTriples<double>(LaneTriple<double> const& i_lanes, double* op_values) noexcept {
+template <class Store>
+void StoreTriples(LaneTriple<double> const& i_lanes, double* op_values, Store const& i_store) noexcept {
   auto const& [x, y, z] = i_lanes;
-  StoreLanes<double>(__builtin_shufflevector(x, y, 0, 2), op_values);
-  StoreLanes<double>(__builtin_shufflevector(z, x, 0, 3), op_values + 2);
-  StoreLanes<double>(__builtin_shufflevector(y, z, 1, 3), op_values + 4);
+  i_store(DoubleLanes(__builtin_shufflevector(x, y, 0, 2)), op_values);
+  i_store(DoubleLanes(__builtin_shufflevector(z, x, 0, 3)), op_values + 2);
+  i_store(DoubleLanes(__builtin_shufflevector(y, z, 1, 3)), op_values + 4);
 }
 
 /// Arrays of different sizes throw `std::invalid_argument`.
@@ -106,20 +136,44 @@ inline void RequireSameSize(std::size_t i_from, std::size_t i_to) {
   }
 }
 
-/// Carries every triple of an array by an operation that reads and writes `kLanes` of them. The arrays may be
-/// one and the same.
+/// Carries fewer triples than go together, in the company of zeros.
+template <class T, class Operation>
+void CarryFewTriples(T const* ip_values, T* op_values, std::size_t i_count,
+                     Operation const& i_carry) noexcept {
+  std::array<T, 3 * kLanes<T>> few{};
+  std::memcpy(few.data(), ip_values, 3 * i_count * sizeof(T));
+  i_carry(few.data(), few.data(), StoreLanes());
+  std::memcpy(op_values, few.data(), 3 * i_count * sizeof(T));
+}
+
+/// Results of this size and more do not stay in the caches anyway: last levels hold 32 MiB and less for one
+/// core.
+constexpr std::size_t kStreamedBytes = std::size_t{32} << 20U;
+
+/// Carries every triple of an array by an operation that reads and writes `kLanes` of them, by the store that
+/// it is handed. The arrays may be one and the same.
 template <class T, class Operation>
 void CarryTriples(T const* ip_values, T* op_values, std::size_t i_count, Operation const& i_carry) noexcept {
   constexpr std::size_t step = 3 * kLanes<T>;
-  for (; i_count >= kLanes<T>; i_count -= kLanes<T>, ip_values += step, op_values += step) {
-    i_carry(ip_values, op_values);
+  auto const carry_while_full = [&](auto const& i_store) {
+    for (; i_count >= kLanes<T>; i_count -= kLanes<T>, ip_values += step, op_values += step) {
+      i_carry(ip_values, op_values, i_store);
+    }
+  };
+  // Where results replace the values, their lines have been read already.
+  if (3 * i_count * sizeof(T) >= kStreamedBytes && ip_values != op_values) {
+    std::size_t ahead = 0;
+    while (reinterpret_cast<std::uintptr_t>(op_values + 3 * ahead) % sizeof(Lanes<T>) != 0) ++ahead;
+    CarryFewTriples(ip_values, op_values, ahead, i_carry);
+    i_count -= ahead;
+    ip_values += 3 * ahead;
+    op_values += 3 * ahead;
+    carry_while_full(StreamLanes());
+    FinishStreaming();
+  } else {
+    carry_while_full(StoreLanes());
   }
-  if (i_count == 0) return;
-  // What is left is carried in the company of zeros.
-  std::array<T, step> rest{};
-  std::memcpy(rest.data(), ip_values, 3 * i_count * sizeof(T));
-  i_carry(rest.data(), rest.data());
-  std::memcpy(op_values, rest.data(), 3 * i_count * sizeof(T));
+  CarryFewTriples(ip_values, op_values, i_count, i_carry);
 }
 
 }  // namespace lum::internal

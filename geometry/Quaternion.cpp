@@ -107,18 +107,18 @@ void Quaternionf::Transform(std::span<Vector<float, 3> const> i_vectors,
                             std::span<Vector<float, 3>> o_vectors) const {
   internal::RequireSameSize(i_vectors.size(), o_vectors.size());
   if (i_vectors.empty()) return;
-  internal::CarryTriples(i_vectors.data()->data(), o_vectors.data()->data(), i_vectors.size(),
-                         [q = GetCoefficients()](float const* ip_triples, float* op_triples) {
-                           auto const& [x, y, z, w] = q;
-                           auto const [a, b, c] = internal::LoadTriples(ip_triples);
-                           internal::FloatLanes const ux = 2 * (y * c - z * b);
-                           internal::FloatLanes const uy = 2 * (z * a - x * c);
-                           internal::FloatLanes const uz = 2 * (x * b - y * a);
-                           internal::StoreTriples<float>(
-                               {(a + w * ux) + (y * uz - z * uy), (b + w * uy) + (z * ux - x * uz),
+  internal::CarryTriples(
+      i_vectors.data()->data(), o_vectors.data()->data(), i_vectors.size(),
+      [q = GetCoefficients()](float const* ip_triples, float* op_triples, auto const& i_store) {
+        auto const& [x, y, z, w] = q;
+        auto const [a, b, c] = internal::LoadTriples(ip_triples);
+        internal::FloatLanes const ux = 2 * (y * c - z * b);
+        internal::FloatLanes const uy = 2 * (z * a - x * c);
+        internal::FloatLanes const uz = 2 * (x * b - y * a);
+        internal::StoreTriples({(a + w * ux) + (y * uz - z * uy), (b + w * uy) + (z * ux - x * uz),
                                 (c + w * uz) + (x * uy - y * ux)},
-                               op_triples);
-                         });
+                               op_triples, i_store);
+      });
 }
 
 Vector<float, 3> Quaternionf::InverseTransform(Vector<float, 3> const& i_vector) const {

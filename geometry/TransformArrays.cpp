@@ -24,13 +24,14 @@ void Carry(double const* ip_matrix, std::array<double, 3> const& i_last, double 
     }
     c[row + 9] = internal::Broadcast(i_last[row]);
   }
-  internal::CarryTriples(ip_values, op_values, i_count, [c](double const* ip_triples, double* op_triples) {
-    auto const [x, y, z] = internal::LoadTriples(ip_triples);
-    internal::StoreTriples<double>(
-        {((c[0] * x + c[3] * y) + c[6] * z) + c[9], ((c[1] * x + c[4] * y) + c[7] * z) + c[10],
-         ((c[2] * x + c[5] * y) + c[8] * z) + c[11]},
-        op_triples);
-  });
+  internal::CarryTriples(
+      ip_values, op_values, i_count, [c](double const* ip_triples, double* op_triples, auto const& i_store) {
+        auto const [x, y, z] = internal::LoadTriples(ip_triples);
+        internal::StoreTriples(
+            {((c[0] * x + c[3] * y) + c[6] * z) + c[9], ((c[1] * x + c[4] * y) + c[7] * z) + c[10],
+             ((c[2] * x + c[5] * y) + c[8] * z) + c[11]},
+            op_triples, i_store);
+      });
 }
 
 // Results are computed in the places where they are stored: x0 y0 z0 x1, y1 z1 x2 y2, z2 x3 y3 z3. That takes
@@ -47,7 +48,8 @@ void Carry(float const* ip_matrix, std::array<float, 3> const& i_last, float con
   auto const cz = arrange(ip_matrix + 8);
   auto const last = arrange(i_last.data());
   internal::CarryTriples(
-      ip_values, op_values, i_count, [cx, cy, cz, last](float const* v, float* op_triples) {
+      ip_values, op_values, i_count,
+      [cx, cy, cz, last](float const* v, float* op_triples, auto const& i_store) {
         // From a window of four numbers that starts at a coordinate: that of one point, and of the next.
         auto const three_and_one = [v](std::size_t i_start) {
           FloatLanes const window = internal::LoadLanes(v + i_start);
@@ -67,9 +69,9 @@ void Carry(float const* ip_matrix, std::array<float, 3> const& i_last, float con
             ((cx[1] * two_and_two(3) + cy[1] * two_and_two(4)) + cz[1] * two_and_two(5)) + last[1];
         FloatLanes const zxyz =
             ((cx[2] * one_and_three(6) + cy[2] * one_and_three(7)) + cz[2] * one_and_three(8)) + last[2];
-        internal::StoreLanes<float>(xyzx, op_triples);
-        internal::StoreLanes<float>(yzxy, op_triples + 4);
-        internal::StoreLanes<float>(zxyz, op_triples + 8);
+        i_store(xyzx, op_triples);
+        i_store(yzxy, op_triples + 4);
+        i_store(zxyz, op_triples + 8);
       });
 }
 

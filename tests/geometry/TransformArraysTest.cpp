@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
@@ -16,6 +17,15 @@ namespace lum {
 namespace {
 
 constexpr char const* message = "arrays to transform from and to must be of the same size";
+
+// The bits and every NaN among them; signs of NaNs are the processor's choice of operand.
+template <class Value>
+bool IsSame(Value const& i_actual, Value const& i_expected) {
+  return std::equal(i_actual.begin(), i_actual.end(), i_expected.begin(), [](auto i_one, auto i_other) {
+    return std::isnan(i_other) ? std::isnan(i_one)
+                               : i_one == i_other && std::signbit(i_one) == std::signbit(i_other);
+  });
+}
 
 template <class T>
 class TransformArrays : public testing::Test {
@@ -45,17 +55,11 @@ class TransformArrays : public testing::Test {
             Matrix<T>::Rotate(Vector<T, 3>(0, 0, 1), T(0.3)) * Matrix<T>::Translate(1, 2, 3), Matrix<T>()};
   }
 
-  // The values and every NaN among them; signs of NaNs are the processor's choice of operand.
   template <class Value>
   static void ExpectSame(Value const& i_actual, Value const& i_expected) {
-    for (std::size_t i = 0; i < 3; ++i) {
-      if (std::isnan(i_expected[i])) {
-        EXPECT_TRUE(std::isnan(i_actual[i]));
-      } else {
-        EXPECT_EQ(i_actual[i], i_expected[i]) << "seed " << kSeed;
-        EXPECT_EQ(std::signbit(i_actual[i]), std::signbit(i_expected[i])) << "seed " << kSeed;
-      }
-    }
+    EXPECT_TRUE(IsSame(i_actual, i_expected))
+        << "seed " << kSeed << ": " << i_actual[0] << ' ' << i_actual[1] << ' ' << i_actual[2] << " is not "
+        << i_expected[0] << ' ' << i_expected[1] << ' ' << i_expected[2];
   }
 
   static constexpr unsigned kSeed = 20261123;
@@ -106,6 +110,29 @@ TYPED_TEST(TransformArrays, WriteNothingBeyondTheirEnds) {
     TransformPoints(matrix, points, std::span(images).subspan(1, count));
     EXPECT_EQ(images.front(), guard);
     EXPECT_EQ(images.back(), guard);
+  }
+}
+
+// Arrays that no cache holds are written past the caches, from the first aligned triple on.
+TYPED_TEST(TransformArrays, GiveTheSameBitsWhereNoCacheHoldsThem) {
+  using P = Point<TypeParam, 3>;
+  constexpr std::size_t count = (std::size_t{32} << 20U) / sizeof(P) + 1;
+  auto const matrix = this->MakeMatrices().front();
+  auto const pattern = this->template Make<P>(1000);
+  std::vector<P> expected(pattern.size());
+  TransformPoints(matrix, pattern, expected);
+  std::vector<P> points;
+  while (points.size() < count) points.push_back(pattern[points.size() % pattern.size()]);
+  for (std::size_t start = 0; start < 4; ++start) {
+    P const guard(7, 8, 9);
+    std::vector<P> images(count + 4, guard);
+    TransformPoints(matrix, points, std::span(images).subspan(start, count));
+    std::size_t differing = 0;
+    for (std::size_t i = 0; i < count; ++i)
+      differing += !IsSame(images[start + i], expected[i % expected.size()]);
+    EXPECT_EQ(differing, 0U) << "seed " << this->kSeed << ", from " << start;
+    for (std::size_t i = 0; i < start; ++i) EXPECT_EQ(images[i], guard);
+    for (std::size_t i = start + count; i < images.size(); ++i) EXPECT_EQ(images[i], guard);
   }
 }
 
