@@ -83,6 +83,10 @@ function(lum_add_library target)
     set_source_files_properties("${PROJECT_SOURCE_DIR}/geometry/EigenAlgorithms.cpp"
                                 PROPERTIES COMPILE_OPTIONS -Wno-maybe-uninitialized)
   endif()
+  if(NOT target STREQUAL "lum")
+    # Its headers are the same.
+    set_target_properties(${target} PROPERTIES VERIFY_INTERFACE_HEADER_SETS OFF)
+  endif()
   lum_keep_order_of_operations(${target})
   lum_warnings(${target})
 endfunction()
