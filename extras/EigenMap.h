@@ -15,13 +15,15 @@
 #include "geometry/Quaternion.h"
 #include "geometry/Vector.h"
 
+/// \file
 /// Values as Eigen's, without a copy where something outlives the call, and from Eigen's.
 ///
 /// Maps claim no alignment: vectors have none, and what Eigen makes of the alignment of pooled objects
 /// depends on the vector flags of the caller. So the type of a map means the same to every translation unit.
 ///
 /// A map takes no objects and counts nothing. `FromEigen` of a transform takes 2 objects, of a quaternion 1,
-/// and passes on `std::bad_alloc`. All may be called from any thread, on values that no other thread writes.
+/// and passes on what the pool throws (`std::bad_alloc`). All may be called from any thread, on values that
+/// no other thread writes.
 namespace lum {
 
 namespace internal {
@@ -114,10 +116,10 @@ auto AsEigen(std::span<Value, Extent> i_values) noexcept {
 
 /// The 16 values of a transform, in place. Read-only, as they may be shared.
 ///
-/// Valid as long as some matrix or handle holds the object that this matrix holds now. Assigning to the
-/// matrix, or writing it while others share the object, gives the matrix another object: the map stays with
-/// the old one. Temporaries are refused. The inverse of a matrix that has one:
-/// `matrix.GetMatrixInverse()->matrix()`.
+/// Valid as long as some matrix or handle holds the object that this matrix holds now;
+/// afterwards the pool may hand it out again. Assigning to the matrix, or writing it while others share the
+/// object, gives the matrix another object: the map stays with the old one. Temporaries are refused. The
+/// inverse of a matrix that has one: `matrix.GetMatrixInverse()->matrix()`.
 template <class T>
 Eigen::Map<Eigen::Matrix<T, 4, 4> const> AsEigen(Matrix<T> const& i_matrix) noexcept {
   return Eigen::Map<Eigen::Matrix<T, 4, 4> const>(i_matrix.GetAsPtr());
@@ -159,7 +161,7 @@ auto FromEigen(Source const& i_transform, Inverse const& i_inverse) {
   return Matrix<T>(std::move(transform), std::move(inverse));
 }
 
-/// Not normalised, and never a known identity.
+/// Coefficient by coefficient: not normalised, and never a known identity.
 template <class Derived>
 requires std::same_as<typename Derived::Scalar, float> Quaternionf
 FromEigen(Eigen::QuaternionBase<Derived> const& i_quaternion) {

@@ -7,6 +7,7 @@
 
 #include "extras/ValueFormatter.h"
 
+/// \file
 /// Formatters of the values and identifiers for the library {fmt}, which only users of this header need.
 /// ValueText.h shows the texts, ValueFormatter.h what format options do.
 /// \cond

@@ -5,11 +5,13 @@
 
 #include "extras/ValueFormatter.h"
 
+/// \file
+/// Formatters of the values and identifiers for `std::format`, where the standard library has it. ValueText.h
+/// shows the texts, ValueFormatter.h what format options do.
+
 #ifdef __cpp_lib_format
 #include <format>
 
-/// Formatters of the values and identifiers for `std::format`, where the standard library has it. ValueText.h
-/// shows the texts, ValueFormatter.h what format options do.
 /// \cond
 template <lum::internal::HasText Value>
 struct std::formatter<Value, char>

@@ -17,16 +17,20 @@
 #include "geometry/Range.h"
 #include "geometry/Vector.h"
 
+/// \file
 /// `std::hash` for values and identifiers, so that they can be keys of unordered containers. Values that
 /// compare equal have equal hashes: zeros of either sign do, except in a `Matrix`, whose comparison is by
 /// bytes.
 ///
 /// Hashes are for one run of one program: they differ between standard libraries. The identifiers that are
 /// enumerations have the hash that the standard gives every enumeration, without this header.
+///
+/// Nothing is taken from the pools or counted, nothing throws but the hash of what a `Range` or an `optional`
+/// holds. Safe from any thread, on values that no other thread writes.
 namespace lum {
 
 /// The equality that goes with `std::hash<Quaternionf>`, since quaternions have no comparison of their own:
-/// numeric, of the coefficients. So q and -q, the same rotation, differ.
+/// numeric, of the coefficients. So q and -q, the same rotation, differ, and a NaN equals nothing.
 ///
 ///     std::unordered_set<Quaternionf, std::hash<Quaternionf>, EqualCoefficients> rotations;
 struct EqualCoefficients {

@@ -10,13 +10,14 @@
 #include "geometry/Matrix.h"
 #include "geometry/Quaternion.h"
 
+/// \file
 /// Matrices and quaternions to and from numbers in other orders than the library's own, by names that say
 /// which. Values pass unchanged, bit by bit.
 ///
-/// Matrices are made as `Matrix(T const*)` makes them: inverted by cofactors, in 2 objects. A quaternion
-/// takes
-/// 1. What takes objects passes on `std::bad_alloc`, and all may be called from any thread. Where there is
-/// only a pointer, `std::span<float const, 16>(pointer, 16)` says how many values it stands for.
+/// Matrices are made as `Matrix(T const*)` makes them: inverted by cofactors, in 2 objects. Quaternions take
+/// 1 object. What takes objects passes on what the pool throws (`std::bad_alloc`); the rest throws nothing.
+/// All may be called from any thread, on values that no other thread writes. Where there is only a pointer,
+/// `std::span<float const, 16>(pointer, 16)` says how many values it stands for.
 namespace lum {
 
 ///@{
@@ -27,10 +28,9 @@ inline Matrix<float> FromColumnMajor(std::span<float const, 16> i_values) {
 inline Matrix<double> FromColumnMajor(std::span<double const, 16> i_values) {
   return Matrix<double>(i_values.data());
 }
-
 ///@}
 
-/// The values of the transform, column by column.
+/// The values of the transform, column by column, without the inverse.
 template <class T>
 std::array<T, 16> ToColumnMajor(Matrix<T> const& i_matrix) {
   std::array<T, 16> values;
@@ -67,7 +67,7 @@ Matrix<T> FromRowMajor(T const (&i_rows)[4][4]) {
   return FromColumnMajor(values);
 }
 
-/// The values of the transform, row by row.
+/// The values of the transform, row by row, without the inverse.
 template <class T>
 std::array<T, 16> ToRowMajor(Matrix<T> const& i_matrix) {
   return internal::Transpose(std::span<T const, 16>(i_matrix.GetAsPtr(), 16));
@@ -84,7 +84,6 @@ inline Quaternionf QuaternionFromWLast(std::span<float const, 4> i_xyzw) {
 inline Quaternionf QuaternionFromWLast(float i_x, float i_y, float i_z, float i_w) {
   return QuaternionFromWLast(std::array{i_x, i_y, i_z, i_w});
 }
-
 ///@}
 
 ///@{
@@ -95,7 +94,6 @@ inline Quaternionf QuaternionFromWFirst(float i_w, float i_x, float i_y, float i
 inline Quaternionf QuaternionFromWFirst(std::span<float const, 4> i_wxyz) {
   return QuaternionFromWFirst(i_wxyz[0], i_wxyz[1], i_wxyz[2], i_wxyz[3]);
 }
-
 ///@}
 
 /// x, y, z, w.

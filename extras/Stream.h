@@ -8,6 +8,7 @@
 #include "Utility/optional.h"
 #include "extras/ValueText.h"
 
+/// \file
 /// Stream output of the values and identifiers that have none in the library; ValueText.h shows the texts.
 ///
 /// Every number is written by the stream's own insertion, so precision, notation, base, sign, case, fill,
@@ -16,6 +17,9 @@
 /// streams by itself give the width to the text before the number.
 ///
 /// Where the stream's locale writes a comma within numbers, a semicolon separates them: (1,5; 2; 3).
+///
+/// Nothing is taken from the pools or counted. What the stream throws passes out, behind what it has written.
+/// As safe on threads as the stream is, of values that no other thread writes.
 namespace lum {
 
 namespace internal {

@@ -5,11 +5,16 @@
 #include "Utility/optional.h"
 #include "extras/ValueText.h"
 
+/// \file
 /// What the formatters of Format.h and FmtFormat.h share. ValueText.h shows the texts.
 ///
 /// The format options are those of a number and are applied to each: `{:8.3f}` of a vector gives every
 /// component 8 characters and 3 digits. The numbers are separated by ", ", and by "; " where L asks for the
 /// form of a locale, which may write a comma within numbers.
+///
+/// Options that a number of the value's type does not take are refused as they are of such a number: by the
+/// exception of the formatting library, with its text. Nothing is taken from the pools or counted. Safe from
+/// any thread, on values that no other thread writes.
 namespace lum::internal {
 
 /// \tparam NumberFormatter  the formatter of one number, which parses the options and writes

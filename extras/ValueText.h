@@ -18,6 +18,7 @@
 #include "geometry/Range.h"
 #include "geometry/Vector.h"
 
+/// \file
 /// What values look like as text, said once for streams and formatters.
 ///
 ///     Vector, Point        (1, 2, 3)
