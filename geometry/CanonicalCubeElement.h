@@ -124,7 +124,7 @@ class CanonicalFaceIterator
 };
 
 /// The three canonical edges in the order of their axes: 1, 2, 4. Nothing is checked; `IndexOf` a value from
-/// outside gives some number.
+/// outside gives some number. Iterators outlive it; both are safe from any thread.
 class CanonicalEdgeIterable {
  public:
   using Iterator = CanonicalEdgeIterator;  ///< Its iterator.
@@ -145,7 +145,7 @@ class CanonicalEdgeIterable {
 };
 
 /// The three canonical faces, each by the axis that it does not span: 6, 5, 3. Nothing is checked; `IndexOf`
-/// a value from outside gives some number.
+/// a value from outside gives some number. Iterators outlive it; both are safe from any thread.
 class CanonicalFaceIterable {
  public:
   using Iterator = CanonicalFaceIterator;  ///< Its iterator.

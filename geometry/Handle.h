@@ -16,9 +16,11 @@ struct FirstReference {};
 
 /// A shared owner of one pooled object: the object, its reference count and what returns it to its pool.
 ///
-/// A handle is bound, and then included in the count, or empty: all fields null. Copying is one atomic
-/// increment and never allocates. The last handle to let go calls the deleter with the object, which is
-/// neither destroyed nor cleared.
+/// A handle is bound, and then included in the count, or empty: all fields null. The last handle to let go
+/// calls the deleter with the object, which is neither destroyed nor cleared.
+///
+/// Cost: a copy is one increment and never allocates, a move touches no count. Counts are changed atomically,
+/// by plain stores while the process has never had a second thread.
 ///
 /// Thread safety: distinct handles onto one object may be copied, assigned and destroyed on different threads
 /// at once; exactly one of them makes the last release. One handle needs outside synchronisation as soon as
@@ -54,7 +56,7 @@ class Handle {
   ///@{
   /// Shares or takes over the other's object, then lets go of its own.
   ///
-  /// A self-assignment, or one from another handle onto the same object, leaves the count unchanged.
+  /// A self-assignment, or a copy from another handle onto the same object, leaves the count unchanged.
   /// A deleter that throws leaves this handle empty; the reference that was taken from the source is dropped.
   // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): a counted copy is taken first
   Handle& operator=(Handle const& i_other) noexcept(kReleasesQuietly);

@@ -106,9 +106,9 @@ class LUM_EXPORT LUM_STANDALONE_DEBUG Matrix {
   static Matrix Translate(T i_x, T i_y, T i_z);
   static Matrix Translate(Vector<T, 3> const& i_offset);
   ///@}
-  /// Rotates about an axis through the origin, by Rodrigues' formula. The axis is taken as it is: one that is
-  /// not of unit length does not give a rigid motion. The inverse turns through the negated angle. An angle
-  /// of zero gives the known identity, raising 2 counts; any other takes 2 objects.
+  /// Rotates about an axis through the origin, by Rodrigues' rotation formula. The axis is taken as it is:
+  /// one that is not of unit length does not give a rigid motion. The inverse turns through the negated
+  /// angle. An angle of zero gives the known identity, raising 2 counts; any other takes 2 objects.
   static Matrix Rotate(Vector<T, 3> const& i_axis, T i_angle);
   /// Maps a box of these extents, centred on the origin, onto the cube from -1 to 1.
   ///
@@ -143,31 +143,34 @@ class LUM_EXPORT LUM_STANDALONE_DEBUG Matrix {
   ///@}
   /// The transpose of the upper-left 3x3 block, with row 3 moved into column 3 and row 3 set to (0, 0, 0, 1):
   /// the translation is dropped. Has an inverse when this matrix has one. Takes 2 objects, or 1 without an
-  /// inverse; of the known identity raises 2 counts.
+  /// inverse; a known identity gives a copy of itself.
   Matrix GetTranspose() const;
-  /// The determinant of all 4x4 values, by complementary 2x2 minors; exactly 1 for the known identity.
+  /// The determinant of all 4x4 values, by Laplace's expansion into complementary 2x2 minors; exactly 1 for
+  /// the known identity.
   T GetDeterminant() const;
   /// The matrix that carries normals along: the transpose of the inverse (Turkowski, Graphics Gems, 1990).
-  /// Without an inverse throws `std::domain_error`. Takes 2 objects; of the known identity raises 2 counts.
+  /// Without an inverse throws `std::domain_error`. Takes 2 objects; a known identity gives a copy of itself.
   Matrix GetNormalTransform() const;
 
-  /// The full 4x4 product, with the product of the inverses when both factors have one. Takes 2 objects, or 1
-  /// without an inverse. A known identity as a factor gives a copy of the other factor, raising 2 counts.
+  /// The full 4x4 product, with the product of the inverses, the other way round, when both factors have one.
+  /// Takes 2 objects, or 1 without an inverse. A known identity as a factor gives a copy of the other factor.
   Matrix operator*(Matrix const& i_right) const;
-  /// Becomes the product, and takes or raises what that does; this matrix is unchanged when that throws.
+  /// Becomes the product, and takes or raises what that does.
   Matrix& operator*=(Matrix const& i_right);
   /// Component i is ((M(i,0) x + M(i,1) y) + M(i,2) z) + M(i,3) 0: a translation that is not finite shows.
   Vector<T, 3> operator*(Vector<T, 3> const& i_vector) const;
   /// Component i is ((M(i,0) x + M(i,1) y) + M(i,2) z) + M(i,3). Row 3 is not used; nothing is divided.
   Point<T, 3> operator*(Point<T, 3> const& i_point) const;
-  /// The plane through the images of the plane's points, normalised.
+  /// The plane through the images of the plane's points: its row r = (a, b, c, -d) times the inverse, since
+  /// (r M^-1) (M p) = r p, normalised; of a known identity the plane as it is.
   ///
   /// Without an inverse throws `std::domain_error`; an image normal whose squared length is below the
   /// smallest normal value throws `std::invalid_argument`, like the constructor of `Plane`.
   Plane<T> operator*(Plane<T> const& i_plane) const;
 
-  /// The transform for writing: this matrix's own object, or, taking 1, a fresh copy if it was shared. The
-  /// other handle is left alone: whoever writes one of the two keeps the other in step.
+  /// The transform for writing: this matrix's own object, or, taking 1, a fresh copy if it was shared. Ask
+  /// again once this matrix has been copied: the copy shares the object. The inverse is left alone: whoever
+  /// writes one of the two keeps the other in step.
   Object* GetMutableInternal();
   /// The same for the inverse, which must exist: an assertion holds the caller to it.
   Object* GetMutableInverseInternal();
@@ -228,8 +231,8 @@ inline void Matrix<T>::RequireInverse() const {
 /// signs and payloads of NaNs; a known identity copies.
 ///
 /// The arrays may be one and the same, but must not overlap otherwise. Arrays of different sizes throw
-/// `std::invalid_argument`, and nothing is written then. Takes nothing from the pools but the
-/// identity, on its first use in a process; counts are not touched.
+/// `std::invalid_argument`, and nothing is written then. Takes nothing from the pools but the identity, on
+/// its first use in a process; counts are not touched. Safe from any thread that has o_points to itself.
 LUM_EXPORT void TransformPoints(Matrix<float> const& i_matrix, std::span<Point<float, 3> const> i_points,
                                 std::span<Point<float, 3>> o_points);
 LUM_EXPORT void TransformPoints(Matrix<double> const& i_matrix, std::span<Point<double, 3> const> i_points,

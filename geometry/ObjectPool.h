@@ -46,14 +46,16 @@ class ObjectPool {
   ///
   /// Passes on what allocating a block or locking a mutex throws; the pool is unchanged then.
   ///
-  /// Cost: a lock; one in `Size` calls allocates a block, where none come back meanwhile.
+  /// Cost: a lock, or none while the process has never had a second thread; one in `Size` calls allocates a
+  /// block, where none come back meanwhile.
   ObjectHandle CreateObject();
   /// The first handles onto two objects.
   struct TwoObjects {
     ObjectHandle first;   ///< Onto the one taken first.
     ObjectHandle second;  ///< Onto the one taken after it.
   };
-  /// Two objects at once, for little more than one: those that two calls of `CreateObject` would give.
+  /// Two objects at once, for little more than one: those that two calls of `CreateObject` would give. Throws
+  /// what they do, and has then returned what it took.
   TwoObjects CreateTwoObjects();
 
  private:

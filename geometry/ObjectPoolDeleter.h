@@ -4,7 +4,7 @@ namespace lum {
 
 /// Returns an object to the block that holds it. Callable when both pointers are set.
 ///
-/// Thread safety: any number of deleters may be called at once for distinct objects.
+/// Thread safety: any number of deleters may be called at once for distinct objects. They take no lock.
 template <class T, class Pool, class Block>
 struct ObjectPoolDeleter {
   Pool* mp_pool = nullptr;    ///< the pool that handed the object out

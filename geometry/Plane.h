@@ -7,7 +7,7 @@
 namespace lum {
 
 /// The points (x, y, z) with a x + b y + c z = d, where (a, b, c) is a unit normal and d the signed distance
-/// of the plane from the origin along it.
+/// of the plane from the origin along it, in the unit of the points (Hesse normal form).
 ///
 /// A plain value without shared state: safe from any thread, nothing is taken from the pools.
 ///

@@ -25,7 +25,8 @@ namespace lum {
 ///
 /// Errors: whatever takes a pooled object passes on what the pool throws (`std::bad_alloc`).
 ///
-/// Cost: copying raises 1 count. Members say how many objects they take; where nothing is said, none.
+/// Cost: copying raises 1 count, also into an argument that is taken by value. Members say how many objects
+/// they take; where nothing is said, none. What needs the known identity makes it on first use in a process.
 class LUM_EXPORT LUM_STANDALONE_DEBUG Quaternionf {
  public:
   using Object = PoolTypes<QuaternionObject>::Object;              ///< What holds the four coefficients.
@@ -33,13 +34,14 @@ class LUM_EXPORT LUM_STANDALONE_DEBUG Quaternionf {
 
   /// The known identity, (0, 0, 0, 1). Raises 1 count.
   Quaternionf();
-  /// The rotation of the upper-left 3x3 block, freed of scale and shear by its polar decomposition. Of a
-  /// block that mirrors, the direction of the smallest scale is turned back. A block with a value that is not
-  /// finite gives NaNs. Never a known identity. Takes 1 object. (Shoemake and Duff, Matrix Animation and
-  /// Polar Decomposition, 1992.)
+  /// The rotation of the upper-left 3x3 block, freed of scale and shear by its polar decomposition, which
+  /// costs a singular value decomposition. Of a block that mirrors, the direction of the smallest scale is
+  /// turned back. A block with a value that is not finite gives NaNs. Never a known identity. Takes 1 object.
+  /// (Shoemake and Duff, Matrix Animation and Polar Decomposition, 1992.)
   explicit Quaternionf(Matrix<float> const& i_matrix);
-  /// The rotation about an axis through an angle in radians, right-handed. The axis is taken as it is: one of
-  /// length L gives a vector part L times too long. Takes 1 object.
+  /// The rotation about an axis through an angle in radians, right-handed: axis sin(angle / 2), then
+  /// cos(angle / 2). The axis is taken as it is: one of length L gives a vector part L times too long. Takes
+  /// 1 object.
   Quaternionf(Vector<float, 3> i_axis, float i_angle);
   /// Takes over a handle; nothing is checked.
   explicit Quaternionf(ObjectHandle i_handle) noexcept;
@@ -47,16 +49,16 @@ class LUM_EXPORT LUM_STANDALONE_DEBUG Quaternionf {
   /// The Hamilton product: rotates by i_right first, then by this. Always takes 1 object.
   Quaternionf operator*(Quaternionf const& i_right) const;
 
-  /// The rotation matrix, with the inverse of its values by cofactors; for the known identity, the known
-  /// identity. The formula takes the quaternion to be of unit length. Takes 2 objects of matrices, or raises
-  /// 2 counts.
+  /// The rotation matrix, by the Euler-Rodrigues formula for unit length, with the inverse of its values by
+  /// cofactors; for the known identity, the known identity. Takes 2 objects of matrices, or raises 2 counts.
   Matrix<float> GetAsMatrix() const;
   /// Whether this is the identity object itself. Others with its coefficients are not.
   bool IsKnownIdentity() const;
   /// x, y, z, w.
   std::array<float, 4> GetCoefficients() const;
 
-  /// v + w u + q x u with u = 2 (q x v), where q is the vector part.
+  /// v + w u + q x u with u = 2 (q x v), where q is the vector part: for unit length, the vector part of the
+  /// product of the quaternion, v and the conjugate, multiplied out.
   Vector<float, 3> Transform(Vector<float, 3> const& i_vector) const;
   /// Rotates every vector of an array as the above does one, to the same bits but for signs and payloads of
   /// NaNs.
@@ -68,7 +70,7 @@ class LUM_EXPORT LUM_STANDALONE_DEBUG Quaternionf {
   Vector<float, 3> InverseTransform(Vector<float, 3> const& i_vector) const;
 
   /// Whether |a - b|^2 <= tolerance^2 min(|a|^2, |b|^2) over the coefficients. So q and -q, the same
-  /// rotation, are not approximately equal.
+  /// rotation, are not approximately equal. (The test of Eigen's `isApprox`.)
   bool IsApproximately(Quaternionf i_other, float i_tolerance) const;
   /// Spherical interpolation along the shorter arc, from this at i_t = 0 to i_other at i_t = 1; the linear
   /// blend where the two are too close for an angle. Not renormalised. Takes 1 object. (Shoemake, Animating

@@ -12,7 +12,8 @@ namespace lum::RootFinding {
 /// With a, b the ends and fa, fb the values there, each round takes t = (0 - fa) / (fb - fa), or
 /// (0 - fb) / (fb - fa) + 1 when fa is infinite, and evaluates the function at x = b t + (1 - t) a. x
 /// replaces b when fa f(x) <= 0, else a when f(x) fb <= 0. It is plain false position: the end that stays
-/// keeps its value, so a strongly convex function converges slowly, from one side.
+/// keeps its value, so a strongly convex function converges slowly, from one side. (Press et al., Numerical
+/// Recipes, 9.2.)
 ///
 /// The rounds end as soon as |f(x)| <= tolerance; the width of the interval is not looked at, and their
 /// number is not bounded. A tolerance that rounding keeps the function from reaching, or an end at which it

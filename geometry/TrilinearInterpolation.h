@@ -7,7 +7,8 @@
 
 namespace lum {
 
-/// Blends eight values at the corners of the unit cube at a point given in the cube's own frame.
+/// Blends eight values at the corners of the unit cube at a point given in the cube's own frame: linear
+/// interpolation along each axis in turn, multiplied out.
 ///
 /// Bit k of a corner's index is its coordinate along axis k. With u = 1 - x, v = 1 - y, w = 1 - z the result
 /// is the sum, from index 0 to 7, of each value times its x, y and z factor from left to right: c0 u v w +
