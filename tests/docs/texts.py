@@ -1,7 +1,8 @@
 """Compares the texts in docs/ with those in the sources: texts.py <source directory>
 
-Every text in the library's sources stands in docs/edge-cases.md, but for what streams print; every text that the page
-quotes stands in the sources; and the atlas in docs/cube.md has the values of the constants.
+Every text in the sources of the library and of extras/ stands in docs/edge-cases.md, but for what streams and
+formatters print; every text that the page quotes stands in the sources; and the atlas in docs/cube.md has the values of
+the constants.
 """
 
 import pathlib
@@ -9,8 +10,8 @@ import re
 import sys
 
 LITERAL = r'"((?:[^"\\\n]|\\.)*)"'
-# What streams print, and what attributes are called.
-NO_ERRORS = re.compile(r".* with value: |default")
+# What streams and formatters print, and what attributes are called.
+NO_ERRORS = re.compile(r".* with value: |nullopt|[][(),; ]+|default")
 
 
 def find_texts(source):
@@ -23,12 +24,12 @@ def find_texts(source):
 
 def main():
     root = pathlib.Path(sys.argv[1])
-    sources = [path for folder in ("geometry", "Utility") for path in sorted((root / folder).glob("*.*"))]
+    sources = [path for folder in ("geometry", "Utility", "extras") for path in sorted((root / folder).glob("*.*"))]
     texts = set().union(*(find_texts(path.read_text()) for path in sources))
     for path in sorted((root / "cmake").glob("*.cmake")):
         for arguments in re.findall(r"message\(\s*FATAL_ERROR([^)]*)\)", path.read_text()):
             texts.update(re.findall(LITERAL, arguments))
-    inward = {"three numbers and nothing else"}  # an assertion about the library's own types
+    inward = {"three numbers and nothing else", "no gaps"}  # assertions about the library's own types
     page = (root / "docs/edge-cases.md").read_text()
     quoted = set(re.findall(r'`"([^`]*)"`', page))
 

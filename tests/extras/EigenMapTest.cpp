@@ -2,6 +2,7 @@
 
 #include <Eigen/Geometry>
 #include <array>
+#include <cmath>
 #include <random>
 #include <span>
 #include <type_traits>
@@ -114,6 +115,13 @@ TEST(EigenMap, StaysWithTheObjectThatWasMapped) {
   EXPECT_EQ(map_of_moved(0, 3), 9);
 }
 
+TEST(EigenMap, ShowsWhatIsWrittenToItsObject) {
+  auto matrix = Matrix<double>::Translate(1, 2, 3);
+  auto const map = AsEigen(matrix);
+  matrix.GetMutableInternal()->translation().y() = 8;
+  EXPECT_EQ(map(1, 3), 8) << "nobody shares it, so it stays the matrix's own";
+}
+
 TEST(EigenMap, VectorsAndPointsComeFromExpressions) {
   Eigen::Vector3d const a(1, 2, 3);
   Eigen::Vector3d const b(0, 1, 0);
@@ -165,6 +173,28 @@ TEST(EigenMap, TransformsComeFromEitherOrder) {
   EXPECT_EQ(FromEigen(transform), Matrix<float>::Translate(5, 6, 7));
 }
 
+TEST(EigenMap, ATransformKeepsRowThreeWhereItHasOne) {
+  Eigen::Affine3f transform(Eigen::Translation3f(5, 6, 7));
+  transform.matrix()(3, 0) = 2;
+  EXPECT_EQ(FromEigen(transform)(3, 0), 2);
+  Eigen::AffineCompact3f const without(Eigen::Translation3f(5, 6, 7));
+  EXPECT_EQ(FromEigen(without)(3, 3), 1);
+}
+
+TEST(EigenMap, TheIdentitysValuesAreEqualButNotKnown) {
+  auto const matrix = FromEigen(Eigen::Affine3d::Identity());
+  EXPECT_EQ(matrix, Matrix<double>());
+  EXPECT_FALSE(matrix.IsKnownIdentity());
+}
+
+TEST(EigenMap, AMatrixWithoutInverseComesBackWithOneThatIsNotFinite) {
+  auto const flat = Matrix<float>::Scale(1, 1, 0);
+  ASSERT_FALSE(flat.HasInverse());
+  auto const back = FromEigen(AsEigen(flat));
+  EXPECT_EQ(back, flat);
+  EXPECT_FALSE(std::isfinite(InverseValuesOf(back)[10]));
+}
+
 TEST(EigenMap, AnInverseThatIsGivenIsKept) {
   Eigen::Isometry3f const motion =
       Eigen::Translation3f(1, 2, 3) * Eigen::AngleAxisf(0.3F, Eigen::Vector3f::UnitY());
@@ -184,6 +214,18 @@ TEST(EigenMap, QuaternionsPassBothWays) {
   std::array<float, 4> const numbers{1, 2, 3, 4};
   EXPECT_EQ(FromEigen(Eigen::Map<Eigen::Quaternionf const>(numbers.data())).GetCoefficients(), numbers);
 }
+
+#ifndef NDEBUG
+TEST(EigenMapDeathTest, AssertionsCatchAMovedFromValue) {
+  Matrix<float> matrix = Matrix<float>::Scale(2);
+  Quaternionf quaternion({0, 0, 1}, 1);
+  auto const taken = std::pair(std::move(matrix), std::move(quaternion));
+  // NOLINTBEGIN(bugprone-use-after-move): that is what is tested
+  EXPECT_DEATH(AsEigen(matrix), "Assertion");
+  EXPECT_DEATH(ToEigen(quaternion), "Assertion");
+  // NOLINTEND(bugprone-use-after-move)
+}
+#endif
 
 }  // namespace
 }  // namespace lum

@@ -1,9 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <array>
 #include <bit>
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <numbers>
 #include <random>
 #include <unordered_map>
 #include <unordered_set>
@@ -100,6 +102,18 @@ TEST(Hash, TakesNaNs) {
   Matrix<double> const matrix = Matrix<double>::Translate(nan, 0, 0);
   std::unordered_set<Matrix<double>> const matrices = {matrix};
   EXPECT_TRUE(matrices.contains(matrix)) << "bytes of a NaN compare";
+  std::unordered_set<Vector<double, 2>> const vectors = {vector};
+  EXPECT_FALSE(vectors.contains(vector)) << "a NaN equals nothing";
+}
+
+TEST(Hash, OfQuaternionsTellsOppositeCoefficientsApart) {
+  Quaternionf const quaternion({0, 0, 0}, 0);
+  Quaternionf const opposite({0, 0, 0}, 2 * std::numbers::pi_v<float>);
+  ASSERT_EQ(opposite.GetCoefficients(), (std::array<float, 4>{0, 0, 0, -1}));
+  EXPECT_FALSE(EqualCoefficients()(quaternion, opposite)) << "the same rotation";
+  EXPECT_NE(HashOf(quaternion), HashOf(opposite));
+  Quaternionf const nan({0, 0, 1}, std::numeric_limits<float>::quiet_NaN());
+  EXPECT_FALSE(EqualCoefficients()(nan, nan));
 }
 
 TEST(Hash, MakesValuesKeys) {
@@ -159,6 +173,18 @@ TEST(Hash, ChangesHalfItsBitsWithOneOfANumber) {
   }
   EXPECT_NEAR(static_cast<double>(changed) / rounds, 32, 1) << "seed " << seed;
 }
+
+#ifndef NDEBUG
+TEST(HashDeathTest, AssertionsCatchAMovedFromValue) {
+  Matrix<float> matrix = Matrix<float>::Scale(2);
+  Quaternionf quaternion({0, 0, 1}, 1);
+  auto const taken = std::pair(std::move(matrix), std::move(quaternion));
+  // NOLINTBEGIN(bugprone-use-after-move): that is what is tested
+  EXPECT_DEATH(HashOf(matrix), "Assertion");
+  EXPECT_DEATH(HashOf(quaternion), "Assertion");
+  // NOLINTEND(bugprone-use-after-move)
+}
+#endif
 
 }  // namespace
 }  // namespace lum

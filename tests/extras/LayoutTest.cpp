@@ -1,11 +1,13 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cmath>
 #include <limits>
 #include <numeric>
 #include <random>
 #include <span>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "extras/Layout.h"
@@ -106,6 +108,35 @@ TEST(Layout, AQuaternionFromTheIdentitysNumbersIsFresh) {
   EXPECT_FALSE(QuaternionFromWFirst(1, 0, 0, 0).IsKnownIdentity());
   EXPECT_EQ(ToWFirst(Quaternionf()), (std::array<float, 4>{1, 0, 0, 0}));
 }
+
+TEST(Layout, AMatrixFromTheIdentitysNumbersIsFresh) {
+  auto const matrix = FromRowMajor(ToRowMajor(Matrix<float>()));
+  EXPECT_EQ(matrix, Matrix<float>());
+  EXPECT_FALSE(matrix.IsKnownIdentity());
+}
+
+TEST(Layout, AMatrixWithoutInverseComesBackWithOneThatIsNotFinite) {
+  auto const flat = Matrix<double>::Scale(1, 1, 0);
+  ASSERT_FALSE(flat.HasInverse());
+  for (auto const& back : {FromRowMajor(ToRowMajor(flat)), FromColumnMajor(ToColumnMajor(flat))}) {
+    EXPECT_EQ(back, flat);
+    EXPECT_FALSE(std::isfinite(InverseValuesOf(back)[10]));
+  }
+}
+
+#ifndef NDEBUG
+TEST(LayoutDeathTest, AssertionsCatchAMovedFromValue) {
+  Matrix<float> matrix = Matrix<float>::Scale(2);
+  Quaternionf quaternion({0, 0, 1}, 1);
+  auto const taken = std::pair(std::move(matrix), std::move(quaternion));
+  // NOLINTBEGIN(bugprone-use-after-move): that is what is tested
+  EXPECT_DEATH(ToColumnMajor(matrix), "Assertion");
+  EXPECT_DEATH(ToRowMajor(matrix), "Assertion");
+  EXPECT_DEATH(ToWFirst(quaternion), "Assertion");
+  EXPECT_DEATH(ToWLast(quaternion), "Assertion");
+  // NOLINTEND(bugprone-use-after-move)
+}
+#endif
 
 }  // namespace
 }  // namespace lum

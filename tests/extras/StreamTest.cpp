@@ -5,6 +5,7 @@
 #include <locale>
 #include <sstream>
 #include <string>
+#include <utility>
 
 #include "extras/Comma.h"
 #include "extras/Stream.h"
@@ -152,6 +153,18 @@ TEST(Stream, WritesNothingToAStreamThatFailed) {
   EXPECT_EQ(stream.str(), "");
   EXPECT_EQ(stream.rdstate(), std::ios_base::failbit);
 }
+
+#ifndef NDEBUG
+TEST(StreamDeathTest, AssertionsCatchAMovedFromValue) {
+  Matrix<float> matrix = Matrix<float>::Scale(2);
+  Quaternionf quaternion({0, 0, 1}, 1);
+  auto const taken = std::pair(std::move(matrix), std::move(quaternion));
+  // NOLINTBEGIN(bugprone-use-after-move): that is what is tested
+  EXPECT_DEATH(TextOf(matrix), "Assertion");
+  EXPECT_DEATH(TextOf(quaternion), "Assertion");
+  // NOLINTEND(bugprone-use-after-move)
+}
+#endif
 
 }  // namespace
 }  // namespace lum
