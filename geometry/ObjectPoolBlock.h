@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -93,7 +94,7 @@ class ObjectPoolBlock {
     kLastPosition = ~0UL,
     // Objects stand on cache lines of their own where their size allows. Callers may also be compiled for
     // wide vectors and then use aligned accesses of up to 64 bytes on the objects that they are handed.
-    kPlacement = Alignment > 64 ? Alignment : 64
+    kPlacement = std::max<std::size_t>(Alignment, 64)
   };
 
   static std::size_t ClaimPosition(Counter& io_position) noexcept;
