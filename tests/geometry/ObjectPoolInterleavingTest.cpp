@@ -117,6 +117,35 @@ TEST_F(ObjectPoolInterleaving, ATakeDoesNotReadTheEntryOfAReturnInFlight) {
   ASSERT_TRUE(stepper.Finish(return_first));
 }
 
+// A return is stopped between storing its slot and lowering the count. Until then the slot is not to be had,
+// or more objects would be counted than there are.
+TEST_F(ObjectPoolInterleaving, ASlotIsFreeOnceItsReturnHasLoweredTheCount) {
+  FillTo(32);
+  PoolHandle handle = LetGo(5);
+  Stepper stepper;
+  auto const release = stepper.Add([&] { handle = PoolHandle(); });
+  ASSERT_TRUE(stepper.RunTo(release, Operation::kSubtract, GetUseCount()));
+  m_handles.push_back(m_pool->CreateObject());
+  EXPECT_NE(Access::CurrentBlock(*m_pool), m_first_block);
+  ASSERT_TRUE(stepper.Finish(release));
+}
+
+// The same of two, for a take of two.
+TEST_F(ObjectPoolInterleaving, TwoSlotsAreFreeOnceTheirReturnsHaveLoweredTheCount) {
+  FillTo(32);
+  PoolHandle first = LetGo(5);
+  PoolHandle second = LetGo(6);
+  Stepper stepper;
+  auto const release_first = stepper.Add([&] { first = PoolHandle(); });
+  auto const release_second = stepper.Add([&] { second = PoolHandle(); });
+  ASSERT_TRUE(stepper.RunTo(release_first, Operation::kSubtract, GetUseCount()));
+  ASSERT_TRUE(stepper.RunTo(release_second, Operation::kSubtract, GetUseCount()));
+  auto const two = m_pool->CreateTwoObjects();
+  EXPECT_NE(Access::CurrentBlock(*m_pool), m_first_block);
+  ASSERT_TRUE(stepper.Finish(release_first));
+  ASSERT_TRUE(stepper.Finish(release_second));
+}
+
 // A return has emptied the current block and is stopped. Others fill the block, supersede it and empty it
 // again: the block is theirs to free, and the first return must not look at it any more.
 TEST_F(ObjectPoolInterleaving, AReturnDoesNotTouchTheBlockThatItEmptied) {
