@@ -99,6 +99,7 @@ TEST(ObjectPool, ReleasesTwoHandlesOntoOneObject) {
   PoolHandle third = first;
   PoolHandle::ReleaseTogether(first, second);
   EXPECT_EQ(third.GetReferenceCount(), 1U);
+  EXPECT_EQ(Access::UseCount(*Access::CurrentBlock(pool)).load(), 1U);
   PoolHandle fourth = third;
   PoolHandle::ReleaseTogether(third, fourth);
   EXPECT_FALSE(third || fourth);
