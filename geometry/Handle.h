@@ -206,10 +206,8 @@ void Handle<T, C, D>::ReleaseTogether(Handle& io_first, Handle& io_second) noexc
   }
   io_first.mp_object = nullptr;
   io_first.mp_reference_count = nullptr;
-  io_first.m_delete = D{};
   io_second.mp_object = nullptr;
   io_second.mp_reference_count = nullptr;
-  io_second.m_delete = D{};
 }
 
 }  // namespace lum

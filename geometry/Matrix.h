@@ -70,7 +70,7 @@ class LUM_EXPORT LUM_STANDALONE_DEBUG Matrix {
   /// Lets go of the inverse, then of the transform.
   ~Matrix() {
     // A matrix that was moved from holds neither, and the compiler mostly knows.
-    if (m_objects.second || m_objects.first) ObjectHandle::ReleaseTogether(m_objects.second, m_objects.first);
+    if (m_objects.first) ObjectHandle::ReleaseTogether(m_objects.second, m_objects.first);
   }
   /// Copies 16 values, column by column, and inverts them by their cofactors. Of a singular matrix, or nearly
   /// so, the inverse is infinities, NaNs or large numbers without meaning. Takes 2 objects.
@@ -192,19 +192,13 @@ template <class T>
 inline Matrix<T>::Matrix(ObjectHandle i_transform, ObjectHandle i_inverse) noexcept
     : m_objects{std::move(i_transform), std::move(i_inverse)} {}
 
-// Where both objects are replaced, as they mostly are, the old ones are let go together.
+// The old objects are let go together, the transform first.
 template <class T>
 inline Matrix<T>& Matrix<T>::operator=(Matrix&& io_other) noexcept {
   Matrix taken(std::move(io_other));
-  if (m_objects.first.Get() == taken.m_objects.first.Get() ||
-      m_objects.second.Get() == taken.m_objects.second.Get()) {
-    m_objects.first = std::move(taken.m_objects.first);
-    m_objects.second = std::move(taken.m_objects.second);
-  } else {
-    m_objects.first.Swap(taken.m_objects.first);
-    m_objects.second.Swap(taken.m_objects.second);
-    ObjectHandle::ReleaseTogether(taken.m_objects.first, taken.m_objects.second);
-  }
+  m_objects.first.Swap(taken.m_objects.first);
+  m_objects.second.Swap(taken.m_objects.second);
+  ObjectHandle::ReleaseTogether(taken.m_objects.first, taken.m_objects.second);
   return *this;
 }
 
