@@ -1,6 +1,6 @@
 """gdb pretty printers for lum: `source lum_gdb.py`, here or where it is installed.
 
-An installation of the shared library below /usr needs no such line: see liblum-gdb.py.
+An installation of the shared library with the prefix /usr needs no such line: see liblum-gdb.py.
 """
 
 import contextlib
