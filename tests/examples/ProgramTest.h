@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <regex>
 #include <string>
 #include <utility>
 #include <vector>
@@ -23,8 +24,8 @@ class ProgramTest : public testing::Test {
  protected:
   using Affine = std::array<std::array<float, 4>, 3>;  // rows
 
-  ProgramTest(std::string i_name, std::string i_program)
-      : m_name(std::move(i_name)), m_program(std::move(i_program)) {}
+  ProgramTest(std::string i_name, std::string const& i_program)
+      : m_name(std::move(i_name)), m_program(Quote(i_program)) {}
 
   void SetUp() override {
     std::string name = (std::filesystem::temp_directory_path() / "lum-XXXXXX").string();
@@ -72,6 +73,11 @@ class ProgramTest : public testing::Test {
     return WriteBytes(i_name, bytes);
   }
 
+  // For the shell: the repository may lie in a folder of any name.
+  static std::string Quote(std::string const& i_word) {
+    return "'" + std::regex_replace(i_word, std::regex("'"), R"('\'')") + "'";
+  }
+
   static double ValueOf(int i_voxel) { return 7.0 * i_voxel - 100; }
 
   std::string WriteBytes(std::string const& i_name, std::vector<char> const& i_bytes) const {
@@ -114,7 +120,7 @@ class ProgramTest : public testing::Test {
 
   Affine const m_straight = {{{1, 0, 0, -2}, {0, 1, 0, -1}, {0, 0, 1, 5}}};
   std::string m_name;
-  std::string m_program;
+  std::string m_program;  // quoted
   std::filesystem::path m_folder;
 };
 

@@ -546,8 +546,8 @@ TEST_F(Surface, QuietIsQuiet) {
 
 TEST_F(Surface, ShowsProgressOnATerminal) {
   auto const run_on_terminal = [&](std::string const& i_options) {
-    std::string const command = std::string("script -qec \"") + SURFACE_PROGRAM + " --solid sphere --mesh " +
-                                In("a.ply") + i_options + "\" " + In("typescript") + " >/dev/null </dev/null";
+    std::string const command = "script -qec \"" + m_program + " --solid sphere --mesh " + In("a.ply") +
+                                i_options + "\" " + In("typescript") + " >/dev/null </dev/null";
     EXPECT_EQ(std::system(command.c_str()), 0);  // NOLINT(concurrency-mt-unsafe): one thread
     return ReadText(In("typescript"));
   };
@@ -587,10 +587,9 @@ TEST_F(Surface, ReadsVolumes) {
 // The mesh is written, but not yet in its place, while the table turns.
 TEST_F(Surface, CtrlCLeavesNoHalfWrittenFile) {
   for (std::string const signal : {"INT", "TERM"}) {
-    std::string const command = std::string(SURFACE_PROGRAM) + " --solid sphere --mesh " + In("a.ply") +
-                                " --turntable 5000 " + In("frames") + " >" + In("out") + " 2>" + In("err") +
-                                " & while ! test -e " + In("a.ply.part") + "; do sleep 0.05; done; kill -" +
-                                signal + " $!; wait $!";
+    std::string const command = m_program + " --solid sphere --mesh " + In("a.ply") + " --turntable 5000 " +
+                                In("frames") + " >" + In("out") + " 2>" + In("err") + " & while ! test -e " +
+                                In("a.ply.part") + "; do sleep 0.05; done; kill -" + signal + " $!; wait $!";
     int const status = std::system(command.c_str());  // NOLINT(concurrency-mt-unsafe): one thread
     EXPECT_EQ(WEXITSTATUS(status), 130);
     EXPECT_EQ(ReadText(In("err")), "surface: interrupted\n");
