@@ -12,6 +12,7 @@
 #include <map>
 #include <numbers>
 #include <random>
+#include <regex>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -552,7 +553,8 @@ TEST_F(Surface, ShowsProgressOnATerminal) {
     return ReadText(In("typescript"));
   };
   std::string const shown = run_on_terminal("");
-  EXPECT_NE(shown.find("\rcontouring  50 %"), std::string::npos) << shown;
+  // Which percentages it comes to show, only the load of the machine knows.
+  EXPECT_TRUE(std::regex_search(shown, std::regex("\rcontouring  [1-9][0-9] %"))) << shown;
   EXPECT_NE(shown.find("a.ply: "), std::string::npos);
   EXPECT_EQ(run_on_terminal(" --quiet").find("contouring"), std::string::npos);
 }
