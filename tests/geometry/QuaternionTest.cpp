@@ -118,7 +118,8 @@ TEST(Quaternion, RotatesArraysToTheBitsOfTheSingleRotation) {
        {Quaternionf(V(0, 0, 1), 0.7F), Quaternionf(), Quaternionf(V(1, 2, 3), 5)}) {
     for (std::size_t count = 0; count < 12; ++count) {
       std::vector<V> vectors(count);
-      for (V& vector : vectors) vector = V(number(random), number(random), -0.0F);
+      for (V& vector : vectors) vector = V(number(random), number(random), number(random));
+      if (count > 1) vectors[1] = V(number(random), 0, -0.0F);
       V const guard(7, 8, 9);
       std::vector<V> images(count + 1, guard);
       rotation.Transform(vectors, std::span(images).first(count));
