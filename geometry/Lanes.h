@@ -32,12 +32,10 @@ struct LanesOf<double> {
 template <class T>
 using Lanes = typename LanesOf<T>::Type;
 
-/// One number in every lane.
+/// One number in every lane: less zero, which leaves all of them as they are, -0 too.
 template <class T>
 Lanes<T> Broadcast(T i_value) noexcept {
-  Lanes<T> lanes;
-  for (std::size_t i = 0; i < sizeof(lanes) / sizeof(T); ++i) lanes[i] = i_value;
-  return lanes;
+  return i_value - Lanes<T>{};
 }
 
 template <class T>
