@@ -208,9 +208,11 @@ TEST(Quaternion, FromAMirroringMatrixIsStillARotation) {
 
 TEST(Quaternion, FromAnAxisLetsWhatIsNotFiniteThrough) {
   constexpr float nan = std::numeric_limits<float>::quiet_NaN();
-  Coefficients const angle =
-      Quaternionf(V(0, 0, 1), std::numeric_limits<float>::infinity()).GetCoefficients();
-  for (float const coefficient : angle) EXPECT_TRUE(std::isnan(coefficient));
+  for (float const angle : {nan, std::numeric_limits<float>::infinity()}) {
+    for (float const coefficient : Quaternionf(V(0, 0, 1), angle).GetCoefficients()) {
+      EXPECT_TRUE(std::isnan(coefficient));
+    }
+  }
   Coefficients const axis = Quaternionf(V(nan, 1, 0), 1).GetCoefficients();
   EXPECT_TRUE(std::isnan(axis[0]));
   EXPECT_EQ(axis[1], std::sin(0.5F));
@@ -227,6 +229,12 @@ TEST(Quaternion, FromAMatrixTakesEveryBranch) {
       for (std::size_t i = 0; i < 4; ++i) EXPECT_NEAR(actual[i], sign * expected[i], rounding) << angle;
     }
   }
+}
+
+TEST(Quaternion, FromABlockOfZerosIsNoRotation) {
+  Quaternionf const rotation(Matrix<float>::Scale(0));
+  EXPECT_EQ(rotation.GetCoefficients(), (Coefficients{0, 0, 0, 1}));
+  EXPECT_FALSE(rotation.IsKnownIdentity());
 }
 
 TEST(Quaternion, FromAMatrixThatIsNotFiniteIsNotANumber) {
