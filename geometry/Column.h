@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstring>
 
@@ -61,9 +62,9 @@ class Column {
 
   using Part = Lanes<T>;
   using Pairs = long long __attribute__((vector_size(16)));
-  static constexpr std::size_t kParts = 4 * sizeof(T) / sizeof(Part);
+  static constexpr std::size_t kParts = 4 / kLanes<T>;
 
-  Part m_parts[kParts];
+  std::array<Part, kParts> m_parts;
 };
 
 }  // namespace lum::internal
