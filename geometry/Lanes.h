@@ -32,7 +32,7 @@ struct LanesOf<double> {
 template <class T>
 using Lanes = typename LanesOf<T>::Type;
 
-/// One number in every lane: less zero, which leaves all of them as they are, -0 too.
+/// One number in every lane. An operand is spread by itself, and less 0 every number stays as it is, -0 too.
 template <class T>
 Lanes<T> Broadcast(T i_value) noexcept {
   return i_value - Lanes<T>{};
@@ -114,17 +114,17 @@ void StoreTriples(LaneTriple<float> const& i_lanes, float* op_values, Store cons
   FloatLanes const xy02 = __builtin_shufflevector(x, y, 0, 2, 4, 6);
   FloatLanes const yz13 = __builtin_shufflevector(y, z, 1, 3, 5, 7);
   FloatLanes const zx = __builtin_shufflevector(z, x, 0, 2, 5, 7);  // z0 z2 x1 x3
-  i_store(FloatLanes(__builtin_shufflevector(xy02, zx, 0, 2, 4, 6)), op_values);
-  i_store(FloatLanes(__builtin_shufflevector(yz13, xy02, 0, 2, 5, 7)), op_values + 4);
-  i_store(FloatLanes(__builtin_shufflevector(zx, yz13, 1, 3, 5, 7)), op_values + 8);
+  i_store(__builtin_shufflevector(xy02, zx, 0, 2, 4, 6), op_values);
+  i_store(__builtin_shufflevector(yz13, xy02, 0, 2, 5, 7), op_values + 4);
+  i_store(__builtin_shufflevector(zx, yz13, 1, 3, 5, 7), op_values + 8);
 }
 
 template <class Store>
 void StoreTriples(LaneTriple<double> const& i_lanes, double* op_values, Store const& i_store) noexcept {
   auto const& [x, y, z] = i_lanes;
-  i_store(DoubleLanes(__builtin_shufflevector(x, y, 0, 2)), op_values);
-  i_store(DoubleLanes(__builtin_shufflevector(z, x, 0, 3)), op_values + 2);
-  i_store(DoubleLanes(__builtin_shufflevector(y, z, 1, 3)), op_values + 4);
+  i_store(__builtin_shufflevector(x, y, 0, 2), op_values);
+  i_store(__builtin_shufflevector(z, x, 0, 3), op_values + 2);
+  i_store(__builtin_shufflevector(y, z, 1, 3), op_values + 4);
 }
 
 /// Arrays of different sizes throw `std::invalid_argument`.
@@ -136,42 +136,52 @@ inline void RequireSameSize(std::size_t i_from, std::size_t i_to) {
 
 /// Carries fewer triples than go together, in the company of zeros.
 template <class T, class Operation>
-void CarryFewTriples(T const* ip_values, T* op_values, std::size_t i_count,
-                     Operation const& i_carry) noexcept {
+[[gnu::always_inline]] inline void CarryFewTriples(T const* ip_values, T* op_values, std::size_t i_count,
+                                                   Operation const& i_carry) noexcept {
+  if (i_count == 0) return;
   std::array<T, 3 * kLanes<T>> few{};
   std::memcpy(few.data(), ip_values, 3 * i_count * sizeof(T));
   i_carry(few.data(), few.data(), StoreLanes());
   std::memcpy(op_values, few.data(), 3 * i_count * sizeof(T));
 }
 
-/// Results of this size and more do not stay in the caches anyway: last levels hold 32 MiB and less for one
-/// core.
+/// Carries triples group by group, by this store, and then the few that are left.
+template <class T, class Operation, class Store>
+[[gnu::always_inline]] inline void CarryByGroups(T const* ip_values, T* op_values, std::size_t i_count,
+                                                 Operation const& i_carry, Store const& i_store) noexcept {
+  constexpr std::size_t step = 3 * kLanes<T>;
+  for (; i_count >= kLanes<T>; i_count -= kLanes<T>, ip_values += step, op_values += step) {
+    i_carry(ip_values, op_values, i_store);
+  }
+  CarryFewTriples(ip_values, op_values, i_count, i_carry);
+}
+
+/// Carries triples past the caches. Kept apart, so that small arrays do not pay for it.
+template <class T, class Operation>
+[[gnu::noinline]] void StreamTriples(T const* ip_values, T* op_values, std::size_t i_count,
+                                     Operation i_carry) noexcept {
+  // So many numbers after an address that 16 divides; three times as many triples lead to the next such
+  // address, since 3 * 3 is 1 modulo 4 and modulo 2.
+  std::size_t const beyond = reinterpret_cast<std::uintptr_t>(op_values) / sizeof(T) % kLanes<T>;
+  std::size_t const ahead = 3 * (kLanes<T> - beyond) % kLanes<T>;
+  CarryFewTriples(ip_values, op_values, ahead, i_carry);
+  CarryByGroups(ip_values + 3 * ahead, op_values + 3 * ahead, i_count - ahead, i_carry, StreamLanes());
+  FinishStreaming();
+}
+
+/// Results of this size and more leave the caches anyway: as much as the last level of common processors.
 constexpr std::size_t kStreamedBytes = std::size_t{32} << 20U;
 
 /// Carries every triple of an array by an operation that reads and writes `kLanes` of them, by the store that
 /// it is handed. The arrays may be one and the same.
 template <class T, class Operation>
 void CarryTriples(T const* ip_values, T* op_values, std::size_t i_count, Operation const& i_carry) noexcept {
-  constexpr std::size_t step = 3 * kLanes<T>;
-  auto const carry_while_full = [&](auto const& i_store) {
-    for (; i_count >= kLanes<T>; i_count -= kLanes<T>, ip_values += step, op_values += step) {
-      i_carry(ip_values, op_values, i_store);
-    }
-  };
   // Where results replace the values, their lines have been read already.
   if (3 * i_count * sizeof(T) >= kStreamedBytes && ip_values != op_values) {
-    std::size_t ahead = 0;
-    while (reinterpret_cast<std::uintptr_t>(op_values + 3 * ahead) % sizeof(Lanes<T>) != 0) ++ahead;
-    CarryFewTriples(ip_values, op_values, ahead, i_carry);
-    i_count -= ahead;
-    ip_values += 3 * ahead;
-    op_values += 3 * ahead;
-    carry_while_full(StreamLanes());
-    FinishStreaming();
+    StreamTriples(ip_values, op_values, i_count, i_carry);
   } else {
-    carry_while_full(StoreLanes());
+    CarryByGroups(ip_values, op_values, i_count, i_carry, StoreLanes());
   }
-  CarryFewTriples(ip_values, op_values, i_count, i_carry);
 }
 
 }  // namespace lum::internal

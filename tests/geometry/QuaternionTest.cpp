@@ -15,6 +15,7 @@
 #include <utility>
 #include <vector>
 
+#include "geometry/Lanes.h"
 #include "geometry/Quaternion.h"
 #include "support/Throws.h"
 #include "support/Values.h"
@@ -137,6 +138,19 @@ TEST(Quaternion, RotatesArraysToTheBitsOfTheSingleRotation) {
         }
       }
     }
+  }
+}
+
+TEST(Quaternion, RotatesArraysThatNoCacheHolds) {
+  constexpr std::size_t count = internal::kStreamedBytes / sizeof(V) + 1;
+  Quaternionf const rotation(V(1, 2, 3), 5);
+  std::vector<V> const vectors(count, V(3, -1, 2));
+  for (std::size_t start = 0; start < 4; ++start) {
+    std::vector<V> images(count + 4);
+    rotation.Transform(vectors, std::span(images).subspan(start, count));
+    std::vector<V> expected(count + 4);
+    std::fill_n(expected.begin() + static_cast<std::ptrdiff_t>(start), count, rotation.Transform(vectors[0]));
+    EXPECT_TRUE(images == expected) << "from " << start;
   }
 }
 

@@ -10,6 +10,7 @@
 #include <stdexcept>
 #include <vector>
 
+#include "geometry/Lanes.h"
 #include "geometry/Matrix.h"
 #include "support/Throws.h"
 
@@ -116,7 +117,7 @@ TYPED_TEST(TransformArrays, WriteNothingBeyondTheirEnds) {
 // Arrays that no cache holds are written past the caches, from the first aligned triple on.
 TYPED_TEST(TransformArrays, GiveTheSameBitsWhereNoCacheHoldsThem) {
   using P = Point<TypeParam, 3>;
-  constexpr std::size_t count = (std::size_t{32} << 20U) / sizeof(P) + 1;
+  constexpr std::size_t count = internal::kStreamedBytes / sizeof(P) + 1;
   auto const matrix = this->MakeMatrices().front();
   auto const pattern = this->template Make<P>(1000);
   std::vector<P> expected(pattern.size());
