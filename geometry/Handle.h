@@ -16,8 +16,8 @@ struct FirstReference {};
 
 /// A shared owner of one pooled object: the object, its reference count and what returns it to its pool.
 ///
-/// A handle is bound, and then included in the count, or empty: all fields null. The last handle to let go
-/// calls the deleter with the object, which is neither destroyed nor cleared.
+/// A handle is bound, and then included in the count, or empty: no object and no count. The last handle to
+/// let go calls the deleter with the object, which is neither destroyed nor cleared.
 ///
 /// Cost: a copy is one increment and never allocates, a move touches no count. Counts are changed atomically,
 /// by plain stores while the process has never had a second thread.

@@ -192,13 +192,20 @@ template <class T>
 inline Matrix<T>::Matrix(ObjectHandle i_transform, ObjectHandle i_inverse) noexcept
     : m_objects{std::move(i_transform), std::move(i_inverse)} {}
 
-// The old objects are let go together, the transform first.
+// Where both objects are replaced, as they mostly are, the old ones are let go together, the transform first.
+// A handle onto the same object stays.
 template <class T>
 inline Matrix<T>& Matrix<T>::operator=(Matrix&& io_other) noexcept {
   Matrix taken(std::move(io_other));
-  m_objects.first.Swap(taken.m_objects.first);
-  m_objects.second.Swap(taken.m_objects.second);
-  ObjectHandle::ReleaseTogether(taken.m_objects.first, taken.m_objects.second);
+  if (m_objects.first.Get() == taken.m_objects.first.Get() ||
+      m_objects.second.Get() == taken.m_objects.second.Get()) {
+    m_objects.first = std::move(taken.m_objects.first);
+    m_objects.second = std::move(taken.m_objects.second);
+  } else {
+    m_objects.first.Swap(taken.m_objects.first);
+    m_objects.second.Swap(taken.m_objects.second);
+    ObjectHandle::ReleaseTogether(taken.m_objects.first, taken.m_objects.second);
+  }
   return *this;
 }
 

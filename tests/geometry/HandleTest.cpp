@@ -150,6 +150,20 @@ TEST_F(HandleOnObjects, SelfAssignmentLeavesTheCountAlone) {
   EXPECT_EQ(m_pool.returns, 0);
 }
 
+// It is the object that is compared, not the count.
+TEST_F(HandleOnObjects, AssigningAHandleOntoTheSameObjectByAnotherCountKeepsTheOwn) {
+  m_second_count = 1;
+  TestHandle handle = Bind(m_first, m_first_count);
+  TestHandle other = Bind(m_first, m_second_count);
+  handle = other;
+  EXPECT_EQ(m_first_count, 1U);
+  EXPECT_EQ(m_second_count, 2U);
+  handle = std::move(other);
+  EXPECT_EQ(m_first_count, 1U);
+  EXPECT_EQ(m_second_count, 1U);
+  EXPECT_EQ(m_pool.returns, 0);
+}
+
 TEST_F(HandleOnObjects, AssigningAnotherHandleOntoTheSameObjectLeavesTheCountAlone) {
   TestHandle first = Bind(m_first, m_first_count);
   TestHandle second = first;

@@ -97,6 +97,35 @@ TYPED_TEST(MatrixOf, AssignmentToItselfChangesNoCount) {
   EXPECT_EQ(matrix.GetMatrixInverse().GetReferenceCount(), 1U);
 }
 
+// It is the object that is compared, not the count.
+TYPED_TEST(MatrixOf, AssignmentKeepsHandlesOntoTheSameObjectByAnotherCount) {
+  using Types = MatrixPoolTypes<TypeParam>;
+  using Block = typename Types::ObjectPool::Block;
+  Matrix<TypeParam> const owner = Matrix<TypeParam>::Translate(1, 2, 3);
+  Matrix<TypeParam> const other = Matrix<TypeParam>::Scale(2);
+  typename Types::ObjectPool pool;
+  Block block;
+  std::atomic<unsigned long> count = 1;  // never the last, as the owner has a count of its own
+  {
+    ObjectPoolDeleter<typename Types::Object, typename Types::ObjectPool, Block> const returned{&pool,
+                                                                                                &block};
+    typename Types::ObjectHandle const transform(owner.GetMatrix().Get(), &count, returned);
+    typename Types::ObjectHandle const inverse(owner.GetMatrixInverse().Get(), &count, returned);
+    Matrix<TypeParam> first(owner.GetMatrix(), owner.GetMatrixInverse());
+    first = Matrix<TypeParam>(transform, other.GetMatrixInverse());
+    EXPECT_EQ(owner.GetMatrix().GetReferenceCount(), 2U);
+    EXPECT_EQ(owner.GetMatrixInverse().GetReferenceCount(), 1U);
+    Matrix<TypeParam> second(owner.GetMatrix(), owner.GetMatrixInverse());
+    second = Matrix<TypeParam>(other.GetMatrix(), inverse);
+    EXPECT_EQ(owner.GetMatrix().GetReferenceCount(), 2U);
+    EXPECT_EQ(owner.GetMatrixInverse().GetReferenceCount(), 2U);
+    EXPECT_EQ(count, 3U);
+  }
+  EXPECT_EQ(owner.GetMatrix().GetReferenceCount(), 1U);
+  EXPECT_EQ(owner.GetMatrixInverse().GetReferenceCount(), 1U);
+  EXPECT_EQ(count, 1U);
+}
+
 TYPED_TEST(MatrixOf, AssignmentCanTakeTheInverseAway) {
   Matrix<TypeParam> matrix = Matrix<TypeParam>::Translate(1, 2, 3);
   matrix = this->MakeWithoutInverse();
