@@ -116,10 +116,10 @@ auto AsEigen(std::span<Value, Extent> i_values) noexcept {
 
 /// The 16 values of a transform, in place. Read-only, as they may be shared.
 ///
-/// Valid as long as some matrix or handle holds the object that this matrix holds now;
-/// afterwards the pool may hand it out again. Assigning to the matrix, or writing it while others share the
-/// object, gives the matrix another object: the map stays with the old one. Temporaries are refused. The
-/// inverse of a matrix that has one: `matrix.GetMatrixInverse()->matrix()`.
+/// Valid as long as some matrix or handle holds the object that this matrix holds now; afterwards the pool
+/// may hand it out again. Assigning to the matrix, or writing it while others share the object, gives the
+/// matrix another object: the map stays with the old one. Temporaries are refused. The inverse of a matrix
+/// that has one: `matrix.GetMatrixInverse()->matrix()`.
 template <class T>
 Eigen::Map<Eigen::Matrix<T, 4, 4> const> AsEigen(Matrix<T> const& i_matrix) noexcept {
   return Eigen::Map<Eigen::Matrix<T, 4, 4> const>(i_matrix.GetAsPtr());

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "extras/EigenMap.h"
+#include "support/MovedFrom.h"
 #include "support/Values.h"
 
 namespace lum {
@@ -217,13 +218,10 @@ TEST(EigenMap, QuaternionsPassBothWays) {
 
 #ifndef NDEBUG
 TEST(EigenMapDeathTest, AssertionsCatchAMovedFromValue) {
-  Matrix<float> matrix = Matrix<float>::Scale(2);
-  Quaternionf quaternion({0, 0, 1}, 1);
-  auto const taken = std::pair(std::move(matrix), std::move(quaternion));
-  // NOLINTBEGIN(bugprone-use-after-move): that is what is tested
+  auto const matrix = test::MovedFrom(Matrix<float>::Scale(2));
+  auto const quaternion = test::MovedFrom(Quaternionf({0, 0, 1}, 1));
   EXPECT_DEATH(AsEigen(matrix), "Assertion");
   EXPECT_DEATH(ToEigen(quaternion), "Assertion");
-  // NOLINTEND(bugprone-use-after-move)
 }
 #endif
 

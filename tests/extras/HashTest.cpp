@@ -14,6 +14,7 @@
 #include "extras/Hash.h"
 #include "geometry/CubeElementIds.h"
 #include "geometry/CubeSpaceIds.h"
+#include "support/MovedFrom.h"
 #include "support/Values.h"
 
 namespace lum {
@@ -176,13 +177,10 @@ TEST(Hash, ChangesHalfItsBitsWithOneOfANumber) {
 
 #ifndef NDEBUG
 TEST(HashDeathTest, AssertionsCatchAMovedFromValue) {
-  Matrix<float> matrix = Matrix<float>::Scale(2);
-  Quaternionf quaternion({0, 0, 1}, 1);
-  auto const taken = std::pair(std::move(matrix), std::move(quaternion));
-  // NOLINTBEGIN(bugprone-use-after-move): that is what is tested
+  auto const matrix = test::MovedFrom(Matrix<float>::Scale(2));
+  auto const quaternion = test::MovedFrom(Quaternionf({0, 0, 1}, 1));
   EXPECT_DEATH(HashOf(matrix), "Assertion");
   EXPECT_DEATH(HashOf(quaternion), "Assertion");
-  // NOLINTEND(bugprone-use-after-move)
 }
 #endif
 

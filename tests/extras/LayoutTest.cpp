@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "extras/Layout.h"
+#include "support/MovedFrom.h"
 #include "support/Values.h"
 
 namespace lum {
@@ -126,15 +127,12 @@ TEST(Layout, AMatrixWithoutInverseComesBackWithOneThatIsNotFinite) {
 
 #ifndef NDEBUG
 TEST(LayoutDeathTest, AssertionsCatchAMovedFromValue) {
-  Matrix<float> matrix = Matrix<float>::Scale(2);
-  Quaternionf quaternion({0, 0, 1}, 1);
-  auto const taken = std::pair(std::move(matrix), std::move(quaternion));
-  // NOLINTBEGIN(bugprone-use-after-move): that is what is tested
+  auto const matrix = test::MovedFrom(Matrix<float>::Scale(2));
+  auto const quaternion = test::MovedFrom(Quaternionf({0, 0, 1}, 1));
   EXPECT_DEATH(ToColumnMajor(matrix), "Assertion");
   EXPECT_DEATH(ToRowMajor(matrix), "Assertion");
   EXPECT_DEATH(ToWFirst(quaternion), "Assertion");
   EXPECT_DEATH(ToWLast(quaternion), "Assertion");
-  // NOLINTEND(bugprone-use-after-move)
 }
 #endif
 

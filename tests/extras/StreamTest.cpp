@@ -9,6 +9,7 @@
 
 #include "extras/Comma.h"
 #include "extras/Stream.h"
+#include "support/MovedFrom.h"
 
 // Outside lum, so that only the arguments lead to the operators.
 namespace callers {
@@ -156,13 +157,10 @@ TEST(Stream, WritesNothingToAStreamThatFailed) {
 
 #ifndef NDEBUG
 TEST(StreamDeathTest, AssertionsCatchAMovedFromValue) {
-  Matrix<float> matrix = Matrix<float>::Scale(2);
-  Quaternionf quaternion({0, 0, 1}, 1);
-  auto const taken = std::pair(std::move(matrix), std::move(quaternion));
-  // NOLINTBEGIN(bugprone-use-after-move): that is what is tested
+  auto const matrix = test::MovedFrom(Matrix<float>::Scale(2));
+  auto const quaternion = test::MovedFrom(Quaternionf({0, 0, 1}, 1));
   EXPECT_DEATH(TextOf(matrix), "Assertion");
   EXPECT_DEATH(TextOf(quaternion), "Assertion");
-  // NOLINTEND(bugprone-use-after-move)
 }
 #endif
 
