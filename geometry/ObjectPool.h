@@ -46,8 +46,8 @@ class ObjectPool {
   ///
   /// Passes on what allocating a block or locking a mutex throws; the pool is unchanged then.
   ///
-  /// Cost: a lock, or none while the process has never had a second thread; one in `Size` calls allocates a
-  /// block, where none come back meanwhile.
+  /// Cost: a lock, or none while the process has never had a second thread; one in `Size` calls locks again
+  /// and allocates a block, where none come back meanwhile.
   ObjectHandle CreateObject();
   /// The first handles onto two objects.
   struct TwoObjects {

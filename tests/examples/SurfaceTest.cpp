@@ -547,8 +547,9 @@ TEST_F(Surface, QuietIsQuiet) {
 
 TEST_F(Surface, ShowsProgressOnATerminal) {
   auto const run_on_terminal = [&](std::string const& i_options) {
-    std::string const command = "script -qec \"" + m_program + " --solid sphere --mesh " + In("a.ply") +
-                                i_options + "\" " + In("typescript") + " >/dev/null </dev/null";
+    std::string const contour = m_program + " --solid sphere --mesh " + In("a.ply") + i_options;
+    std::string const command =
+        "script -qec " + Quote(contour) + " " + In("typescript") + " >/dev/null </dev/null";
     EXPECT_EQ(std::system(command.c_str()), 0);  // NOLINT(concurrency-mt-unsafe): one thread
     return ReadText(In("typescript"));
   };

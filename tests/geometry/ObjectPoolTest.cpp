@@ -78,8 +78,8 @@ TEST(ObjectPool, TakesTwoObjectsBackAtOnce) {
   auto const again = pool.CreateTwoObjects();
   EXPECT_EQ(again.first.Get(), first);
   EXPECT_EQ(again.second.Get(), second);
-  EXPECT_EQ(handles[7].GetReferenceCount(), 0U) << "counts for those who hold it now";
-  EXPECT_EQ(handles[3].GetReferenceCount(), 0U) << "counts for those who hold it now";
+  EXPECT_EQ(handles[7].GetReferenceCount(), 0U) << "a handle that let go counts nothing";
+  EXPECT_EQ(handles[3].GetReferenceCount(), 0U) << "a handle that let go counts nothing";
 }
 
 TEST(ObjectPool, ReleasesTogetherOnlyWhatNobodyElseHolds) {
