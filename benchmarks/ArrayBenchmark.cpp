@@ -156,7 +156,7 @@ void AddRotations() {
 void Register() {
   AddOne<float>();
   AddOne<double>();
-  for (std::size_t const count : {std::size_t{4096}, std::size_t{10000000}}) {
+  for (std::size_t const count : {std::size_t{8}, std::size_t{4096}, std::size_t{10000000}}) {
     AddArrays<float>(count);
     AddArrays<double>(count);
   }
