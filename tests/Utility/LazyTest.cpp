@@ -189,5 +189,16 @@ TEST(Lazy, PublishesItsValueToAThreadThatComesLater) {
   });
 }
 
+// The same for a thread that looks whether the value is there and makes none.
+TEST(Lazy, PublishesItsValueToAThreadThatOnlyLooks) {
+  Lazy<std::vector<int>> const lazy([] { return std::vector<int>{1, 2, 3}; });
+  std::jthread const maker([&lazy] { lazy.GetValue(); });
+  std::jthread const reader([&lazy] {
+    std::vector<int> const* value = nullptr;
+    while ((value = lazy.GetValueIfCreated()) == nullptr) std::this_thread::yield();
+    EXPECT_EQ(*value, (std::vector<int>{1, 2, 3}));
+  });
+}
+
 }  // namespace
 }  // namespace lum
