@@ -124,17 +124,23 @@ TYPED_TEST(TransformArrays, GiveTheSameBitsWhereNoCacheHoldsThem) {
   TransformPoints(matrix, pattern, expected);
   std::vector<P> points;
   while (points.size() < count) points.push_back(pattern[points.size() % pattern.size()]);
+  auto const count_differing = [&expected](std::span<P const> i_images) {
+    std::size_t differing = 0;
+    for (std::size_t i = 0; i < i_images.size(); ++i)
+      differing += !IsSame(i_images[i], expected[i % expected.size()]);
+    return differing;
+  };
   for (std::size_t start = 0; start < 4; ++start) {
     P const guard(7, 8, 9);
     std::vector<P> images(count + 4, guard);
-    TransformPoints(matrix, points, std::span(images).subspan(start, count));
-    std::size_t differing = 0;
-    for (std::size_t i = 0; i < count; ++i)
-      differing += !IsSame(images[start + i], expected[i % expected.size()]);
-    EXPECT_EQ(differing, 0U) << "seed " << this->kSeed << ", from " << start;
+    auto const written = std::span(images).subspan(start, count);
+    TransformPoints(matrix, points, written);
+    EXPECT_EQ(count_differing(written), 0U) << "seed " << this->kSeed << ", from " << start;
     for (std::size_t i = 0; i < start; ++i) EXPECT_EQ(images[i], guard);
     for (std::size_t i = start + count; i < images.size(); ++i) EXPECT_EQ(images[i], guard);
   }
+  TransformPoints(matrix, points, points);
+  EXPECT_EQ(count_differing(points), 0U) << "seed " << this->kSeed << ", in place";
 }
 
 TYPED_TEST(TransformArrays, OfDifferentSizesAreRefusedAndNothingIsWritten) {
