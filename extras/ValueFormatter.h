@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <string_view>
 
 #include "Utility/optional.h"
@@ -40,9 +41,7 @@ class ValueFormatter {
   template <class FormatContext>
   struct Writer {
     void Text(std::string_view i_text) {
-      auto position = context.out();
-      for (char const character : i_text) *position++ = character;
-      context.advance_to(position);
+      context.advance_to(std::copy(i_text.begin(), i_text.end(), context.out()));
     }
     void Separate() { Text(separator); }
     template <class T>
@@ -80,9 +79,8 @@ class OptionalFormatter {
   template <class T, class FormatContext>
   auto format(optional<T> const& i_optional, FormatContext& io_context) const {
     if (i_optional) return m_contained.format(*i_optional, io_context);
-    auto position = io_context.out();
-    for (char const character : std::string_view("nullopt")) *position++ = character;
-    return position;
+    constexpr std::string_view nothing = "nullopt";
+    return std::copy(nothing.begin(), nothing.end(), io_context.out());
   }
 
  private:
