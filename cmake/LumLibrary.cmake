@@ -7,7 +7,7 @@ function(lum_add_library target)
     ${target}
     PRIVATE "${PROJECT_SOURCE_DIR}/geometry/CubeElementIds.cpp"
             "${PROJECT_SOURCE_DIR}/geometry/CubeSpaceIds.cpp"
-            "${PROJECT_SOURCE_DIR}/geometry/EigenAlgorithms.cpp"
+            "${PROJECT_SOURCE_DIR}/geometry/internal/EigenAlgorithms.cpp"
             "${PROJECT_SOURCE_DIR}/geometry/GlobalObjectPool.cpp"
             "${PROJECT_SOURCE_DIR}/geometry/Matrix.cpp"
             "${PROJECT_SOURCE_DIR}/geometry/Plane.cpp"
@@ -33,7 +33,7 @@ function(lum_add_library target)
            "${PROJECT_SOURCE_DIR}/extras/ValueFormatter.h"
            "${PROJECT_SOURCE_DIR}/extras/ValueText.h"
            "${PROJECT_SOURCE_DIR}/geometry/CanonicalCubeElement.h"
-           "${PROJECT_SOURCE_DIR}/geometry/CubeArithmetic.h"
+           "${PROJECT_SOURCE_DIR}/geometry/internal/CubeArithmetic.h"
            "${PROJECT_SOURCE_DIR}/geometry/CubeEdgeIterator.h"
            "${PROJECT_SOURCE_DIR}/geometry/CubeElement.h"
            "${PROJECT_SOURCE_DIR}/geometry/CubeElementIds.h"
@@ -41,23 +41,23 @@ function(lum_add_library target)
            "${PROJECT_SOURCE_DIR}/geometry/CubeSpace.h"
            "${PROJECT_SOURCE_DIR}/geometry/CubeSpaceIds.h"
            "${PROJECT_SOURCE_DIR}/geometry/CubeVertexIterator.h"
-           "${PROJECT_SOURCE_DIR}/geometry/Export.h"
+           "${PROJECT_SOURCE_DIR}/geometry/internal/Export.h"
            "${PROJECT_SOURCE_DIR}/geometry/GlobalObjectPool.h"
            "${PROJECT_SOURCE_DIR}/geometry/Handle.h"
-           "${PROJECT_SOURCE_DIR}/geometry/IndexIterator.h"
+           "${PROJECT_SOURCE_DIR}/geometry/internal/IndexIterator.h"
            "${PROJECT_SOURCE_DIR}/geometry/LinearInterpolation.h"
            "${PROJECT_SOURCE_DIR}/geometry/Matrix.h"
            "${PROJECT_SOURCE_DIR}/geometry/ObjectPool.h"
            "${PROJECT_SOURCE_DIR}/geometry/ObjectPoolBlock.h"
            "${PROJECT_SOURCE_DIR}/geometry/ObjectPoolDeleter.h"
-           "${PROJECT_SOURCE_DIR}/geometry/ObjectPoolPolicy.h"
+           "${PROJECT_SOURCE_DIR}/geometry/internal/ObjectPoolPolicy.h"
            "${PROJECT_SOURCE_DIR}/geometry/Plane.h"
            "${PROJECT_SOURCE_DIR}/geometry/Point.h"
            "${PROJECT_SOURCE_DIR}/geometry/PseudoInverse.h"
            "${PROJECT_SOURCE_DIR}/geometry/Quaternion.h"
            "${PROJECT_SOURCE_DIR}/geometry/Range.h"
            "${PROJECT_SOURCE_DIR}/geometry/RootFinding.h"
-           "${PROJECT_SOURCE_DIR}/geometry/SingleThread.h"
+           "${PROJECT_SOURCE_DIR}/geometry/internal/SingleThread.h"
            "${PROJECT_SOURCE_DIR}/geometry/TrilinearInterpolation.h"
            "${PROJECT_SOURCE_DIR}/geometry/Vector.h")
   target_compile_features(${target} PUBLIC cxx_std_20)
@@ -80,7 +80,7 @@ function(lum_add_library target)
   endif()
   if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
     # Eigen gives up on matrices that are not finite; g++ cannot see that none such gets there.
-    set_source_files_properties("${PROJECT_SOURCE_DIR}/geometry/EigenAlgorithms.cpp"
+    set_source_files_properties("${PROJECT_SOURCE_DIR}/geometry/internal/EigenAlgorithms.cpp"
                                 PROPERTIES COMPILE_OPTIONS -Wno-maybe-uninitialized)
   endif()
   if(NOT target STREQUAL "lum")

@@ -9,7 +9,7 @@ function(lum_keep_order_of_operations target)
             $<$<CXX_COMPILER_ID:GNU>:-fno-tree-slp-vectorize>)
 endfunction()
 
-# Refuses what can be seen when configuring; geometry/StrictArithmetic.h refuses the rest when compiling.
+# Refuses what can be seen when configuring; geometry/internal/StrictArithmetic.h refuses the rest when compiling.
 function(lum_refuse_fast_math)
   string(TOUPPER "${CMAKE_BUILD_TYPE}" config)
   get_directory_property(options COMPILE_OPTIONS)

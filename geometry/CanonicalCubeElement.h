@@ -4,9 +4,9 @@
 #include <ranges>
 #include <stdexcept>
 
-#include "geometry/CubeArithmetic.h"
 #include "geometry/CubeElement.h"
-#include "geometry/IndexIterator.h"
+#include "geometry/internal/CubeArithmetic.h"
+#include "geometry/internal/IndexIterator.h"
 
 /// Identifiers of the eight canonical elements of the cube.
 ///

@@ -3,11 +3,11 @@
 #include <ranges>
 #include <stdexcept>
 
-#include "geometry/CubeArithmetic.h"
 #include "geometry/CubeElementIds.h"
 #include "geometry/CubeSpace.h"
 #include "geometry/CubeSpaceIds.h"
-#include "geometry/IndexIterator.h"
+#include "geometry/internal/CubeArithmetic.h"
+#include "geometry/internal/IndexIterator.h"
 
 /// \file
 /// The edges of the cube, all or those along one axis, or of one of its faces, as random access ranges.

@@ -2,7 +2,7 @@
 
 #include <iosfwd>
 
-#include "geometry/Export.h"
+#include "geometry/internal/Export.h"
 
 /// Identifiers of the 27 elements of the unit cube: 8 vertices, 12 edges, 6 faces and the cube itself.
 ///

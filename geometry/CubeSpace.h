@@ -3,8 +3,8 @@
 #include <compare>
 #include <stdexcept>
 
-#include "geometry/CubeArithmetic.h"
 #include "geometry/CubeSpaceIds.h"
+#include "geometry/internal/CubeArithmetic.h"
 
 namespace lum {
 

@@ -2,7 +2,7 @@
 
 #include <iosfwd>
 
-#include "geometry/Export.h"
+#include "geometry/internal/Export.h"
 
 /// Identifiers of the spaces that sets of the cube's axes span: one axis, two, or all three.
 ///

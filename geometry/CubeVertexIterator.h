@@ -2,9 +2,9 @@
 
 #include <ranges>
 
-#include "geometry/CubeArithmetic.h"
 #include "geometry/CubeElementIds.h"
-#include "geometry/IndexIterator.h"
+#include "geometry/internal/CubeArithmetic.h"
+#include "geometry/internal/IndexIterator.h"
 
 /// \file
 /// The vertices of the cube, of one of its faces or of one of its edges, as random access ranges.

@@ -1,6 +1,6 @@
 #include "geometry/GlobalObjectPool.h"
 
-#include "Utility/NeverDestroyed.h"
+#include "geometry/internal/NeverDestroyed.h"
 
 namespace lum {
 namespace {
@@ -19,9 +19,12 @@ constexpr auto& create_pool_quaternion_float = CreatePool<QuaternionObject>;
 
 // Constant-initialised, so that they work before main in any link order; never destroyed, so that they work
 // until the process is gone.
-constinit NeverDestroyed<Lazy<PoolOf<MatrixObject<float>>*>> pool_matrix_float(create_pool_matrix_float);
-constinit NeverDestroyed<Lazy<PoolOf<MatrixObject<double>>*>> pool_matrix_double(create_pool_matrix_double);
-constinit NeverDestroyed<Lazy<PoolOf<QuaternionObject>*>> pool_quaternion_float(create_pool_quaternion_float);
+constinit internal::NeverDestroyed<Lazy<PoolOf<MatrixObject<float>>*>> pool_matrix_float(
+    create_pool_matrix_float);
+constinit internal::NeverDestroyed<Lazy<PoolOf<MatrixObject<double>>*>> pool_matrix_double(
+    create_pool_matrix_double);
+constinit internal::NeverDestroyed<Lazy<PoolOf<QuaternionObject>*>> pool_quaternion_float(
+    create_pool_quaternion_float);
 
 }  // namespace
 

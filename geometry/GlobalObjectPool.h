@@ -4,11 +4,11 @@
 #include <atomic>
 
 #include "Utility/Lazy.h"
-#include "geometry/Export.h"
 #include "geometry/Handle.h"
 #include "geometry/ObjectPool.h"
 #include "geometry/ObjectPoolBlock.h"
 #include "geometry/ObjectPoolDeleter.h"
+#include "geometry/internal/Export.h"
 
 #if !EIGEN_VERSION_AT_LEAST(3, 2, 0)
 #error "lum needs Eigen 3.2 or later"

@@ -5,7 +5,7 @@
 #include <type_traits>
 #include <utility>
 
-#include "geometry/SingleThread.h"
+#include "geometry/internal/SingleThread.h"
 
 namespace lum {
 

@@ -9,10 +9,10 @@
 #include <stdexcept>
 #include <utility>
 
-#include "Utility/NeverDestroyed.h"
-#include "geometry/Column.h"
-#include "geometry/EigenAlgorithms.h"
-#include "geometry/StrictArithmetic.h"
+#include "geometry/internal/Column.h"
+#include "geometry/internal/EigenAlgorithms.h"
+#include "geometry/internal/NeverDestroyed.h"
+#include "geometry/internal/StrictArithmetic.h"
 
 namespace lum {
 namespace {
@@ -75,7 +75,8 @@ typename MatrixPoolTypes<T>::ObjectHandle CreateIdentity() {
 
 // Constant-initialised and never destroyed: valid before main and until the process is gone.
 template <class T>
-constinit NeverDestroyed<Lazy<typename MatrixPoolTypes<T>::ObjectHandle>> identity(CreateIdentity<T>);
+constinit internal::NeverDestroyed<Lazy<typename MatrixPoolTypes<T>::ObjectHandle>> identity(
+    CreateIdentity<T>);
 
 template <class T>
 Columns<T> MakeScale(T i_x, T i_y, T i_z) {

@@ -6,11 +6,11 @@
 #include <utility>
 
 #include "Utility/Lazy.h"
-#include "geometry/Export.h"
 #include "geometry/GlobalObjectPool.h"
 #include "geometry/Plane.h"
 #include "geometry/Point.h"
 #include "geometry/Vector.h"
+#include "geometry/internal/Export.h"
 
 namespace lum {
 

@@ -9,8 +9,8 @@
 #include "geometry/Handle.h"
 #include "geometry/ObjectPoolBlock.h"
 #include "geometry/ObjectPoolDeleter.h"
-#include "geometry/ObjectPoolPolicy.h"
-#include "geometry/SingleThread.h"
+#include "geometry/internal/ObjectPoolPolicy.h"
+#include "geometry/internal/SingleThread.h"
 
 namespace lum {
 
@@ -26,7 +26,7 @@ namespace lum {
 /// allocation, and returning an object takes no lock.
 ///
 /// The template parameters are those of `ObjectPoolBlock`.
-template <class T, std::size_t Size, std::size_t Alignment, class Policy = ObjectPoolPolicy>
+template <class T, std::size_t Size, std::size_t Alignment, class Policy = internal::ObjectPoolPolicy>
 class ObjectPool {
  public:
   /// What it takes its objects from.

@@ -7,8 +7,8 @@
 #include <type_traits>
 
 #include "Utility/optional.h"
-#include "geometry/ObjectPoolPolicy.h"
-#include "geometry/SingleThread.h"
+#include "geometry/internal/ObjectPoolPolicy.h"
+#include "geometry/internal/SingleThread.h"
 
 namespace lum {
 
@@ -45,7 +45,7 @@ namespace lum {
 ///                    position wraps
 /// \tparam Alignment  the least alignment of the objects in bytes
 /// \tparam Policy     what it synchronises with
-template <class T, std::size_t Size, std::size_t Alignment, class Policy = ObjectPoolPolicy>
+template <class T, std::size_t Size, std::size_t Alignment, class Policy = internal::ObjectPoolPolicy>
 class ObjectPoolBlock {
   static_assert(std::is_trivially_destructible_v<T>, "a pool never runs a destructor of its objects");
   static_assert(sizeof(unsigned long) == 8, "positions and marks are 64-bit words");

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "geometry/Export.h"
 #include "geometry/Point.h"
 #include "geometry/Vector.h"
+#include "geometry/internal/Export.h"
 
 namespace lum {
 

@@ -6,8 +6,8 @@
 #include <cstddef>
 #include <limits>
 
-#include "geometry/EigenAlgorithms.h"
-#include "geometry/StrictArithmetic.h"
+#include "geometry/internal/EigenAlgorithms.h"
+#include "geometry/internal/StrictArithmetic.h"
 
 namespace lum {
 namespace {

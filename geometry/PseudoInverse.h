@@ -3,7 +3,7 @@
 #include <Eigen/Core>
 #include <cstdint>
 
-#include "geometry/Export.h"
+#include "geometry/internal/Export.h"
 
 namespace lum {
 

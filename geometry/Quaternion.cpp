@@ -6,11 +6,11 @@
 #include <limits>
 #include <utility>
 
-#include "Utility/NeverDestroyed.h"
-#include "geometry/Column.h"
-#include "geometry/EigenAlgorithms.h"
-#include "geometry/Lanes.h"
-#include "geometry/StrictArithmetic.h"
+#include "geometry/internal/Column.h"
+#include "geometry/internal/EigenAlgorithms.h"
+#include "geometry/internal/Lanes.h"
+#include "geometry/internal/NeverDestroyed.h"
+#include "geometry/internal/StrictArithmetic.h"
 
 namespace lum {
 namespace {
@@ -26,7 +26,7 @@ Quaternionf::ObjectHandle CreateHandle(Coefficients const& i_coefficients) {
 Quaternionf::ObjectHandle CreateIdentity() { return CreateHandle({0, 0, 0, 1}); }
 
 // Constant-initialised and never destroyed: valid before main and until the process is gone.
-constinit NeverDestroyed<Lazy<Quaternionf::ObjectHandle>> identity(CreateIdentity);
+constinit internal::NeverDestroyed<Lazy<Quaternionf::ObjectHandle>> identity(CreateIdentity);
 
 Coefficients MakeRotation(Vector<float, 3> const& i_axis, float i_angle) {
   float const half = i_angle * 0.5F;

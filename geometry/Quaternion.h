@@ -4,10 +4,10 @@
 #include <span>
 
 #include "Utility/Lazy.h"
-#include "geometry/Export.h"
 #include "geometry/GlobalObjectPool.h"
 #include "geometry/Matrix.h"
 #include "geometry/Vector.h"
+#include "geometry/internal/Export.h"
 
 namespace lum {
 

@@ -4,7 +4,7 @@
 #include <limits>
 #include <stdexcept>
 
-#include "geometry/StrictArithmetic.h"
+#include "geometry/internal/StrictArithmetic.h"
 
 namespace lum::RootFinding {
 

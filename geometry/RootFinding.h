@@ -2,8 +2,8 @@
 
 #include <functional>
 
-#include "geometry/Export.h"
 #include "geometry/Range.h"
+#include "geometry/internal/Export.h"
 
 namespace lum::RootFinding {
 

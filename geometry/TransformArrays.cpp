@@ -3,9 +3,9 @@
 #include <cstddef>
 #include <span>
 
-#include "geometry/Lanes.h"
 #include "geometry/Matrix.h"
-#include "geometry/StrictArithmetic.h"
+#include "geometry/internal/Lanes.h"
+#include "geometry/internal/StrictArithmetic.h"
 
 namespace lum {
 namespace {

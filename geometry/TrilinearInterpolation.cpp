@@ -1,6 +1,6 @@
 #include "geometry/TrilinearInterpolation.h"
 
-#include "geometry/StrictArithmetic.h"
+#include "geometry/internal/StrictArithmetic.h"
 
 namespace lum {
 

@@ -2,8 +2,8 @@
 
 #include <array>
 
-#include "geometry/Export.h"
 #include "geometry/Point.h"
+#include "geometry/internal/Export.h"
 
 namespace lum {
 

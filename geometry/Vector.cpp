@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "geometry/StrictArithmetic.h"
+#include "geometry/internal/StrictArithmetic.h"
 
 namespace lum {
 namespace {

@@ -7,7 +7,7 @@
 #include <tuple>
 #include <type_traits>
 
-#include "geometry/Export.h"
+#include "geometry/internal/Export.h"
 
 namespace lum {
 

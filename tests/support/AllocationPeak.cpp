@@ -1,4 +1,4 @@
-#include "support/AllocationPeak.h"
+#include "tests/support/AllocationPeak.h"
 
 #include <malloc.h>
 

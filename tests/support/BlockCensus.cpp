@@ -1,4 +1,4 @@
-#include "support/BlockCensus.h"
+#include "tests/support/BlockCensus.h"
 
 #include <atomic>
 #include <cstdlib>

@@ -13,7 +13,7 @@
 #include <utility>
 #include <vector>
 
-#include "support/Stepping.h"
+#include "tests/support/Stepping.h"
 
 namespace lum::test {
 

@@ -1,4 +1,4 @@
-#include "support/FailingAllocation.h"
+#include "tests/support/FailingAllocation.h"
 
 #include <cstddef>
 #include <cstdlib>

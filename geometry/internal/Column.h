@@ -1,0 +1,70 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstring>
+
+#include "geometry/internal/Lanes.h"
+
+namespace lum::internal {
+
+/// Four numbers in vectors of 16 bytes, which every processor of ours has: a column of a transform.
+/// Arithmetic is number by number, each rounded as the scalar operation rounds it.
+///
+/// For the library's own sources: a caller's compiler may contract what is inlined into it.
+template <class T>
+class Column {
+ public:
+  Column(T i_x, T i_y, T i_z, T i_w) noexcept {
+    if constexpr (kParts == 1) {
+      m_parts[0] = Part{i_x, i_y, i_z, i_w};
+    } else {
+      m_parts[0] = Part{i_x, i_y};
+      m_parts[1] = Part{i_z, i_w};
+    }
+  }
+
+  static Column Load(T const* ip_values) noexcept {
+    Column column;
+    std::memcpy(&column.m_parts, ip_values, sizeof(m_parts));
+    return column;
+  }
+
+  void Store(T* op_values) const noexcept { std::memcpy(op_values, &m_parts, sizeof(m_parts)); }
+
+  /// Writes the first three numbers. By eight or sixteen bytes and the rest: written one by one, they would
+  /// hold up whoever reads them as a whole, as a function does that returns them.
+  void StoreThree(T* op_values) const noexcept {
+    if constexpr (kParts == 1) {
+      auto const pairs = reinterpret_cast<Pairs>(m_parts[0]);
+      auto const first = pairs[0];
+      std::memcpy(op_values, &first, sizeof(first));
+      op_values[2] = m_parts[0][2];
+    } else {
+      std::memcpy(op_values, &m_parts[0], sizeof(Part));
+      op_values[2] = m_parts[1][0];
+    }
+  }
+
+  friend Column operator+(Column const& i_a, Column const& i_b) noexcept {
+    Column sum;
+    for (std::size_t i = 0; i < kParts; ++i) sum.m_parts[i] = i_a.m_parts[i] + i_b.m_parts[i];
+    return sum;
+  }
+  friend Column operator*(Column const& i_column, T i_factor) noexcept {
+    Column product;
+    for (std::size_t i = 0; i < kParts; ++i) product.m_parts[i] = i_column.m_parts[i] * i_factor;
+    return product;
+  }
+
+ private:
+  Column() = default;
+
+  using Part = Lanes<T>;
+  using Pairs = long long __attribute__((vector_size(16)));
+  static constexpr std::size_t kParts = 4 / kLanes<T>;
+
+  std::array<Part, kParts> m_parts;
+};
+
+}  // namespace lum::internal

@@ -1,0 +1,220 @@
+# One case of tests/system/package/CMakeLists.txt.
+file(REMOVE_RECURSE "${WORK_DIR}")
+file(MAKE_DIRECTORY "${WORK_DIR}")
+set(configure_lum
+    "${CMAKE_COMMAND}" -S "${SOURCE_DIR}" -B "${WORK_DIR}/lum" -G "${GENERATOR}"
+    "-DCMAKE_CXX_COMPILER=${COMPILER}" -DCMAKE_BUILD_TYPE=Release)
+# Nothing below the system's prefixes or PATH is searched: no package of Eigen is found.
+set(hide_packages "-DCMAKE_MAKE_PROGRAM=${MAKE_PROGRAM}" -DCMAKE_FIND_USE_CMAKE_SYSTEM_PATH=OFF
+                  -DCMAKE_FIND_USE_SYSTEM_ENVIRONMENT_PATH=OFF -DCMAKE_FIND_USE_PACKAGE_REGISTRY=OFF)
+
+function(run)
+  execute_process(COMMAND ${ARGN} COMMAND_ERROR_IS_FATAL ANY)
+endfunction()
+
+# configure(<source> <build> <argument>...)
+function(configure source build)
+  run("${CMAKE_COMMAND}" -S "${source}" -B "${build}" -G "${GENERATOR}" "-DCMAKE_CXX_COMPILER=${COMPILER}"
+      "-DCMAKE_CXX_FLAGS=${FLAGS}" -DCMAKE_BUILD_TYPE=Release ${ARGN})
+endfunction()
+
+# expect_refusal(<text> <command>...): the command fails and says the text.
+function(expect_refusal text)
+  execute_process(
+    COMMAND ${ARGN}
+    RESULT_VARIABLE result
+    OUTPUT_VARIABLE output
+    ERROR_VARIABLE output)
+  string(REGEX REPLACE "[ \n]+" " " output "${output}")
+  if(result EQUAL 0 OR NOT output MATCHES "${text}")
+    message(FATAL_ERROR "Exit ${result}, expected a refusal with \"${text}\":\n${output}")
+  endif()
+endfunction()
+
+function(expect_consumer_works program)
+  execute_process(
+    COMMAND "${program}"
+    OUTPUT_VARIABLE output
+    COMMAND_ERROR_IS_FATAL ANY)
+  if(NOT output STREQUAL "3 4 5 1 1 1 3 2\nCubeElementIds::Vertex with value: 5, 6, 3, 1\n")
+    message(FATAL_ERROR "The consumer printed: ${output}")
+  endif()
+endfunction()
+
+# build_consumer(SHARED|STATIC <argument>...)
+function(build_consumer kind)
+  configure("${SOURCE_DIR}/tests/system/package/consumer" "${WORK_DIR}/consumer" "-DKIND=${kind}" ${ARGN})
+  run("${CMAKE_COMMAND}" --build "${WORK_DIR}/consumer")
+  expect_consumer_works("${WORK_DIR}/consumer/consumer")
+endfunction()
+
+# find_libdir(<result>): where the installed library lies, relative to the prefix.
+function(find_libdir result)
+  file(GLOB_RECURSE pc RELATIVE "${PREFIX}" "${PREFIX}/*/lum.pc")
+  string(REGEX REPLACE "/pkgconfig/lum.pc$" "" libdir "${pc}")
+  set(${result} "${libdir}" PARENT_SCOPE)
+endfunction()
+
+# install(<build directory>): into a prefix that is moved then.
+function(install build)
+  run("${CMAKE_COMMAND}" --install "${build}" --prefix "${WORK_DIR}/prefix")
+  file(RENAME "${WORK_DIR}/prefix" "${WORK_DIR}/moved")
+endfunction()
+
+# check_manifest(<file>): the prefix holds exactly what the file lists.
+function(check_manifest manifest)
+  find_libdir(libdir)
+  file(GLOB_RECURSE paths LIST_DIRECTORIES FALSE RELATIVE "${PREFIX}" "${PREFIX}/*")
+  set(installed)
+  foreach(path IN LISTS paths)
+    set(line "${path}")
+    if(IS_SYMLINK "${PREFIX}/${path}")
+      file(READ_SYMLINK "${PREFIX}/${path}" target)
+      string(APPEND line " -> ${target}")
+    endif()
+    # Whatever the machine, the version and the build type are called. gdb looks for its script below the whole path
+    # of the library.
+    string(REGEX REPLACE "gdb/auto-load/.*/${libdir}/" "gdb/auto-load/@INSTALL_PREFIX@/@LIBDIR@/" line "${line}")
+    string(REGEX REPLACE "(^|/)${libdir}/" "\\1@LIBDIR@/" line "${line}")
+    string(REGEX REPLACE "so\\.[0-9]+\\.[0-9]+\\.[0-9]+" "so.@VERSION@" line "${line}")
+    string(REGEX REPLACE "(lumTargets)-[a-z]+" "\\1-@BUILD_TYPE@" line "${line}")
+    string(APPEND installed "${line}\n")
+  endforeach()
+  if(DEFINED ENV{LUM_UPDATE_MANIFEST})
+    file(WRITE "${manifest}" "${installed}")
+  endif()
+  file(WRITE "${WORK_DIR}/installed.txt" "${installed}")
+  execute_process(
+    COMMAND diff -u "${manifest}" "${WORK_DIR}/installed.txt"
+    RESULT_VARIABLE result
+    OUTPUT_VARIABLE differences)
+  if(NOT result EQUAL 0)
+    message(FATAL_ERROR "Not installed (-), or not listed (+):\n${differences}\nIf this is meant, run "
+                        "LUM_UPDATE_MANIFEST=1 ctest --test-dir ${BUILD_DIR} -R Package.Manifest")
+  endif()
+endfunction()
+
+# build_with_pkg_config(<argument of pkg-config>...)
+function(build_with_pkg_config)
+  find_libdir(libdir)
+  set(ENV{PKG_CONFIG_PATH} "${PREFIX}/${libdir}/pkgconfig")
+  execute_process(
+    COMMAND pkg-config ${ARGN} --cflags --libs lum
+    OUTPUT_VARIABLE options
+    OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+  separate_arguments(options UNIX_COMMAND "${options}")
+  separate_arguments(flags UNIX_COMMAND "${FLAGS}")
+  run("${COMPILER}" -std=c++20 ${flags} "${SOURCE_DIR}/tests/system/package/consumer/main.cpp" -o "${WORK_DIR}/consumer"
+      ${options} "-Wl,-rpath,${PREFIX}/${libdir}")
+  expect_consumer_works("${WORK_DIR}/consumer")
+  set(options "${options}" PARENT_SCOPE)
+endfunction()
+
+if(CASE STREQUAL "InstallSHARED")
+  configure("${SOURCE_DIR}" "${WORK_DIR}/lum")
+  run("${CMAKE_COMMAND}" --build "${WORK_DIR}/lum")
+  install("${WORK_DIR}/lum")
+
+elseif(CASE STREQUAL "InstallSTATIC")
+  configure("${SOURCE_DIR}" "${WORK_DIR}/lum" -DBUILD_SHARED_LIBS=OFF)
+  run("${CMAKE_COMMAND}" --build "${WORK_DIR}/lum")
+  install("${WORK_DIR}/lum")
+
+elseif(CASE STREQUAL "ManifestSHARED")
+  check_manifest("${SOURCE_DIR}/tests/system/package/manifest/shared.txt")
+
+elseif(CASE STREQUAL "ManifestSTATIC")
+  check_manifest("${SOURCE_DIR}/tests/system/package/manifest/static.txt")
+
+elseif(CASE STREQUAL "HeadersCompileAlone")
+  run("${CMAKE_COMMAND}" -S "${SOURCE_DIR}/tests/system/package/headers" -B "${WORK_DIR}/headers" -G "${GENERATOR}"
+      "-DCMAKE_CXX_COMPILER=${COMPILER}" "-DINCLUDE_DIR=${PREFIX}/include/lum"
+      "-DEIGEN_INCLUDE_DIR=${EIGEN_INCLUDE_DIR}")
+  run("${CMAKE_COMMAND}" --build "${WORK_DIR}/headers")
+
+elseif(CASE MATCHES "^FindPackage(SHARED|STATIC)$")
+  build_consumer("${CMAKE_MATCH_1}" "-DCMAKE_PREFIX_PATH=${PREFIX}")
+
+elseif(CASE STREQUAL "PkgConfigSHARED")
+  build_with_pkg_config()
+
+elseif(CASE STREQUAL "PkgConfigSTATIC")
+  build_with_pkg_config(--static)
+  if(NOT "${options}" MATCHES "-pthread")
+    message(FATAL_ERROR "A static library needs -pthread: ${options}")
+  endif()
+
+elseif(CASE STREQUAL "SubprojectSHARED")
+  build_consumer(SHARED "-DLUM_SOURCE_DIR=${SOURCE_DIR}")
+
+elseif(CASE STREQUAL "SubprojectSTATIC")
+  build_consumer(STATIC "-DLUM_SOURCE_DIR=${SOURCE_DIR}" -DBUILD_SHARED_LIBS=OFF)
+
+elseif(CASE MATCHES "^FetchContent(SHARED|STATIC)$")
+  set(kind "${CMAKE_MATCH_1}")
+  string(COMPARE EQUAL "${kind}" SHARED shared)
+  file(GLOB entries RELATIVE "${SOURCE_DIR}" "${SOURCE_DIR}/*")
+  list(FILTER entries EXCLUDE REGEX "^(\\..*|build|out)$")
+  execute_process(COMMAND "${CMAKE_COMMAND}" -E tar czf "${WORK_DIR}/lum.tar.gz" ${entries}
+                  WORKING_DIRECTORY "${SOURCE_DIR}" COMMAND_ERROR_IS_FATAL ANY)
+  build_consumer("${kind}" "-DLUM_ARCHIVE=${WORK_DIR}/lum.tar.gz" "-DBUILD_SHARED_LIBS=${shared}")
+
+elseif(CASE STREQUAL "FindsNoOtherVersion")
+  find_libdir(libdir)
+  foreach(version IN ITEMS 0.1 0.2 1)
+    file(WRITE "${WORK_DIR}/seeker/CMakeLists.txt" "cmake_minimum_required(VERSION 3.25)\n"
+         "project(seeker LANGUAGES CXX)\nfind_package(lum ${version} REQUIRED)\n")
+    set(configure_seeker "${CMAKE_COMMAND}" -S "${WORK_DIR}/seeker" -B "${WORK_DIR}/seeker/build" -G "${GENERATOR}"
+                         "-DCMAKE_CXX_COMPILER=${COMPILER}" "-Dlum_DIR=${PREFIX}/${libdir}/cmake/lum")
+    if(version STREQUAL "0.1")
+      run(${configure_seeker})
+    else()
+      expect_refusal("requested version \"${version}\"" ${configure_seeker})
+    endif()
+  endforeach()
+
+elseif(CASE STREQUAL "SubprojectWithAnEigenOfItsOwn")
+  build_consumer(SHARED "-DLUM_SOURCE_DIR=${SOURCE_DIR}" "-DOWN_EIGEN=${EIGEN_INCLUDE_DIR}")
+
+elseif(CASE STREQUAL "IsNotFoundWithoutEigen")
+  find_libdir(libdir)
+  file(WRITE "${WORK_DIR}/seeker/CMakeLists.txt" "cmake_minimum_required(VERSION 3.25)\nproject(seeker LANGUAGES CXX)\n"
+       "find_package(lum QUIET)\nif(lum_FOUND)\n  message(FATAL_ERROR \"found\")\nendif()\n")
+  configure("${WORK_DIR}/seeker" "${WORK_DIR}/seeker/build" "-Dlum_DIR=${PREFIX}/${libdir}/cmake/lum" ${hide_packages}
+            -DCMAKE_FIND_USE_CMAKE_PATH=OFF)
+
+elseif(CASE STREQUAL "RefusesFastMathWhenConfiguring")
+  foreach(flag IN ITEMS -DCMAKE_CXX_FLAGS=-ffast-math -DCMAKE_CXX_FLAGS_RELEASE=-Ofast
+                        -DCMAKE_CXX_FLAGS=-fassociative-math)
+    expect_refusal("promises the order of its operations.*remove fast-math" ${configure_lum} "${flag}")
+    file(REMOVE_RECURSE "${WORK_DIR}/lum")
+  endforeach()
+
+elseif(CASE STREQUAL "RefusesFastMathWhenCompiling")
+  foreach(source IN ITEMS Vector Plane TrilinearInterpolation)
+    run("${COMPILER}" -std=c++20 -fsyntax-only "-I${SOURCE_DIR}" "${SOURCE_DIR}/geometry/${source}.cpp")
+    foreach(flag IN ITEMS -ffast-math -ffinite-math-only)
+      expect_refusal("promises the order of its operations" "${COMPILER}" -std=c++20 -fsyntax-only "${flag}"
+                     "-I${SOURCE_DIR}" "${SOURCE_DIR}/geometry/${source}.cpp")
+    endforeach()
+  endforeach()
+
+elseif(CASE STREQUAL "FindsEigenWithoutAPackage")
+  configure("${SOURCE_DIR}" "${WORK_DIR}/lum" ${hide_packages} "-DEIGEN3_INCLUDE_DIR=${EIGEN_INCLUDE_DIR}")
+  load_cache("${WORK_DIR}/lum" READ_WITH_PREFIX found_ Eigen3_DIR Eigen3_INCLUDE_DIR)
+  if(found_Eigen3_DIR OR NOT found_Eigen3_INCLUDE_DIR STREQUAL EIGEN_INCLUDE_DIR)
+    message(FATAL_ERROR "The package was not hidden: ${found_Eigen3_DIR}, ${found_Eigen3_INCLUDE_DIR}")
+  endif()
+  run("${CMAKE_COMMAND}" --build "${WORK_DIR}/lum")
+
+elseif(CASE STREQUAL "RefusesAnOldEigen")
+  set(old "${WORK_DIR}/old")
+  file(WRITE "${old}/Eigen/Geometry" "")
+  file(WRITE "${old}/Eigen/src/Core/util/Macros.h"
+       "#define EIGEN_WORLD_VERSION 3\n#define EIGEN_MAJOR_VERSION 1\n#define EIGEN_MINOR_VERSION 4\n")
+  expect_refusal("lum needs Eigen 3.2 or later, found 3.1.4" ${configure_lum} ${hide_packages}
+                 "-DEIGEN3_INCLUDE_DIR=${old}")
+
+else()
+  message(FATAL_ERROR "No such case: ${CASE}")
+endif()

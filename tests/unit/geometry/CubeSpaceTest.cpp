@@ -1,0 +1,121 @@
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <concepts>
+#include <random>
+#include <stdexcept>
+#include <type_traits>
+#include <vector>
+
+#include "geometry/CubeSpace.h"
+#include "tests/support/Ordered.h"
+#include "tests/support/Throws.h"
+
+namespace lum {
+namespace {
+
+using namespace CubeSpaceIds;
+
+char const* const no_orientation = "[CubeSpace] Cannot return space as orientation.";
+char const* const no_plane = "[CubeSpace] Cannot return space as plane.";
+
+static_assert(sizeof(CubeSpace) == 4 && std::is_trivially_copyable_v<CubeSpace>);
+static_assert(!std::convertible_to<unsigned int, CubeSpace>, "a number is no space by itself");
+static_assert(CubeSpace(1).GetAsOrientation() == AxisX && CubeSpace(2).GetAsOrientation() == AxisY &&
+              CubeSpace(4).GetAsOrientation() == AxisZ);
+static_assert(CubeSpace(3).GetAsPlane() == PlaneXY && CubeSpace(5).GetAsPlane() == PlaneXZ &&
+              CubeSpace(6).GetAsPlane() == PlaneYZ && CubeSpace(9).GetAsPlane() == Plane{9});
+static_assert(CubeSpace(AxisY).GetIndex() == 2 && CubeSpace(PlaneXZ).GetIndex() == 5 &&
+              CubeSpace(VolumeXYZ).GetIndex() == 7);
+static_assert(GetPerpendicularPlane(AxisX) == PlaneYZ && GetPerpendicularPlane(AxisY) == PlaneXZ &&
+              GetPerpendicularPlane(AxisZ) == PlaneXY);
+static_assert(GetNormalOrientation(PlaneYZ) == AxisX && GetNormalOrientation(PlaneXZ) == AxisY &&
+              GetNormalOrientation(PlaneXY) == AxisZ);
+
+// Zero, all values with one, two or three bits anywhere, all bits, and any others.
+std::vector<unsigned int> GetValues() {
+  constexpr unsigned seed = 20261121;
+  std::vector<unsigned int> values = {0, ~0U};
+  for (unsigned int a = 0; a < 32; ++a) {
+    for (unsigned int b = 0; b < 32; ++b) {
+      for (unsigned int c = 0; c < 32; ++c) values.push_back(1U << a | 1U << b | 1U << c);
+    }
+  }
+  std::mt19937 random(seed);
+  for (int i = 0; i < 1000; ++i) values.push_back(static_cast<unsigned int>(random()));
+  return values;
+}
+
+TEST(CubeSpace, KeepsTheValueOfAnyIdentifier) {
+  EXPECT_EQ(CubeSpace(AxisZ).GetIndex(), 4U);
+  EXPECT_EQ(CubeSpace(PlaneYZ).GetIndex(), 6U);
+  EXPECT_EQ(CubeSpace(VolumeXYZ).GetIndex(), 7U);
+  EXPECT_EQ(CubeSpace(4294967295U).GetIndex(), 4294967295U) << "nothing is checked";
+}
+
+TEST(CubeSpace, ComparesByValue) {
+  EXPECT_EQ(CubeSpace(AxisX), CubeSpace(1U));
+  EXPECT_NE(CubeSpace(AxisX), CubeSpace(PlaneXY));
+  EXPECT_TRUE(test::IsOrdered(CubeSpace(AxisX), CubeSpace(AxisY)));
+}
+
+TEST(CubeSpace, IsAnOrientationWhenOneBitIsSet) {
+  for (unsigned int const value : GetValues()) {
+    if (std::has_single_bit(value)) {
+      ASSERT_EQ(CubeSpace(value).GetAsOrientation(), Orientation{value});
+    } else {
+      ASSERT_TRUE(test::Throws<std::invalid_argument>([=] { (void)CubeSpace(value).GetAsOrientation(); },
+                                                      no_orientation))
+          << value;
+    }
+  }
+}
+
+TEST(CubeSpace, IsAPlaneWhenTwoBitsAreSet) {
+  for (unsigned int const value : GetValues()) {
+    if (std::popcount(value) == 2) {
+      ASSERT_EQ(CubeSpace(value).GetAsPlane(), Plane{value});
+    } else {
+      ASSERT_TRUE(test::Throws<std::invalid_argument>([=] { (void)CubeSpace(value).GetAsPlane(); }, no_plane))
+          << value;
+    }
+  }
+}
+
+TEST(CubeSpace, NothingAndEverythingAreNeither) {
+  for (unsigned int const value : {0U, 7U}) {
+    EXPECT_TRUE(test::Throws<std::invalid_argument>([=] { (void)CubeSpace(value).GetAsOrientation(); },
+                                                    no_orientation));
+    EXPECT_TRUE(test::Throws<std::invalid_argument>([=] { (void)CubeSpace(value).GetAsPlane(); }, no_plane));
+  }
+}
+
+TEST(CubeSpace, ABitAboveTheAxesCounts) { EXPECT_EQ(CubeSpace(9).GetAsPlane(), Plane{9}); }
+
+TEST(CubeSpace, ThePerpendicularPlaneIsTheRestOfTheAxes) {
+  EXPECT_EQ(GetPerpendicularPlane(AxisX), Plane{6});
+  EXPECT_EQ(GetPerpendicularPlane(AxisY), Plane{5});
+  EXPECT_EQ(GetPerpendicularPlane(AxisZ), Plane{3});
+  for (unsigned int const value : GetValues()) {
+    ASSERT_EQ(GetPerpendicularPlane(Orientation{value}), Plane{7 - value % 8});
+  }
+}
+
+TEST(CubeSpace, TheNormalIsTheAxisThatIsLeft) {
+  EXPECT_EQ(GetNormalOrientation(Plane{6}), AxisX);
+  EXPECT_EQ(GetNormalOrientation(Plane{5}), AxisY);
+  EXPECT_EQ(GetNormalOrientation(Plane{3}), AxisZ);
+  for (unsigned int const value : GetValues()) {
+    unsigned int const rest = 7 - value % 8;
+    if (rest == 1 || rest == 2 || rest == 4) {
+      ASSERT_EQ(GetNormalOrientation(Plane{value}), Orientation{rest});
+    } else {
+      ASSERT_TRUE(test::Throws<std::invalid_argument>([=] { (void)GetNormalOrientation(Plane{value}); },
+                                                      no_orientation))
+          << value;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace lum
