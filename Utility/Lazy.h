@@ -10,35 +10,33 @@
 
 namespace lum {
 
-/// A value that is made by a factory on the first request, once, and handed out unchanged afterwards. Its end
-/// destroys the factory, then the value if it was made.
+/// A value that a factory creates on the first request. Every later request returns the same value. The
+/// destructor destroys the factory, then the value if there is one.
 ///
-/// Thread safety: `GetValue` may be called from any number of threads. One of them runs the factory while
-/// the others wait; afterwards a call costs one acquire load. A factory that asks its own Lazy for the value
-/// deadlocks.
+/// Thread safety: any number of threads may request the value. One of them runs the factory while the others
+/// wait; later calls cost one acquire load. A factory that requests the value of its own Lazy deadlocks.
 ///
-/// A Lazy given a plain function is constant-initialised (`constinit`): it works before any dynamic
-/// initialisation has run, which is what lets values at namespace scope be built in any link order.
+/// A Lazy with a plain function is constant-initialised (`constinit`). It works before any dynamic
+/// initialisation has run, so values at namespace scope can be constructed in any link order.
 ///
 /// \tparam T  the value
 template <class T>
 class Lazy {
  public:
-  /// \param i_function the factory; an empty one throws `std::invalid_argument`.
+  /// \param i_function  the factory; an empty one throws `std::invalid_argument`
   explicit Lazy(std::function<T()> i_function);
 
-  /// \param i_function the factory: a plain function, by its name. Pointers and lambdas go to the constructor
-  /// above.
+  /// \param i_function  the factory: the name of a plain function. The constructor above takes function
+  /// pointers and lambdas.
   constexpr explicit Lazy(T (&i_function)()) noexcept : mp_function(&i_function) {}
 
   Lazy(Lazy const&) = delete;
   Lazy& operator=(Lazy const&) = delete;
 
-  /// The value, made on the first call.
-  ///
-  /// What the factory throws passes out and nothing is recorded: the next call runs the factory again.
+  /// The value, created on the first call. Passes on what the factory throws; the next call runs the factory
+  /// again then.
   T const& GetValue() const;
-  /// The value if it has been made, null otherwise.
+  /// The value if it has been created, null otherwise.
   T const* GetValueIfCreated() const noexcept {
     return m_is_created.load(std::memory_order_acquire) ? &*m_value : nullptr;
   }
@@ -46,17 +44,17 @@ class Lazy {
  private:
   T const& CreateValue() const;
 
-  // Written once, under m_mutex, by a release store after m_value is in place. A thread whose acquire load
-  // reads true therefore sees the whole value without the lock.
+  // Written once, under m_mutex, by a release store after m_value. A thread whose acquire load reads true
+  // sees the whole value without the lock.
   mutable std::atomic<bool> m_is_created{false};
-  // Written only under m_mutex and only before m_is_created is true; read-only afterwards. Declared before
-  // the factory, so destroyed after it.
+  // Written under m_mutex before m_is_created is true, and read-only afterwards. Declared before the factory,
+  // and so destroyed after it.
   mutable optional<T> m_value;
-  // Never written after construction. Exactly one of the two is set: a std::function has no constexpr
-  // constructor, so a plain function is kept beside it.
+  // Never written after construction. Exactly one of the two is set. A std::function has no constexpr
+  // constructor, so a plain function has its own member.
   T (*mp_function)() = nullptr;
   optional<std::function<T()>> m_function;
-  // Guards the making of m_value: held while the factory runs, so that it runs once.
+  // Guards the creation of m_value. Held while the factory runs, so that it runs once.
   mutable std::mutex m_mutex;
 };
 

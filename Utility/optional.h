@@ -12,17 +12,18 @@ namespace lum {
 
 /// Tag type of `nullopt`. It has no default constructor, so that `optional<T> o = {}` is not ambiguous.
 struct nullopt_t {
-  explicit constexpr nullopt_t(int) noexcept {}  ///< For `nullopt`; the number means nothing.
+  explicit constexpr nullopt_t(int) noexcept {}  ///< For `nullopt`. The number has no meaning.
 };
 
-/// The empty `optional`. Every translation unit holds its own copy; it carries no state.
+/// The empty `optional`. Every translation unit has its own copy, which has no state.
 constexpr nullopt_t nullopt{0};
 
 /// A value of T or nothing, with the names of `std::optional`.
 ///
-/// Holds the value in place and allocates nothing. An operation of T that throws leaves the optional as that
-/// operation left the value, and empty where the value was being replaced by `emplace`. Distinct objects may
-/// be used on different threads; one object needs outside synchronisation as soon as one thread writes it.
+/// The value is stored in place; nothing is allocated. If an assignment of T throws, the optional keeps its
+/// value in the state that the assignment left. If a construction of T throws, the optional is empty.
+///
+/// Thread safety: an optional must not be written while another thread uses it.
 ///
 /// \tparam T  the value, an object type
 template <class T>
@@ -32,33 +33,32 @@ class optional {
 
   constexpr optional() noexcept : m_nothing{} {}           ///< Empty.
   constexpr optional(nullopt_t) noexcept : m_nothing{} {}  ///< Empty.
-  /// From whatever makes a T; implicit where that is.
+  /// A value that is constructed from i_value. Implicit if the conversion to T is.
   template <class U = T>
   requires(!std::same_as<std::remove_cvref_t<U>, optional<T>> &&
            !std::same_as<std::remove_cvref_t<U>, std::in_place_t> &&
            std::constructible_from<T, U>) constexpr explicit(!std::is_convertible_v<U, T>)
       optional(U&& i_value)
       : m_value(std::forward<U>(i_value)), m_is_engaged(true) {}
-  /// Builds the value from the arguments.
+  /// A value that is constructed from the arguments.
   template <class... Arguments>
   requires std::constructible_from<T, Arguments...>
   constexpr explicit optional(std::in_place_t, Arguments&&... i_arguments)
       : m_value(std::forward<Arguments>(i_arguments)...), m_is_engaged(true) {}
 
   constexpr optional(optional const& i_other);  ///< Copies the value, if there is one.
-  /// Moves the value, if there is one; the other optional keeps what the move leaves.
+  /// Moves the value, if there is one. The other optional keeps its moved-from value.
   constexpr optional(optional&& i_other) noexcept(std::is_nothrow_move_constructible_v<T>);
   constexpr ~optional() { reset(); }
 
-  constexpr optional& operator=(nullopt_t) noexcept;  ///< Empties.
+  constexpr optional& operator=(nullopt_t) noexcept;  ///< Destroys the value, if there is one.
   ///@{
-  /// Assigns to the value where both have one; otherwise builds or destroys it.
+  /// Assigns the value if both optionals have one; otherwise constructs or destroys it.
   constexpr optional& operator=(optional const& i_other);
   constexpr optional& operator=(optional&& i_other) noexcept(
       std::is_nothrow_move_constructible_v<T>&& std::is_nothrow_move_assignable_v<T>);
   ///@}
-  /// Takes part for whatever assigns a T, but not for `{}` given to a scalar: `o = {}` empties every
-  /// optional.
+  /// Assigns or constructs the value. Not for `{}`: `o = {}` empties an optional of a scalar too.
   template <class U = T>
   requires(!std::same_as<std::remove_cvref_t<U>, optional<T>> && std::constructible_from<T, U> &&
            std::is_assignable_v<T&, U> &&
@@ -75,7 +75,7 @@ class optional {
   ///@}
 
   ///@{
-  /// The value, unchecked: undefined for an empty optional.
+  /// The value. Undefined for an empty optional.
   constexpr T& operator*() & noexcept { return m_value; }
   constexpr T const& operator*() const& noexcept { return m_value; }
   constexpr T&& operator*() && noexcept { return std::move(m_value); }
@@ -84,20 +84,20 @@ class optional {
   ///@}
 
   ///@{
-  /// The value; an empty optional throws `std::bad_optional_access`.
+  /// The value. An empty optional throws `std::bad_optional_access`.
   constexpr T& value() &;
   constexpr T const& value() const&;
   constexpr T&& value() &&;
   ///@}
 
-  /// The value, or `i_default` converted to T for an empty optional.
+  /// A copy of the value, or `i_default` converted to T if there is none.
   template <class U>
   constexpr T value_or(U&& i_default) const&;
-  /// The same, moving the value out.
+  /// The value, moved, or `i_default` converted to T if there is none.
   template <class U>
   constexpr T value_or(U&& i_default) &&;
 
-  /// Destroys the value, if there is one, and builds a new one from the arguments.
+  /// Destroys the value, if there is one, and constructs a new one from the arguments.
   template <class... Arguments>
   constexpr T& emplace(Arguments&&... i_arguments);
   constexpr void reset() noexcept;          ///< Destroys the value, if there is one.

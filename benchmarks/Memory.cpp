@@ -12,7 +12,7 @@
 
 namespace {
 
-using Object = lum::MatrixObject<float>;
+using Object = lum::Matrix<float>::Object;
 
 // In bytes, of all pages that the process holds.
 long GetResidentSize() {

@@ -25,7 +25,7 @@
 namespace lum::bench {
 namespace {
 
-using Object = MatrixObject<float>;
+using Object = Matrix<float>::Object;
 
 #ifdef WITH_BOOST
 struct PoolTag {};

@@ -58,6 +58,7 @@ function(lum_add_library target)
            "${PROJECT_SOURCE_DIR}/geometry/Range.h"
            "${PROJECT_SOURCE_DIR}/geometry/RootFinding.h"
            "${PROJECT_SOURCE_DIR}/geometry/internal/SingleThread.h"
+           "${PROJECT_SOURCE_DIR}/geometry/TransformArrays.h"
            "${PROJECT_SOURCE_DIR}/geometry/TrilinearInterpolation.h"
            "${PROJECT_SOURCE_DIR}/geometry/Vector.h")
   target_compile_features(${target} PUBLIC cxx_std_20)

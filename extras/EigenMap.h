@@ -155,7 +155,7 @@ template <internal::IsTransform Source, internal::IsTransform Inverse>
 requires std::same_as<typename Source::Scalar, typename Inverse::Scalar>
 auto FromEigen(Source const& i_transform, Inverse const& i_inverse) {
   using T = typename Source::Scalar;
-  auto [transform, inverse] = CreateTwoGlobalObjects<MatrixObject<T>>();
+  auto [transform, inverse] = CreateTwoGlobalObjects<typename Matrix<T>::Object>();
   internal::CopyValues(i_transform, transform->data());
   internal::CopyValues(i_inverse, inverse->data());
   return Matrix<T>(std::move(transform), std::move(inverse));

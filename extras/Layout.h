@@ -77,7 +77,7 @@ std::array<T, 16> ToRowMajor(Matrix<T> const& i_matrix) {
 /// From x, y, z, w, the library's own order; `Quaternionf::GetCoefficients` gives it back. Never a known
 /// identity, and not normalised.
 inline Quaternionf QuaternionFromWLast(std::span<float const, 4> i_xyzw) {
-  auto handle = CreateGlobalObject<QuaternionObject>();
+  auto handle = CreateGlobalObject<Quaternionf::Object>();
   std::copy(i_xyzw.begin(), i_xyzw.end(), handle->coeffs().data());
   return Quaternionf(std::move(handle));
 }

@@ -10,9 +10,9 @@
 
 /// Identifiers of the eight canonical elements of the cube.
 ///
-/// A canonical element is an element with its position forgotten: the axes along which it extends.
+/// A canonical element is an element without its position: the set of axes along which it extends.
 ///
-///     bit    2   1   0          value    what it names
+///     bit    2   1   0          value    element
 ///          +---+---+---+        0        the vertex
 ///          | z | y | x |        1, 2, 4  an edge, by its axis
 ///          +---+---+---+        3, 5, 6  a face, by the two axes that it spans
@@ -36,8 +36,8 @@ namespace lum {
 
 /// A canonical element of any dimension, with checked conversions to edge and face.
 ///
-/// A plain value. Making one checks nothing; the conversions count the bits of the whole value and look at
-/// nothing else. Safe from any thread.
+/// A plain value, safe from any thread. Construction checks nothing. The conversions check the number of set
+/// bits of the whole value and nothing else.
 class CanonicalCubeElement {
  public:
   ///@{
@@ -52,7 +52,7 @@ class CanonicalCubeElement {
   constexpr CanonicalCubeElement(CanonicalCubeElementIds::CanonicalCube i_cube) noexcept
       : m_index(static_cast<unsigned int>(i_cube)) {}
   ///@}
-  /// Forgets where the element lies.
+  /// From an element, without its position.
   explicit constexpr CanonicalCubeElement(CubeElement i_element) noexcept
       : m_index(i_element.GetIndex() >> 3) {}
 
@@ -65,7 +65,7 @@ class CanonicalCubeElement {
   /// Throws `std::invalid_argument` unless exactly two bits are set.
   constexpr CanonicalCubeElementIds::CanonicalFace GetAsFace() const;
 
-  /// By value.
+  /// Compares the values.
   friend constexpr auto operator<=>(CanonicalCubeElement const&,
                                     CanonicalCubeElement const&) noexcept = default;
 
@@ -91,8 +91,8 @@ constexpr CanonicalCubeElementIds::CanonicalFace CanonicalCubeElement::GetAsFace
 class CanonicalEdgeIterator
     : public internal::IndexIterator<CanonicalEdgeIterator, CanonicalCubeElementIds::CanonicalEdge> {
  public:
-  constexpr CanonicalEdgeIterator() noexcept = default;  ///< At the first of three.
-  /// At the first of three, or behind the last.
+  constexpr CanonicalEdgeIterator() noexcept = default;  ///< At the first of the three.
+  /// At the element of an index from 0 to 3; 3 is the end.
   explicit constexpr CanonicalEdgeIterator(bool i_end) noexcept : IndexIterator(i_end ? 3 : 0) {}
 
   /// The element, computed.
@@ -100,7 +100,7 @@ class CanonicalEdgeIterator
     return CanonicalCubeElementIds::CanonicalEdge{internal::ShiftLeft(1, GetIndex())};
   }
 
-  /// By index.
+  /// Compares the indices.
   friend constexpr auto operator<=>(CanonicalEdgeIterator const&,
                                     CanonicalEdgeIterator const&) noexcept = default;
 };
@@ -109,8 +109,8 @@ class CanonicalEdgeIterator
 class CanonicalFaceIterator
     : public internal::IndexIterator<CanonicalFaceIterator, CanonicalCubeElementIds::CanonicalFace> {
  public:
-  constexpr CanonicalFaceIterator() noexcept = default;  ///< At the first of three.
-  /// At the first of three, or behind the last.
+  constexpr CanonicalFaceIterator() noexcept = default;  ///< At the first of the three.
+  /// At the element of an index from 0 to 3; 3 is the end.
   explicit constexpr CanonicalFaceIterator(bool i_end) noexcept : IndexIterator(i_end ? 3 : 0) {}
 
   /// The element, computed.
@@ -118,19 +118,19 @@ class CanonicalFaceIterator
     return CanonicalCubeElementIds::CanonicalFace{internal::ShiftLeft(1, GetIndex()) ^ 7U};
   }
 
-  /// By index.
+  /// Compares the indices.
   friend constexpr auto operator<=>(CanonicalFaceIterator const&,
                                     CanonicalFaceIterator const&) noexcept = default;
 };
 
-/// The three canonical edges in the order of their axes: 1, 2, 4. Nothing is checked; `IndexOf` a value from
-/// outside gives some number. Iterators outlive it; both are safe from any thread.
+/// The three canonical edges in the order of their axes: 1, 2, 4. Nothing is checked; `IndexOf` of any other
+/// value is unspecified. Iterators may outlive the range; both are safe from any thread.
 class CanonicalEdgeIterable {
  public:
-  using Iterator = CanonicalEdgeIterator;  ///< Its iterator.
+  using Iterator = CanonicalEdgeIterator;  ///< The iterator of the range.
 
   ///@{
-  /// A standard random access range of 3; indices are not checked.
+  /// A random access range of 3 elements. Indices are not checked.
   static constexpr unsigned long size() noexcept { return 3; }
   constexpr Iterator begin() const noexcept { return Iterator(false); }
   constexpr Iterator end() const noexcept { return Iterator(true); }
@@ -138,20 +138,20 @@ class CanonicalEdgeIterable {
     return *(begin() + static_cast<Iterator::difference_type>(i_index));
   }
   ///@}
-  /// The index of an edge: the number of its axis.
+  /// The index of an edge, which is the number of its axis.
   static constexpr unsigned long IndexOf(CanonicalCubeElementIds::CanonicalEdge i_edge) noexcept {
     return static_cast<unsigned int>(i_edge) >> 1;
   }
 };
 
-/// The three canonical faces, each by the axis that it does not span: 6, 5, 3. Nothing is checked; `IndexOf`
-/// a value from outside gives some number. Iterators outlive it; both are safe from any thread.
+/// The three canonical faces in the order of their normals: 6, 5, 3. Nothing is checked; `IndexOf` of any
+/// other value is unspecified. Iterators may outlive the range; both are safe from any thread.
 class CanonicalFaceIterable {
  public:
-  using Iterator = CanonicalFaceIterator;  ///< Its iterator.
+  using Iterator = CanonicalFaceIterator;  ///< The iterator of the range.
 
   ///@{
-  /// A standard random access range of 3; indices are not checked.
+  /// A random access range of 3 elements. Indices are not checked.
   static constexpr unsigned long size() noexcept { return 3; }
   constexpr Iterator begin() const noexcept { return Iterator(false); }
   constexpr Iterator end() const noexcept { return Iterator(true); }
@@ -159,7 +159,7 @@ class CanonicalFaceIterable {
     return *(begin() + static_cast<Iterator::difference_type>(i_index));
   }
   ///@}
-  /// The index of a face: the number of the axis that it does not span.
+  /// The index of a face, which is the number of its normal.
   static constexpr unsigned long IndexOf(CanonicalCubeElementIds::CanonicalFace i_face) noexcept {
     return (static_cast<unsigned int>(i_face) >> 1) ^ 3U;
   }

@@ -10,13 +10,13 @@
 #include "geometry/internal/IndexIterator.h"
 
 /// \file
-/// The edges of the cube, all or those along one axis, or of one of its faces, as random access ranges.
+/// The edges of the cube, of the cube along one axis, and of a face, as random access ranges.
 ///
-/// No tables: an edge is computed from its index i in the range. Its layout is
+/// An edge is computed from its index i in the range, without tables. Its layout is
 ///
 ///     bit    5   4   3   2   1   0
 ///          +---+---+---+---+---+---+
-///          | z | y | x | z | y | x |      its axis o, then the vertex where it starts
+///          | z | y | x | z | y | x |      its axis o, then its start vertex
 ///          +---+---+---+---+---+---+
 ///
 ///     of the cube          o << 3 | rot(i & 3, k + 1)      k = i >> 2 numbers the axis, o = 1 << k
@@ -24,11 +24,12 @@
 ///     of a face f          o << 3 | ((f & 7) ^ offset)     o = rot(n, s), offset = rot(i & 1 ? n : 0, s ^ 3)
 ///                                                          with n the normal axis and s = (i >> 1) + 1
 ///
-/// where rot turns three bits cyclically. So a face of normal n lists two edges along rot(n, 1), at its base
-/// and shifted along rot(n, 2), and then two along rot(n, 2), at its base and shifted along rot(n, 1).
+/// where rot rotates three bits cyclically. So the range of a face with normal n has two edges along rot(n,
+/// 1), at its base and shifted along rot(n, 2), and then two along rot(n, 2), at its base and shifted along
+/// rot(n, 1).
 ///
-/// Iterators and iterables are small values: iterators outlive their iterable, and all are safe from any
-/// thread. `IndexOf` an element from outside gives some number.
+/// Iterators and ranges are small values, safe from any thread. Iterators may outlive their range. `IndexOf`
+/// of an element that is not in the range is unspecified.
 namespace lum {
 
 /// \tparam ContainingElement  `CubeElementIds::Cube` or `Face`
@@ -37,7 +38,7 @@ class CubeEdgeIterator;
 template <class ContainingElement>
 class CubeEdgeIterable;
 
-/// Over edges of the cube.
+/// Iterates over edges of the cube.
 template <>
 class CubeEdgeIterator<CubeElementIds::Cube>
     : public internal::IndexIterator<CubeEdgeIterator<CubeElementIds::Cube>, CubeElementIds::Edge> {
@@ -56,7 +57,7 @@ class CubeEdgeIterator<CubeElementIds::Cube>
     return CubeElementIds::Edge{(orientation << 3) | start};
   }
 
-  /// By index, then by context.
+  /// Compares the indices, then the containing elements.
   friend constexpr auto operator<=>(CubeEdgeIterator const&, CubeEdgeIterator const&) noexcept = default;
 
  private:
@@ -68,13 +69,13 @@ class CubeEdgeIterator<CubeElementIds::Cube>
   CubeSpace m_space = CubeSpaceIds::VolumeXYZ;
 };
 
-/// Over edges of a face.
+/// Iterates over the edges of a face.
 template <>
 class CubeEdgeIterator<CubeElementIds::Face>
     : public internal::IndexIterator<CubeEdgeIterator<CubeElementIds::Face>, CubeElementIds::Edge> {
  public:
   constexpr CubeEdgeIterator() noexcept = default;
-  /// At the first of the face's four, or behind the last.
+  /// At the edge of an index from 0 to 4; 4 is the end.
   constexpr CubeEdgeIterator(CubeElementIds::Face i_face, bool i_end) noexcept
       : IndexIterator(i_end ? 4 : 0), m_face(i_face) {}
 
@@ -89,7 +90,7 @@ class CubeEdgeIterator<CubeElementIds::Face>
     return CubeElementIds::Edge{(orientation << 3) | ((face & 7U) ^ offset)};
   }
 
-  /// By index, then by context.
+  /// Compares the indices, then the containing elements.
   friend constexpr auto operator<=>(CubeEdgeIterator const&, CubeEdgeIterator const&) noexcept = default;
 
  private:
@@ -98,20 +99,20 @@ class CubeEdgeIterator<CubeElementIds::Face>
 
 /// All 12 edges, four along each axis, x first; or the four along one axis.
 ///
-/// `size`, `begin`, `end` and `operator[]` throw `std::invalid_argument` when the space given is neither one
-/// axis nor all three: the number of its bits is looked at, not which they are. `IndexOf` does not check it.
+/// `size`, `begin`, `end` and `operator[]` throw `std::invalid_argument` if the number of set bits of the
+/// space is neither 1 nor 3. `IndexOf` does not check the space.
 template <>
 class CubeEdgeIterable<CubeElementIds::Cube> {
  public:
-  using Iterator = CubeEdgeIterator<CubeElementIds::Cube>;  ///< Its iterator.
+  using Iterator = CubeEdgeIterator<CubeElementIds::Cube>;  ///< The iterator of the range.
 
   constexpr CubeEdgeIterable() noexcept = default;
-  /// Those along this axis, which is checked when it is used.
+  /// The edges along this axis, which is checked on use.
   explicit constexpr CubeEdgeIterable(CubeSpaceIds::Orientation i_orientation) noexcept
       : m_space(i_orientation) {}
 
   ///@{
-  /// A standard random access range of 12 or 4; indices are not checked.
+  /// A random access range of 12 or 4 elements. Indices are not checked.
   constexpr unsigned long size() const { return IsWholeCube() ? 12 : 4; }
   constexpr Iterator begin() const { return At(false); }
   constexpr Iterator end() const { return At(true); }
@@ -119,7 +120,7 @@ class CubeEdgeIterable<CubeElementIds::Cube> {
     return *(begin() + static_cast<Iterator::difference_type>(i_index));
   }
   ///@}
-  /// The index of an edge, among all or among those along its axis.
+  /// The index of an edge, among all edges or among those along its axis.
   constexpr unsigned long IndexOf(CubeElementIds::Edge i_edge) const noexcept {
     auto const edge = static_cast<unsigned int>(i_edge);
     unsigned int const axis = (edge >> 4) & 3U;
@@ -142,17 +143,17 @@ class CubeEdgeIterable<CubeElementIds::Cube> {
   CubeSpace m_space = CubeSpaceIds::VolumeXYZ;
 };
 
-/// The four of a face, two along each of its axes.
+/// The four edges of a face, two along each of its axes.
 template <>
 class CubeEdgeIterable<CubeElementIds::Face> {
  public:
-  using Iterator = CubeEdgeIterator<CubeElementIds::Face>;  ///< Its iterator.
+  using Iterator = CubeEdgeIterator<CubeElementIds::Face>;  ///< The iterator of the range.
 
-  /// Of this face, taken as it is.
+  /// Of this face, which is not checked.
   explicit constexpr CubeEdgeIterable(CubeElementIds::Face i_face) noexcept : m_face(i_face) {}
 
   ///@{
-  /// A standard random access range of 4; indices are not checked.
+  /// A random access range of 4 elements. Indices are not checked.
   static constexpr unsigned long size() noexcept { return 4; }
   constexpr Iterator begin() const noexcept { return {m_face, false}; }
   constexpr Iterator end() const noexcept { return {m_face, true}; }

@@ -6,9 +6,9 @@
 
 namespace lum {
 
-/// An element of the unit cube of any dimension; the layout of its value is drawn in CubeElementIds.h.
+/// An element of the unit cube of any dimension. CubeElementIds.h draws the layout of its value.
 ///
-/// A plain value. Making one checks nothing. Safe from any thread.
+/// A plain value, safe from any thread. Construction checks nothing.
 class CubeElement {
  public:
   ///@{
@@ -24,7 +24,7 @@ class CubeElement {
   /// The value.
   constexpr unsigned int GetIndex() const noexcept { return m_index; }
 
-  /// By value.
+  /// Compares the values.
   friend constexpr auto operator<=>(CubeElement const&, CubeElement const&) noexcept = default;
 
  private:

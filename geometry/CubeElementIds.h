@@ -6,7 +6,7 @@
 
 /// Identifiers of the 27 elements of the unit cube: 8 vertices, 12 edges, 6 faces and the cube itself.
 ///
-/// All share one layout of bits:
+/// They share one bit layout:
 ///
 ///     bit    31      6   5   4   3   2   1   0
 ///          +----...----+---+---+---+---+---+---+
@@ -14,8 +14,8 @@
 ///          +----...----+---+---+---+---+---+---+
 ///                       free axes   position
 ///
-/// The free axes are those along which the element extends: a space as in CubeSpaceIds.h, none for a vertex.
-/// The position holds the coordinate, 0 or 1, along each axis that is not free, and 0 along each that is.
+/// The free axes are the axes along which the element extends: a space as in CubeSpaceIds.h, or none for a
+/// vertex. The position is the coordinate, 0 or 1, along each other axis, and 0 along each free axis.
 ///
 ///     free axes              element >> 3
 ///     position               element & 7
@@ -23,11 +23,11 @@
 ///     element                (free axes << 3) | position
 ///     free axes & position   0
 ///
-/// So the position of an edge is the vertex at which it starts; the other end is that plus the edge's
-/// orientation. The position of a face is 0, or its normal axis when the face lies at coordinate 1. The
-/// number of an edge's axis is edge >> 4, as its orientation is edge >> 3.
+/// So the position of an edge is its start vertex, and its end vertex is the start plus its orientation. The
+/// position of a face is 0 if the face lies at coordinate 0, and its normal if it lies at coordinate 1. The
+/// orientation of an edge is edge >> 3, and the number of its axis is edge >> 4.
 ///
-/// The identifiers are plain values. Making one from a number checks nothing; what needs a valid one checks.
+/// The identifiers are plain values, safe from any thread. Conversion from a number checks nothing.
 namespace lum::CubeElementIds {
 
 /// 0 to 7: bit k is the coordinate along axis k.
@@ -40,7 +40,7 @@ enum class Face : unsigned int {};
 enum class Cube : unsigned int {};
 
 ///@{
-/// A vertex, named by its value.
+/// The vertices, named by their values.
 inline constexpr Vertex Vertex0{0};
 inline constexpr Vertex Vertex1{1};
 inline constexpr Vertex Vertex2{2};
@@ -52,7 +52,7 @@ inline constexpr Vertex Vertex7{7};
 ///@}
 
 ///@{
-/// An edge, named by the vertices that it joins.
+/// The edges, named by the vertices that they join.
 inline constexpr Edge Edge01{8};
 inline constexpr Edge Edge23{10};
 inline constexpr Edge Edge45{12};
@@ -68,7 +68,7 @@ inline constexpr Edge Edge37{35};
 ///@}
 
 ///@{
-/// A face, named by its normal axis and its coordinate along it.
+/// The faces, named by their normal and their coordinate along it.
 inline constexpr Face FaceX0{48};
 inline constexpr Face FaceX1{49};
 inline constexpr Face FaceY0{40};
@@ -80,8 +80,7 @@ inline constexpr Face FaceZ1{28};
 inline constexpr Cube WholeCube{56};  ///< The cube itself.
 
 ///@{
-/// Writes the type, " with value: " and the value as an unsigned number, like "CubeElementIds::Edge with
-/// value: 17", without a newline.
+/// Prints the type and the value, for example "CubeElementIds::Edge with value: 17", without a newline.
 LUM_EXPORT std::ostream& operator<<(std::ostream& io_stream, Vertex i_vertex);
 LUM_EXPORT std::ostream& operator<<(std::ostream& io_stream, Edge i_edge);
 LUM_EXPORT std::ostream& operator<<(std::ostream& io_stream, Face i_face);

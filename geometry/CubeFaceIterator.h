@@ -10,9 +10,9 @@
 #include "geometry/internal/IndexIterator.h"
 
 /// \file
-/// The faces of the cube, all six or the two across one axis, as random access ranges.
+/// The faces of the cube, all six or the two with a given normal, as random access ranges.
 ///
-/// No tables: a face is computed from its index i in the range. Its layout is
+/// A face is computed from its index i in the range, without tables. Its layout is
 ///
 ///     bit    5   4   3   2   1   0
 ///          +---+---+---+---+---+---+
@@ -20,12 +20,12 @@
 ///          +---+---+---+---+---+---+
 ///
 ///     of the cube          (n << 3 ^ 56) | (i & 1) << k      k = i >> 1 numbers the normal axis, n = 1 << k
-///     across one axis n    (n << 3 ^ 56) | (i & 1) << k      k = n >> 1
+///     with a normal n      (n << 3 ^ 56) | (i & 1) << k      k = n >> 1
 ///
-/// So even indices give the face at coordinate 0 along the normal, odd ones the face at coordinate 1.
+/// So an even index gives the face at coordinate 0 along the normal, and an odd index the face at
+/// coordinate 1.
 ///
-/// Iterators and iterables are small values: iterators outlive their iterable, and all are safe from any
-/// thread.
+/// Iterators and ranges are small values, safe from any thread. Iterators may outlive their range.
 namespace lum {
 
 /// \tparam ContainingElement  `CubeElementIds::Cube`
@@ -34,7 +34,7 @@ class CubeFaceIterator;
 template <class ContainingElement>
 class CubeFaceIterable;
 
-/// Over faces of the cube.
+/// Iterates over faces of the cube.
 template <>
 class CubeFaceIterator<CubeElementIds::Cube>
     : public internal::IndexIterator<CubeFaceIterator<CubeElementIds::Cube>, CubeElementIds::Face> {
@@ -42,19 +42,19 @@ class CubeFaceIterator<CubeElementIds::Cube>
   constexpr CubeFaceIterator() noexcept = default;
   /// Over all six faces.
   explicit constexpr CubeFaceIterator(bool i_end) noexcept : IndexIterator(i_end ? 6 : 0) {}
-  /// Over the two that span a plane.
+  /// Over the two faces that span a plane.
   constexpr CubeFaceIterator(CubeSpaceIds::Plane i_plane, bool i_end) noexcept
       : IndexIterator(i_end ? 2 : 0), m_space(i_plane) {}
 
-  /// The face, computed. Throws `std::invalid_argument` for two bits that are no plane, as
-  /// `GetNormalOrientation` does.
+  /// The face, computed. Throws `std::invalid_argument`, like `GetNormalOrientation`, if the two set bits are
+  /// not a plane.
   constexpr CubeElementIds::Face operator*() const {
     auto const normal = static_cast<unsigned int>(GetNormal());
     unsigned int const position = internal::ShiftLeft(GetIndex() & 1U, internal::GetAxisNumber(normal));
     return CubeElementIds::Face{((normal << 3) ^ 56U) | position};
   }
 
-  /// By index, then by context.
+  /// Compares the indices, then the spaces.
   friend constexpr auto operator<=>(CubeFaceIterator const&, CubeFaceIterator const&) noexcept = default;
 
  private:
@@ -66,22 +66,22 @@ class CubeFaceIterator<CubeElementIds::Cube>
   CubeSpace m_space = CubeSpaceIds::VolumeXYZ;
 };
 
-/// All six faces, two across each axis, x first; or the two across one axis.
+/// All six faces, two for each normal, x first; or the two faces with one normal.
 ///
-/// `size`, `begin`, `end` and `operator[]` throw `std::invalid_argument` when what the axis leaves of the
-/// three is neither a plane nor all of them; `IndexOf` does not check it.
+/// `size`, `begin`, `end` and `operator[]` throw `std::invalid_argument` if the space perpendicular to the
+/// given axis is neither a plane nor the volume. `IndexOf` does not check the axis.
 template <>
 class CubeFaceIterable<CubeElementIds::Cube> {
  public:
-  using Iterator = CubeFaceIterator<CubeElementIds::Cube>;  ///< Its iterator.
+  using Iterator = CubeFaceIterator<CubeElementIds::Cube>;  ///< The iterator of the range.
 
   constexpr CubeFaceIterable() noexcept = default;
-  /// The faces whose normal is this axis.
+  /// The two faces with this normal.
   explicit constexpr CubeFaceIterable(CubeSpaceIds::Orientation i_normal) noexcept
       : m_space(GetPerpendicularPlane(i_normal)) {}
 
   ///@{
-  /// A standard random access range of 6 or 2; indices are not checked.
+  /// A random access range of 6 or 2 elements. Indices are not checked.
   constexpr unsigned long size() const { return IsWholeCube() ? 6 : 2; }
   constexpr Iterator begin() const { return At(false); }
   constexpr Iterator end() const { return At(true); }
@@ -89,10 +89,10 @@ class CubeFaceIterable<CubeElementIds::Cube> {
     return *(begin() + static_cast<Iterator::difference_type>(i_index));
   }
   ///@}
-  /// The index of a face, among all or across its axis.
+  /// The index of a face, among all faces or among those with its normal.
   ///
-  /// Throws `std::invalid_argument` for an element whose free axes are not a plane; a face from outside gives
-  /// some number.
+  /// Throws `std::invalid_argument` if the free axes of the element are not a plane. Unspecified for a face
+  /// that is not in the range.
   constexpr unsigned long IndexOf(CubeElementIds::Face i_face) const {
     auto const face = static_cast<unsigned int>(i_face);
     auto const normal =

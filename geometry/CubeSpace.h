@@ -8,15 +8,15 @@
 
 namespace lum {
 
-/// A set of the cube's axes of any size, with checked conversions to the identifiers of each size.
+/// A set of the cube's axes, with checked conversions to the identifiers of each size.
 ///
 ///     bit    2   1   0
 ///          +---+---+---+
 ///          | z | y | x |      one bit set: an orientation, two: a plane, three: the volume
 ///          +---+---+---+
 ///
-/// A plain value. Making one checks nothing; the conversions count the bits of the whole value and look at
-/// nothing else, so 9 passes for a plane. Safe from any thread.
+/// A plain value, safe from any thread. Construction checks nothing. The conversions check the number of set
+/// bits of the whole value and nothing else, so 9 converts to a plane.
 class CubeSpace {
  public:
   ///@{
@@ -37,7 +37,7 @@ class CubeSpace {
   /// Throws `std::invalid_argument` unless exactly two bits are set.
   constexpr CubeSpaceIds::Plane GetAsPlane() const;
 
-  /// By value.
+  /// Compares the bits.
   friend constexpr auto operator<=>(CubeSpace const&, CubeSpace const&) noexcept = default;
 
  private:
@@ -58,13 +58,13 @@ constexpr CubeSpaceIds::Plane CubeSpace::GetAsPlane() const {
   return CubeSpaceIds::Plane{m_index};
 }
 
-/// The two axes that an orientation leaves out.
+/// The plane of the two other axes.
 constexpr CubeSpaceIds::Plane GetPerpendicularPlane(CubeSpaceIds::Orientation i_orientation) noexcept {
   return CubeSpaceIds::Plane{~static_cast<unsigned int>(i_orientation) & 7U};
 }
 
-/// The axis that a plane leaves out, looking at its low three bits; throws `std::invalid_argument`, as
-/// `GetAsOrientation` does, when they leave out none or several.
+/// The one axis that is not among the low three bits of a plane. Throws `std::invalid_argument`, like
+/// `GetAsOrientation`, if there is none or more than one.
 constexpr CubeSpaceIds::Orientation GetNormalOrientation(CubeSpaceIds::Plane i_plane) {
   return CubeSpace((static_cast<unsigned int>(i_plane) & 7U) ^ 7U).GetAsOrientation();
 }

@@ -7,9 +7,10 @@
 #include "geometry/internal/IndexIterator.h"
 
 /// \file
-/// The vertices of the cube, of one of its faces or of one of its edges, as random access ranges.
+/// The vertices of the cube, of a face and of an edge, as random access ranges.
 ///
-/// No tables: a vertex is computed from its index i in the range and the containing element, whose layout is
+/// A vertex is computed from its index i in the range, without tables. The layout of the containing element
+/// is
 ///
 ///     bit    5   4   3   2   1   0
 ///          +---+---+---+---+---+---+
@@ -17,15 +18,15 @@
 ///          +---+---+---+---+---+---+
 ///
 ///     of the cube    i
-///     of an edge e   i << (e >> 4) | (e & 7)     bit 0 of i goes to the edge's axis
-///     of a face f    rot(i, s) | (f & 7)         bits 0 and 1 of i go to the two axes that cyclically follow
-///                                                the normal, s being the normal's number plus 1
+///     of an edge e   i << (e >> 4) | (e & 7)     bit 0 of i is moved to the edge's axis
+///     of a face f    rot(i, s) | (f & 7)         bits 0 and 1 of i are moved to the two axes that cyclically
+///                                                follow the normal, with s the normal's number plus 1
 ///
-/// where rot turns three bits cyclically. The order on a face is that of the bits and no walk around it: its
-/// second and third vertices are diagonal to each other.
+/// where rot rotates three bits cyclically. The vertices of a face are in the order of these bits, which is
+/// not an order around the face: the second and third are diagonal to each other.
 ///
-/// Iterators and iterables are small values: iterators outlive their iterable, and all are safe from any
-/// thread. Nothing is checked and nothing throws; `IndexOf` an element from outside gives some number.
+/// Iterators and ranges are small values, safe from any thread. Iterators may outlive their range. Nothing is
+/// checked and nothing throws. `IndexOf` of an element that is not in the range is unspecified.
 namespace lum {
 
 /// \tparam ContainingElement  `CubeElementIds::Cube`, `Face` or `Edge`
@@ -34,29 +35,29 @@ class CubeVertexIterator;
 template <class ContainingElement>
 class CubeVertexIterable;
 
-/// Over vertices of the cube.
+/// Iterates over the vertices of the cube.
 template <>
 class CubeVertexIterator<CubeElementIds::Cube>
     : public internal::IndexIterator<CubeVertexIterator<CubeElementIds::Cube>, CubeElementIds::Vertex> {
  public:
   constexpr CubeVertexIterator() noexcept = default;
-  /// At the first of all 8, or behind the last.
+  /// At the vertex of an index from 0 to 8; 8 is the end.
   explicit constexpr CubeVertexIterator(bool i_end) noexcept : IndexIterator(i_end ? 8 : 0) {}
 
   /// The vertex, computed.
   constexpr CubeElementIds::Vertex operator*() const noexcept { return CubeElementIds::Vertex{GetIndex()}; }
 
-  /// By index, then by context.
+  /// Compares the indices, then the containing elements.
   friend constexpr auto operator<=>(CubeVertexIterator const&, CubeVertexIterator const&) noexcept = default;
 };
 
-/// Over vertices of a face.
+/// Iterates over the vertices of a face.
 template <>
 class CubeVertexIterator<CubeElementIds::Face>
     : public internal::IndexIterator<CubeVertexIterator<CubeElementIds::Face>, CubeElementIds::Vertex> {
  public:
   constexpr CubeVertexIterator() noexcept = default;
-  /// At the first of the face's four, or behind the last.
+  /// At the vertex of an index from 0 to 4; 4 is the end.
   constexpr CubeVertexIterator(CubeElementIds::Face i_face, bool i_end) noexcept
       : IndexIterator(i_end ? 4 : 0), m_face(i_face) {}
 
@@ -67,20 +68,20 @@ class CubeVertexIterator<CubeElementIds::Face>
     return CubeElementIds::Vertex{internal::Rotate(GetIndex(), turn) | (face & 7U)};
   }
 
-  /// By index, then by context.
+  /// Compares the indices, then the containing elements.
   friend constexpr auto operator<=>(CubeVertexIterator const&, CubeVertexIterator const&) noexcept = default;
 
  private:
   CubeElementIds::Face m_face{};
 };
 
-/// Over vertices of an edge.
+/// Iterates over the vertices of an edge.
 template <>
 class CubeVertexIterator<CubeElementIds::Edge>
     : public internal::IndexIterator<CubeVertexIterator<CubeElementIds::Edge>, CubeElementIds::Vertex> {
  public:
   constexpr CubeVertexIterator() noexcept = default;
-  /// At the edge's start, or behind its end.
+  /// At the vertex of an index from 0 to 2; 2 is the end.
   constexpr CubeVertexIterator(CubeElementIds::Edge i_edge, bool i_end) noexcept
       : IndexIterator(i_end ? 2 : 0), m_edge(i_edge) {}
 
@@ -90,25 +91,25 @@ class CubeVertexIterator<CubeElementIds::Edge>
     return CubeElementIds::Vertex{internal::ShiftLeft(GetIndex(), edge >> 4) | (edge & 7U)};
   }
 
-  /// By index, then by context.
+  /// Compares the indices, then the containing elements.
   friend constexpr auto operator<=>(CubeVertexIterator const&, CubeVertexIterator const&) noexcept = default;
 
  private:
   CubeElementIds::Edge m_edge{};
 };
 
-/// 0 to 7.
+/// The eight vertices of the cube, 0 to 7.
 template <>
 class CubeVertexIterable<CubeElementIds::Cube> {
  public:
-  using Iterator = CubeVertexIterator<CubeElementIds::Cube>;  ///< Its iterator.
+  using Iterator = CubeVertexIterator<CubeElementIds::Cube>;  ///< The iterator of the range.
 
   constexpr CubeVertexIterable() noexcept = default;
-  /// There is one cube; which is given does not matter.
+  /// There is one cube, so the argument does not matter.
   explicit constexpr CubeVertexIterable(CubeElementIds::Cube) noexcept {}
 
   ///@{
-  /// A standard random access range of 8; indices are not checked.
+  /// A random access range of 8 elements. Indices are not checked.
   static constexpr unsigned long size() noexcept { return 8; }
   constexpr Iterator begin() const noexcept { return Iterator(false); }
   constexpr Iterator end() const noexcept { return Iterator(true); }
@@ -116,23 +117,23 @@ class CubeVertexIterable<CubeElementIds::Cube> {
     return *(begin() + static_cast<Iterator::difference_type>(i_index));
   }
   ///@}
-  /// The index of a vertex: its value.
+  /// The index of a vertex, which is its value.
   static constexpr unsigned long IndexOf(CubeElementIds::Vertex i_vertex) noexcept {
     return static_cast<unsigned int>(i_vertex);
   }
 };
 
-/// The four of a face, in the order of the bits.
+/// The four vertices of a face, in the order of the bits.
 template <>
 class CubeVertexIterable<CubeElementIds::Face> {
  public:
-  using Iterator = CubeVertexIterator<CubeElementIds::Face>;  ///< Its iterator.
+  using Iterator = CubeVertexIterator<CubeElementIds::Face>;  ///< The iterator of the range.
 
-  /// Of this face, taken as it is.
+  /// Of this face, which is not checked.
   explicit constexpr CubeVertexIterable(CubeElementIds::Face i_face) noexcept : m_face(i_face) {}
 
   ///@{
-  /// A standard random access range of 4; indices are not checked.
+  /// A random access range of 4 elements. Indices are not checked.
   static constexpr unsigned long size() noexcept { return 4; }
   constexpr Iterator begin() const noexcept { return {m_face, false}; }
   constexpr Iterator end() const noexcept { return {m_face, true}; }
@@ -151,17 +152,17 @@ class CubeVertexIterable<CubeElementIds::Face> {
   CubeElementIds::Face m_face;
 };
 
-/// The start of the edge, then its end.
+/// The start vertex of the edge, then its end vertex.
 template <>
 class CubeVertexIterable<CubeElementIds::Edge> {
  public:
-  using Iterator = CubeVertexIterator<CubeElementIds::Edge>;  ///< Its iterator.
+  using Iterator = CubeVertexIterator<CubeElementIds::Edge>;  ///< The iterator of the range.
 
-  /// Of this edge, taken as it is.
+  /// Of this edge, which is not checked.
   explicit constexpr CubeVertexIterable(CubeElementIds::Edge i_edge) noexcept : m_edge(i_edge) {}
 
   ///@{
-  /// A standard random access range of 2; indices are not checked.
+  /// A random access range of 2 elements. Indices are not checked.
   static constexpr unsigned long size() noexcept { return 2; }
   constexpr Iterator begin() const noexcept { return {m_edge, false}; }
   constexpr Iterator end() const noexcept { return {m_edge, true}; }
@@ -169,7 +170,7 @@ class CubeVertexIterable<CubeElementIds::Edge> {
     return *(begin() + static_cast<Iterator::difference_type>(i_index));
   }
   ///@}
-  /// The index of an end of the edge: 0 or 1.
+  /// The index of a vertex of the edge: 0 or 1.
   constexpr unsigned long IndexOf(CubeElementIds::Vertex i_vertex) const noexcept {
     auto const edge = static_cast<unsigned int>(m_edge);
     return ((static_cast<unsigned int>(i_vertex) ^ edge) & 7U) >> ((edge >> 4) & 3U);

@@ -5,45 +5,34 @@
 namespace lum {
 namespace {
 
-template <class Object>
-using PoolOf = typename PoolTypes<Object>::ObjectPool;
-
-template <class Object>
-PoolOf<Object>* CreatePool() {
-  return new PoolOf<Object>;
+template <class Types>
+typename Types::ObjectPool* CreatePool() {
+  return new typename Types::ObjectPool;
 }
 
-constexpr auto& create_pool_matrix_float = CreatePool<MatrixObject<float>>;
-constexpr auto& create_pool_matrix_double = CreatePool<MatrixObject<double>>;
-constexpr auto& create_pool_quaternion_float = CreatePool<QuaternionObject>;
-
-// Constant-initialised, so that they work before main in any link order; never destroyed, so that they work
-// until the process is gone.
-constinit internal::NeverDestroyed<Lazy<PoolOf<MatrixObject<float>>*>> pool_matrix_float(
-    create_pool_matrix_float);
-constinit internal::NeverDestroyed<Lazy<PoolOf<MatrixObject<double>>*>> pool_matrix_double(
-    create_pool_matrix_double);
-constinit internal::NeverDestroyed<Lazy<PoolOf<QuaternionObject>*>> pool_quaternion_float(
-    create_pool_quaternion_float);
+// Constant-initialised, so that the pools work before `main` in any link order. Never destroyed, so that they
+// work until the process ends.
+template <class Types>
+constinit internal::NeverDestroyed<Lazy<typename Types::ObjectPool*>> pool(CreatePool<Types>);
 
 }  // namespace
 
 template <>
-constinit Lazy<PoolOf<MatrixObject<float>>*> const& GlobalPoolOf<MatrixObject<float>>::m_pool =
-    pool_matrix_float.m_value;
+constinit Lazy<MatrixPoolTypes<float>::ObjectPool*> const& MatrixPoolTypes<float>::Global::m_pool =
+    pool<MatrixPoolTypes<float>>.m_value;
 template <>
-constinit Lazy<PoolOf<MatrixObject<double>>*> const& GlobalPoolOf<MatrixObject<double>>::m_pool =
-    pool_matrix_double.m_value;
+constinit Lazy<MatrixPoolTypes<double>::ObjectPool*> const& MatrixPoolTypes<double>::Global::m_pool =
+    pool<MatrixPoolTypes<double>>.m_value;
 template <>
-constinit Lazy<PoolOf<QuaternionObject>*> const& GlobalPoolOf<QuaternionObject>::m_pool =
-    pool_quaternion_float.m_value;
+constinit Lazy<QuaternionPoolTypes::ObjectPool*> const& QuaternionPoolTypes::Global::m_pool =
+    pool<QuaternionPoolTypes>.m_value;
 
-template class ObjectPoolBlock<MatrixObject<float>, 32, 16>;
-template class ObjectPoolBlock<MatrixObject<double>, 32, 16>;
-template class ObjectPoolBlock<QuaternionObject, 32, 16>;
+template class ObjectPoolBlock<Eigen::Transform<float, 3, Eigen::Projective>, 32, 16>;
+template class ObjectPoolBlock<Eigen::Transform<double, 3, Eigen::Projective>, 32, 16>;
+template class ObjectPoolBlock<Eigen::Quaternion<float>, 32, 16>;
 
-template class ObjectPool<MatrixObject<float>, 32, 16>;
-template class ObjectPool<MatrixObject<double>, 32, 16>;
-template class ObjectPool<QuaternionObject, 32, 16>;
+template class ObjectPool<Eigen::Transform<float, 3, Eigen::Projective>, 32, 16>;
+template class ObjectPool<Eigen::Transform<double, 3, Eigen::Projective>, 32, 16>;
+template class ObjectPool<Eigen::Quaternion<float>, 32, 16>;
 
 }  // namespace lum

@@ -16,65 +16,59 @@
 
 namespace lum {
 
-/// The one process-wide pool of a pool type, made on first use and never destroyed, so that handles released
-/// while the process shuts down still find it. Pools exist for the three object types of the library.
+/// Holds the one process-wide pool of a pool type. The pool is created on first use and never destroyed, so
+/// that handles can return their objects while the process shuts down. The library has three such pools:
+/// `MatrixPoolTypes<float>`, `MatrixPoolTypes<double>` and `QuaternionPoolTypes`.
 ///
-/// Thread safety: everything, from any number of threads, from before `main` to the end of the process.
+/// Thread safety: any number of threads, from before `main` to the end of the process.
 template <class Pool, class Handle>
 struct GlobalObjectPool {
   static Lazy<Pool*> const& m_pool;  ///< The pool.
 };
 
-/// The types through which values of the library hold their numbers: blocks of 32 objects of type T.
+/// The types of a process-wide pool of objects of type T.
 template <class T>
 struct PoolTypes {
-  using Object = T;                                         ///< What holds the numbers.
-  using ObjectPool = lum::ObjectPool<T, 32, 16>;            ///< What hands the objects out.
-  using ObjectPoolBlock = lum::ObjectPoolBlock<T, 32, 16>;  ///< Where they lie.
-  /// What owns an object.
-  using ObjectHandle =
-      Handle<T, std::atomic<unsigned long>, ObjectPoolDeleter<T, ObjectPool, ObjectPoolBlock>>;
+  using Object = T;                                           ///< The pooled object.
+  using ObjectPool = lum::ObjectPool<T, 32, 16>;              ///< The pool, with blocks of 32 objects.
+  using ObjectHandle = typename ObjectPool::ObjectHandle;     ///< A shared owner of an object.
+  using Global = GlobalObjectPool<ObjectPool, ObjectHandle>;  ///< Where the process-wide pool is found.
 };
 
-/// The process-wide pool of objects of type T.
+/// The pool of `Matrix<T>`. An object holds all 16 values, column by column.
 template <class T>
-using GlobalPoolOf = GlobalObjectPool<typename PoolTypes<T>::ObjectPool, typename PoolTypes<T>::ObjectHandle>;
+using MatrixPoolTypes = PoolTypes<Eigen::Transform<T, 3, Eigen::Projective>>;
+
+/// The pool of `Quaternionf`. An object holds x, y, z, w.
+using QuaternionPoolTypes = PoolTypes<Eigen::Quaternion<float>>;
 
 /// Takes an object from the process-wide pool of its type; see `ObjectPool::CreateObject`.
 template <class T>
 typename PoolTypes<T>::ObjectHandle CreateGlobalObject() {
-  return GlobalPoolOf<T>::m_pool.GetValue()->CreateObject();
+  return PoolTypes<T>::Global::m_pool.GetValue()->CreateObject();
 }
 
-/// Takes two; see `ObjectPool::CreateTwoObjects`.
+/// Takes two objects from the process-wide pool of their type; see `ObjectPool::CreateTwoObjects`.
 template <class T>
 typename PoolTypes<T>::ObjectPool::TwoObjects CreateTwoGlobalObjects() {
-  return GlobalPoolOf<T>::m_pool.GetValue()->CreateTwoObjects();
+  return PoolTypes<T>::Global::m_pool.GetValue()->CreateTwoObjects();
 }
 
-/// The object that holds the numbers of a `Matrix<T>`: all 16 values, column by column.
-template <class T>
-using MatrixObject = Eigen::Transform<T, 3, Eigen::Projective>;
-
-/// The object that holds the numbers of a `Quaternionf`, in the order x, y, z, w.
-using QuaternionObject = Eigen::Quaternion<float>;
-
 /// \cond
-extern template class LUM_EXPORT ObjectPoolBlock<MatrixObject<float>, 32, 16>;
-extern template class LUM_EXPORT ObjectPoolBlock<MatrixObject<double>, 32, 16>;
-extern template class LUM_EXPORT ObjectPoolBlock<QuaternionObject, 32, 16>;
+extern template class LUM_EXPORT ObjectPoolBlock<Eigen::Transform<float, 3, Eigen::Projective>, 32, 16>;
+extern template class LUM_EXPORT ObjectPoolBlock<Eigen::Transform<double, 3, Eigen::Projective>, 32, 16>;
+extern template class LUM_EXPORT ObjectPoolBlock<Eigen::Quaternion<float>, 32, 16>;
 
-extern template class LUM_EXPORT ObjectPool<MatrixObject<float>, 32, 16>;
-extern template class LUM_EXPORT ObjectPool<MatrixObject<double>, 32, 16>;
-extern template class LUM_EXPORT ObjectPool<QuaternionObject, 32, 16>;
+extern template class LUM_EXPORT ObjectPool<Eigen::Transform<float, 3, Eigen::Projective>, 32, 16>;
+extern template class LUM_EXPORT ObjectPool<Eigen::Transform<double, 3, Eigen::Projective>, 32, 16>;
+extern template class LUM_EXPORT ObjectPool<Eigen::Quaternion<float>, 32, 16>;
 
 template <>
-LUM_EXPORT Lazy<PoolTypes<MatrixObject<float>>::ObjectPool*> const& GlobalPoolOf<MatrixObject<float>>::m_pool;
+LUM_EXPORT Lazy<MatrixPoolTypes<float>::ObjectPool*> const& MatrixPoolTypes<float>::Global::m_pool;
 template <>
-LUM_EXPORT Lazy<PoolTypes<MatrixObject<double>>::ObjectPool*> const&
-    GlobalPoolOf<MatrixObject<double>>::m_pool;
+LUM_EXPORT Lazy<MatrixPoolTypes<double>::ObjectPool*> const& MatrixPoolTypes<double>::Global::m_pool;
 template <>
-LUM_EXPORT Lazy<PoolTypes<QuaternionObject>::ObjectPool*> const& GlobalPoolOf<QuaternionObject>::m_pool;
+LUM_EXPORT Lazy<QuaternionPoolTypes::ObjectPool*> const& QuaternionPoolTypes::Global::m_pool;
 /// \endcond
 
 }  // namespace lum

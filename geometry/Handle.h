@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <concepts>
 #include <stdexcept>
 #include <type_traits>
 #include <utility>
@@ -10,21 +11,29 @@
 namespace lum {
 
 namespace internal {
-/// Tag of the constructor for an object that nobody else knows yet.
+/// Tag of the constructor for an object that no other handle owns.
 struct FirstReference {};
+
+/// A deleter that does not throw and can return two objects of one block in one call.
+template <class D, class T>
+concept PairDeleter = std::is_nothrow_invocable_v<D const&, T*> &&
+    std::is_nothrow_invocable_v<D const&, T*, T*> && requires(D const& i_delete) {
+  { i_delete.SharesBlock(i_delete) } -> std::same_as<bool>;
+};
 }  // namespace internal
 
-/// A shared owner of one pooled object: the object, its reference count and what returns it to its pool.
+/// A shared owner of one pooled object: pointers to the object and to its reference count, and the deleter
+/// that returns the object to its pool.
 ///
-/// A handle is bound, and then included in the count, or empty: no object and no count. The last handle to
-/// let go calls the deleter with the object, which is neither destroyed nor cleared.
+/// A handle either owns an object and is included in its count, or is empty. The last handle that releases an
+/// object calls the deleter with it. The object is neither destroyed nor cleared.
 ///
-/// Cost: a copy is one increment and never allocates, a move touches no count. Counts are changed atomically,
-/// by plain stores while the process has never had a second thread.
+/// Cost: a copy is one increment and never allocates. A move changes no count. Counts are atomic; while the
+/// process has never had a second thread, they are changed by plain stores.
 ///
-/// Thread safety: distinct handles onto one object may be copied, assigned and destroyed on different threads
-/// at once; exactly one of them makes the last release. One handle needs outside synchronisation as soon as
-/// one thread writes it.
+/// Thread safety: distinct handles that own one object may be copied, assigned and destroyed on different
+/// threads. Exactly one of them makes the last release. A handle must not be written while another thread
+/// uses it.
 ///
 /// \tparam T  the object
 /// \tparam C  its counter: an atomic unsigned integer that outlives every handle
@@ -32,36 +41,36 @@ struct FirstReference {};
 template <class T, class C, class D>
 class Handle {
  public:
-  /// Makes an empty handle.
+  /// An empty handle.
   Handle() noexcept = default;
 
-  /// Adds a reference to the object.
+  /// Increments the count of the object.
   ///
-  /// A null object, a null count or a deleter that is not callable throws `std::invalid_argument`, tested in
-  /// this order; no count is touched then.
+  /// A null object, a null count or an empty deleter throws `std::invalid_argument`, tested in this order. No
+  /// count has changed then.
   Handle(T* ip_object, C* ip_reference_count, D i_delete);
 
-  /// The first handle onto an object whose count is 0: sets it to 1, without a test of the arguments.
+  /// Sets the count, which is 0, to 1. Arguments are not checked.
   Handle(internal::FirstReference, T* ip_object, C* ip_reference_count, D i_delete) noexcept;
 
-  /// Shares the object: one increment.
+  /// Shares the object. Increments its count.
   Handle(Handle const& i_other) noexcept;
-  /// Takes over the reference and leaves the other handle empty: no count is touched.
+  /// Takes over the object and leaves the other handle empty. Changes no count.
   Handle(Handle&& io_other) noexcept;
-  /// Lets go: one decrement; of the last handle, a return of the object.
+  /// Decrements the count. The last handle returns the object.
   ~Handle() {
     if (mp_object != nullptr && DropReference(*mp_reference_count)) m_delete(mp_object);
   }
 
   ///@{
-  /// Shares or takes over the other's object, then lets go of its own.
+  /// Shares or takes over the other's object after releasing its own.
   ///
-  /// A self-assignment, or a copy from another handle onto the same object, leaves the count unchanged.
-  /// A deleter that throws leaves this handle empty; the reference that was taken from the source is dropped.
+  /// Self-assignment, and copying another handle that owns the same object, leave the count unchanged. If the
+  /// deleter throws, this handle is empty and the count of the other's object is as before a copy.
   // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): a counted copy is taken first
-  Handle& operator=(Handle const& i_other) noexcept(kReleasesQuietly);
-  // NOLINTNEXTLINE(performance-noexcept-move-constructor): as quiet as the deleter is
-  Handle& operator=(Handle&& io_other) noexcept(kReleasesQuietly);
+  Handle& operator=(Handle const& i_other) noexcept(kIsReleaseNoexcept);
+  // NOLINTNEXTLINE(performance-noexcept-move-constructor): noexcept if the deleter is
+  Handle& operator=(Handle&& io_other) noexcept(kIsReleaseNoexcept);
   ///@}
 
   /// The object; null for an empty handle.
@@ -71,30 +80,32 @@ class Handle {
   T& operator*() const noexcept { return *mp_object; }
   T* operator->() const noexcept { return mp_object; }
   ///@}
-  /// Whether it is bound.
+  /// Whether the handle owns an object.
   explicit operator bool() const noexcept { return mp_object != nullptr; }
 
-  /// A snapshot of the count; 0 for an empty handle. A 1 stays 1, because only a holder can raise it. The
-  /// acquire load orders whatever the former holders did with the object before what the caller does next.
+  /// A snapshot of the count, 0 for an empty handle. A count of 1 stays 1, because only an owner can
+  /// increment it. The acquire load orders what former owners did with the object before what the caller does
+  /// next.
   unsigned long GetReferenceCount() const noexcept;
 
-  /// Exchanges what the two are bound to. Touches no count.
+  /// Exchanges the objects of the two handles. Changes no count.
   void Swap(Handle& io_other) noexcept;
 
-  /// Empties two handles, the first of them first. Where both are the last ones onto objects of one block,
-  /// the deleter gets the two objects in one call.
-  static void ReleaseTogether(Handle& io_first, Handle& io_second) noexcept;
+  /// Releases both objects, the first handle's first, and empties the handles. If both are last owners of
+  /// objects of one block, one call of the deleter returns the two objects.
+  static void ReleaseTogether(Handle& io_first,
+                              Handle& io_second) noexcept requires internal::PairDeleter<D, T>;
 
  private:
-  static constexpr bool kReleasesQuietly = std::is_nothrow_invocable_v<D&, T*>;
+  static constexpr bool kIsReleaseNoexcept = std::is_nothrow_invocable_v<D&, T*>;
 
-  void Adopt(Handle& io_taken) noexcept(kReleasesQuietly);
-  void Release() noexcept(kReleasesQuietly);
+  void Adopt(Handle& io_taken) noexcept(kIsReleaseNoexcept);
+  void Release() noexcept(kIsReleaseNoexcept);
   static bool DropReference(C& io_reference_count) noexcept;
 
   T* mp_object = nullptr;
-  // Changed only by sequentially consistent adds and subtracts, so exactly one release sees the 1; and by
-  // plain stores where one handle is all there is, or one thread.
+  // Changed by sequentially consistent additions and subtractions, so exactly one release reads 1. A sole
+  // owner and a process with one thread may use plain stores, since nothing else can access the count then.
   C* mp_reference_count = nullptr;
   D m_delete{};
 };
@@ -129,14 +140,14 @@ Handle<T, C, D>::Handle(Handle&& io_other) noexcept
       m_delete(std::exchange(io_other.m_delete, D{})) {}
 
 template <class T, class C, class D>
-Handle<T, C, D>& Handle<T, C, D>::operator=(Handle const& i_other) noexcept(kReleasesQuietly) {
+Handle<T, C, D>& Handle<T, C, D>::operator=(Handle const& i_other) noexcept(kIsReleaseNoexcept) {
   Handle taken(i_other);
   Adopt(taken);
   return *this;
 }
 
 template <class T, class C, class D>
-Handle<T, C, D>& Handle<T, C, D>::operator=(Handle&& io_other) noexcept(kReleasesQuietly) {
+Handle<T, C, D>& Handle<T, C, D>::operator=(Handle&& io_other) noexcept(kIsReleaseNoexcept) {
   Handle taken(std::move(io_other));
   Adopt(taken);
   return *this;
@@ -147,10 +158,10 @@ unsigned long Handle<T, C, D>::GetReferenceCount() const noexcept {
   return mp_reference_count == nullptr ? 0 : mp_reference_count->load(std::memory_order_acquire);
 }
 
-// Every assignment comes through here. A reference that turns out to be surplus stays with `io_taken`, whose
-// destructor drops it.
+// Every assignment uses this. If both handles own the same object, `io_taken` keeps its reference, and its
+// destructor decrements the count.
 template <class T, class C, class D>
-void Handle<T, C, D>::Adopt(Handle& io_taken) noexcept(kReleasesQuietly) {
+void Handle<T, C, D>::Adopt(Handle& io_taken) noexcept(kIsReleaseNoexcept) {
   if (mp_object == io_taken.mp_object) return;
   if (mp_object != nullptr) Release();
   Swap(io_taken);
@@ -163,18 +174,18 @@ void Handle<T, C, D>::Swap(Handle& io_other) noexcept {
   std::swap(m_delete, io_other.m_delete);
 }
 
-// The fields are emptied first: were the deleter to throw, or to look at this handle, it would find nothing
-// that is no longer owned.
+// The handle is emptied before the deleter is called, so a deleter that throws, or uses this handle, never
+// finds an object that is no longer owned.
 template <class T, class C, class D>
-void Handle<T, C, D>::Release() noexcept(kReleasesQuietly) {
+void Handle<T, C, D>::Release() noexcept(kIsReleaseNoexcept) {
   T* const object = std::exchange(mp_object, nullptr);
   C* const reference_count = std::exchange(mp_reference_count, nullptr);
   D release = std::exchange(m_delete, D{});
   if (DropReference(*reference_count)) release(object);
 }
 
-// A count of 1 is this handle's own, and no other is there that could raise it. The acquire load puts what
-// former holders did with the object before its return.
+// A count of 1 is this handle's own, and no other owner could increment it. The acquire load orders what
+// former owners did with the object before its return.
 template <class T, class C, class D>
 inline bool Handle<T, C, D>::DropReference(C& io_reference_count) noexcept {
   if (io_reference_count.load(std::memory_order_acquire) == 1) {
@@ -184,10 +195,10 @@ inline bool Handle<T, C, D>::DropReference(C& io_reference_count) noexcept {
   return internal::FetchSubtract(io_reference_count, 1) == 1;
 }
 
-// The handles are emptied last, where the compiler sees it: destructors that follow then cost nothing.
+// The handles are emptied last, so the compiler sees that their destructors have nothing to do.
 template <class T, class C, class D>
-void Handle<T, C, D>::ReleaseTogether(Handle& io_first, Handle& io_second) noexcept {
-  static_assert(kReleasesQuietly);
+void Handle<T, C, D>::ReleaseTogether(Handle& io_first,
+                                      Handle& io_second) noexcept requires internal::PairDeleter<D, T> {
   C* const first_count = io_first.mp_reference_count;
   C* const second_count = io_second.mp_reference_count;
   if (first_count == second_count) {

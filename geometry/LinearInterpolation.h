@@ -9,21 +9,21 @@
 
 namespace lum {
 
-/// b t + (1 - t) a: equal to a at t = 0 and to b at t = 1 for finite ends. t is not clamped: outside [0, 1]
-/// it extrapolates. Throws nothing; safe from any thread.
+/// b t + (1 - t) a. Finite ends are reached exactly: a at t = 0, b at t = 1. t is not clamped; outside [0, 1]
+/// the result is an extrapolation. Throws nothing; safe from any thread.
 template <std::floating_point T>
 constexpr T LinearInterpolation(T i_a, T i_b, T i_t) noexcept {
   return i_b * i_t + (1 - i_t) * i_a;
 }
 
-/// Component by component.
+/// The interpolation of each component.
 template <class T, std::size_t N>
 constexpr Vector<T, N> LinearInterpolation(Vector<T, N> const& i_a, Vector<T, N> const& i_b,
                                            std::type_identity_t<T> i_t) noexcept {
   return i_b * i_t + (1 - i_t) * i_a;
 }
 
-/// Coordinate by coordinate.
+/// The interpolation of each coordinate.
 template <class T, std::size_t N>
 constexpr Point<T, N> LinearInterpolation(Point<T, N> const& i_a, Point<T, N> const& i_b,
                                           std::type_identity_t<T> i_t) noexcept {

@@ -15,12 +15,19 @@
 #include "geometry/internal/StrictArithmetic.h"
 
 namespace lum {
+
+// The one user of the constructor that leaves the values to be written.
+template <class T>
+struct internal::MatrixFactory {
+  static Matrix<T> Create() { return Matrix<T>(typename Matrix<T>::FreshObjects()); }
+};
+
 namespace {
 
 constexpr char const* no_inverse_message = "attempt to get inverse of non-invertible matrix";
 
-// The values of a transform in registers of 16 bytes: written one by one, the stores of two transforms would
-// fill the store buffer.
+// The values of a transform in registers of 16 bytes. Single stores of two transforms would fill the store
+// buffer.
 template <class T>
 struct Columns {
   using Column = internal::Column<T>;
@@ -46,15 +53,15 @@ struct Columns {
 
 template <class T>
 typename MatrixPoolTypes<T>::ObjectHandle CreateHandle(Columns<T> const& i_columns) {
-  auto handle = CreateGlobalObject<MatrixObject<T>>();
+  auto handle = CreateGlobalObject<typename MatrixPoolTypes<T>::Object>();
   i_columns.Store(handle->data());
   return handle;
 }
 
-// A transform and its inverse, in objects taken at once.
+// A transform and its inverse, whose objects are taken together.
 template <class T>
 inline Matrix<T> CreateMatrix(Columns<T> const& i_transform, Columns<T> const& i_inverse) {
-  Matrix<T> matrix{internal::FreshObjects()};
+  auto matrix = internal::MatrixFactory<T>::Create();
   i_transform.Store(matrix.GetMatrix()->data());
   i_inverse.Store(matrix.GetMatrixInverse()->data());
   return matrix;
@@ -73,7 +80,7 @@ typename MatrixPoolTypes<T>::ObjectHandle CreateIdentity() {
                           {0, 0, 0, 1}});
 }
 
-// Constant-initialised and never destroyed: valid before main and until the process is gone.
+// Constant-initialised and never destroyed: valid from before main until the process ends.
 template <class T>
 constinit internal::NeverDestroyed<Lazy<typename MatrixPoolTypes<T>::ObjectHandle>> identity(
     CreateIdentity<T>);
@@ -108,7 +115,7 @@ Columns<T> MakeRotation(Vector<T, 3> const& i_axis, T i_sine, T i_cosine) {
   // clang-format on
 }
 
-// The transpose of a transform: row 3 becomes column 3, and the translation is dropped.
+// The transpose of a transform without its translation. Row 3 becomes column 3.
 template <class T>
 Columns<T> MakeTranspose(T const* s) {
   return {{s[0], s[4], s[8], 0},   //
@@ -117,8 +124,8 @@ Columns<T> MakeTranspose(T const* s) {
           {s[3], s[7], s[11], 1}};
 }
 
-// The first application in a process makes the identity. Apart, so that the others need not save registers
-// for that call.
+// The first application in a process creates the identity. A function of its own, so that later applications
+// need not save registers for that call.
 template <class T, class Argument>
 [[gnu::noinline]] Argument ApplyFirst(Matrix<T> const& i_matrix, Argument const& i_argument) {
   Matrix<T>::mgh_identity.GetValue();
@@ -140,7 +147,7 @@ bool IsFinite(T i_value) {
   return -infinity < i_value && i_value < infinity;
 }
 
-// Throws rather than multiply by an object that is not there.
+// The values of the inverse. Throws if there is none.
 template <class T>
 T const* GetInverseValues(typename MatrixPoolTypes<T>::ObjectHandle const& i_inverse, char const* i_message) {
   if (!i_inverse) throw std::domain_error(i_message);
@@ -151,7 +158,7 @@ template <class T>
 typename MatrixPoolTypes<T>::Object* MakeMutable(typename MatrixPoolTypes<T>::ObjectHandle& io_handle) {
   assert(io_handle && "a moved-from matrix, or the inverse of a matrix without one");
   if (io_handle.GetReferenceCount() != 1) {
-    auto copy = CreateGlobalObject<MatrixObject<T>>();
+    auto copy = CreateGlobalObject<typename MatrixPoolTypes<T>::Object>();
     std::copy_n(io_handle->data(), 16, copy->data());
     io_handle = std::move(copy);
   }
@@ -160,7 +167,7 @@ typename MatrixPoolTypes<T>::Object* MakeMutable(typename MatrixPoolTypes<T>::Ob
 
 template <class T, class U>
 typename MatrixPoolTypes<T>::ObjectHandle Convert(typename MatrixPoolTypes<U>::ObjectHandle const& i_handle) {
-  auto handle = CreateGlobalObject<MatrixObject<T>>();
+  auto handle = CreateGlobalObject<typename MatrixPoolTypes<T>::Object>();
   std::transform(i_handle->data(), i_handle->data() + 16, handle->data(),
                  [](U i_value) { return static_cast<T>(i_value); });
   return handle;
@@ -179,7 +186,7 @@ template <class T>
 Matrix<T>::Matrix() : m_objects{mgh_identity.GetValue(), mgh_identity.GetValue()} {}
 
 template <class T>
-Matrix<T>::Matrix(T const* ip_values) : Matrix(internal::FreshObjects()) {
+Matrix<T>::Matrix(T const* ip_values) : Matrix(FreshObjects()) {
   std::copy_n(ip_values, 16, GetMatrix()->data());
   internal::InvertMatrix(ip_values, GetMatrixInverse()->data());
 }
@@ -287,7 +294,7 @@ Matrix<T> Matrix<T>::GetTranspose() const {
   return CreateMatrix(transform, MakeTranspose<T>(GetMatrixInverse()->data()));
 }
 
-// Complementary 2x2 minors of columns 0 and 1 against columns 2 and 3.
+// Products of complementary 2x2 minors, of columns 0 and 1 and of columns 2 and 3.
 template <class T>
 T Matrix<T>::GetDeterminant() const {
   if (IsKnownIdentity()) return 1;
@@ -348,7 +355,7 @@ Point<T, 3> Matrix<T>::operator*(Point<T, 3> const& i_point) const {
   return image;
 }
 
-// A plane is carried by the transpose of the inverse, applied to its homogeneous row (a, b, c, -d).
+// The transpose of the inverse times the plane's homogeneous coefficients (a, b, c, -d).
 template <class T>
 Plane<T> Matrix<T>::operator*(Plane<T> const& i_plane) const {
   if (IsKnownIdentity()) return i_plane;

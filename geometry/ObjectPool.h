@@ -14,48 +14,48 @@
 
 namespace lum {
 
-/// Hands out fixed-size objects one at a time and takes them back when their last handle lets go.
+/// Hands out fixed-size objects, and takes each back when its last handle releases it.
 ///
-/// Objects come from the current block. A full one is superseded by a new block and from then on belongs to
-/// its outstanding objects: the last of them to return frees it. The pool keeps no list of blocks.
+/// Objects come from the current block. A new block supersedes a full one. A superseded block is freed when
+/// the last of its objects returns. The pool keeps no list of blocks.
 ///
-/// Thread safety: `CreateObject` and the release of handles from any number of threads at once. Handles may
-/// outlive the pool; destroying it must not overlap with a call of `CreateObject`.
+/// Thread safety: any number of threads may create objects and release handles at once. Handles may outlive
+/// the pool. The destruction of the pool must not overlap with the creation of an object.
 ///
-/// Lock order: the creation mutex, then the current-block mutex. The latter is never held across an
-/// allocation, and returning an object takes no lock.
+/// Lock order: the creation mutex, then the current-block mutex. The current-block mutex is never held across
+/// an allocation. A return takes no lock.
 ///
 /// The template parameters are those of `ObjectPoolBlock`.
 template <class T, std::size_t Size, std::size_t Alignment, class Policy = internal::ObjectPoolPolicy>
 class ObjectPool {
  public:
-  /// What it takes its objects from.
+  /// A block of objects.
   using Block = ObjectPoolBlock<T, Size, Alignment, Policy>;
-  /// What owns an object that is handed out.
+  /// A shared owner of an object.
   using ObjectHandle = Handle<T, typename Block::ReferenceCount, ObjectPoolDeleter<T, ObjectPool, Block>>;
 
-  /// Allocates the first block; passes on what that throws.
+  /// Allocates the first block, and passes on what that throws.
   ObjectPool();
   ObjectPool(ObjectPool const&) = delete;
   ObjectPool& operator=(ObjectPool const&) = delete;
-  /// Lets go of the current block, which the last of its outstanding objects frees.
+  /// Supersedes the current block, which is freed when the last of its objects has returned.
   ~ObjectPool();
 
-  /// The only handle onto an object whose contents are not initialised: the caller writes every value before
-  /// the object is read. A recycled object still holds its previous values.
+  /// The only handle onto an object that is not initialised: the caller writes every value before the object
+  /// is read. A recycled object has its previous values.
   ///
-  /// Passes on what allocating a block or locking a mutex throws; the pool is unchanged then.
+  /// Passes on what allocating a block or locking a mutex throws. The pool is unchanged then.
   ///
-  /// Cost: a lock, or none while the process has never had a second thread; one in `Size` calls locks again
-  /// and allocates a block, where none come back meanwhile.
+  /// Cost: one lock, which is elided while the process has never had a second thread. If no objects return,
+  /// one in `Size` calls allocates a block and locks twice more.
   ObjectHandle CreateObject();
-  /// The first handles onto two objects.
+  /// The only handles onto two objects.
   struct TwoObjects {
-    ObjectHandle first;   ///< Onto the one taken first.
-    ObjectHandle second;  ///< Onto the one taken after it.
+    ObjectHandle first;   ///< Onto the object taken first.
+    ObjectHandle second;  ///< Onto the object taken second.
   };
-  /// Two objects at once, for little more than one: those that two calls of `CreateObject` would give. Throws
-  /// what they do, and has then returned what it took.
+  /// The two objects that two calls of `CreateObject` would give, at little more than the cost of one call.
+  /// Throws what those calls throw, and has returned any object that it took then.
   TwoObjects CreateTwoObjects();
 
  private:
@@ -73,9 +73,9 @@ class ObjectPool {
 
   // Never null. Guarded by m_current_block_mutex.
   Block* m_current_block;
-  // Held by the one thread that is making the next block; taken with try_lock only.
+  // Held by the one thread that creates the next block. Taken by try_lock only.
   typename Policy::Mutex m_creation_mutex;
-  // Guards m_current_block, every take from it, and its superseding.
+  // Guards m_current_block, every take from that block, and its superseding.
   typename Policy::Mutex m_current_block_mutex;
 };
 
@@ -95,7 +95,7 @@ ObjectPool<T, Size, Alignment, Policy>::CreateObject() {
   return MakeHandle(*slot.block, slot.index);
 }
 
-// Where there are not two slots to be had at once, the objects are taken one by one.
+// Takes the objects one by one if the block does not have two free slots.
 template <class T, std::size_t Size, std::size_t Alignment, class Policy>
 typename ObjectPool<T, Size, Alignment, Policy>::TwoObjects
 ObjectPool<T, Size, Alignment, Policy>::CreateTwoObjects() {
@@ -116,8 +116,8 @@ ObjectPool<T, Size, Alignment, Policy>::MakeHandle(Block& io_block, std::size_t 
                       io_block.GetReferenceCount(i_slot), {this, &io_block});
 }
 
-// A thread that finds the block full while another makes the next one tries again at once: the new block is
-// an allocation away, or a return may come first.
+// A thread that finds the block full while another thread creates the next one retries at once: publishing
+// the new block takes one allocation, and a return may come first.
 template <class T, std::size_t Size, std::size_t Alignment, class Policy>
 typename ObjectPool<T, Size, Alignment, Policy>::Slot
 ObjectPool<T, Size, Alignment, Policy>::TakeSlotSlowly() {
@@ -129,8 +129,8 @@ ObjectPool<T, Size, Alignment, Policy>::TakeSlotSlowly() {
   }
 }
 
-// The slot is read from the ring before the lock goes: a take that had only reserved could be overtaken by a
-// take and a return of another slot, which would overwrite the entry that it is about to read.
+// The slot is read from the ring under the lock. If a take only reserved a slot there, a take and a return of
+// another slot could overwrite the ring entry before it is read.
 template <class T, std::size_t Size, std::size_t Alignment, class Policy>
 inline optional<typename ObjectPool<T, Size, Alignment, Policy>::Slot>
 ObjectPool<T, Size, Alignment, Policy>::TakeFromCurrentBlock() {
@@ -139,8 +139,8 @@ ObjectPool<T, Size, Alignment, Policy>::TakeFromCurrentBlock() {
   return nullopt;
 }
 
-// Called with m_creation_mutex held. Until the new block is published it is owned here, so that a lock that
-// throws loses nothing.
+// Called with m_creation_mutex held. This function owns the new block until it is published, so a lock that
+// throws leaks nothing.
 template <class T, std::size_t Size, std::size_t Alignment, class Policy>
 typename ObjectPool<T, Size, Alignment, Policy>::Slot
 ObjectPool<T, Size, Alignment, Policy>::TakeFromNewBlock() {

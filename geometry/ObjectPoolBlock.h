@@ -23,28 +23,28 @@ namespace lum {
 ///
 ///     use count     bit 63: superseded, bits 0 to 62: objects handed out and reservations in flight
 ///
-/// A take replaces the entry that it reads by kTaken. A return claims its position, stores its slot and only
-/// then lowers the use count. The pool lets one take in at a time, so return n claims its position after take
-/// n has read and marked there: no return overwrites an entry that is still to be read. A take that finds
-/// kTaken has met a return between its claim and its store; it takes nothing and calls the block full.
+/// A take replaces the entry that it reads by kTaken. A return claims its position, stores its slot and then
+/// decrements the use count. The caller serialises takes, so return n claims its position after take n has
+/// read and marked that entry: no return overwrites an entry that is still to be read. A take that reads
+/// kTaken has met a return between its claim and its store. It then takes nothing and treats the block as
+/// full.
 ///
-/// Two slots may be taken, and returned, in one go: with the effect of two takes or returns in a row.
+/// Two slots can be taken, or returned, in one operation that is equivalent to two consecutive operations.
 ///
-/// The block frees nothing itself: whoever brings the use count to "superseded, none in use" is told so by
-/// the call that did it, and is the only one to be told.
+/// The block does not free itself. The one call that brings the use count to "superseded, none in use"
+/// returns true, and its caller frees the block.
 ///
-/// Objects are raw storage. No constructor or destructor of T ever runs, and a recycled slot still holds the
-/// bytes of its previous object.
+/// Objects are raw storage. No constructor or destructor of T ever runs, and a recycled slot has the bytes of
+/// its previous object.
 ///
-/// Thread safety: `ReturnSlot` and `ReturnTwoSlots` from any number of threads at once. `TakeSlot`,
-/// `TakeTwoSlots` and `Supersede` are serialised by the caller (the pool's current-block mutex, or a block
-/// that no other thread knows yet).
+/// Thread safety: any number of threads may call `ReturnSlot` and `ReturnTwoSlots` at once. The caller
+/// serialises `TakeSlot`, `TakeTwoSlots` and `Supersede`: under the pool's current-block mutex, or on a block
+/// that no other thread knows yet.
 ///
 /// \tparam T          the object, trivially destructible
-/// \tparam Size       objects in the block; a power of two, so that the ring goes on without a gap when a
-///                    position wraps
-/// \tparam Alignment  the least alignment of the objects in bytes
-/// \tparam Policy     what it synchronises with
+/// \tparam Size       the number of objects; a power of two, so that the ring has no gap where a position
+/// wraps \tparam Alignment  the minimum alignment of the objects in bytes \tparam Policy     the atomics and
+/// the mutex
 template <class T, std::size_t Size, std::size_t Alignment, class Policy = internal::ObjectPoolPolicy>
 class ObjectPoolBlock {
   static_assert(std::is_trivially_destructible_v<T>, "a pool never runs a destructor of its objects");
@@ -60,20 +60,21 @@ class ObjectPoolBlock {
   ObjectPoolBlock(ObjectPoolBlock const&) = delete;
   ObjectPoolBlock& operator=(ObjectPoolBlock const&) = delete;
 
-  /// Reserves a slot and takes it from the ring; empty when the block is full.
+  /// Reserves a slot and takes it from the ring. Empty if the block is full.
   optional<std::size_t> TakeSlot() noexcept;
-  /// Two slots in the order in which `TakeSlot` would give them; empty when there are not two to be had.
+  /// Two slots, in the order in which `TakeSlot` would give them. Empty if the block does not have two free
+  /// slots.
   optional<std::array<std::size_t, 2>> TakeTwoSlots() noexcept;
 
-  /// Puts the slot of an object back on the ring. Lock-free.
-  /// \return true when this left the superseded block empty: the caller frees it. Otherwise the caller must
-  /// not touch the block again, since another thread may free it at any time.
+  /// Returns the slot of an object to the ring. Lock-free.
+  /// \return true if this emptied a superseded block: the caller frees it. Otherwise the caller must not
+  /// access the block again, since another thread may free it at any time.
   [[nodiscard]] bool ReturnSlot(T const* ip_object) noexcept;
-  /// The same for two objects, the first of them first.
+  /// Returns the slots of two objects, in this order.
   [[nodiscard]] bool ReturnTwoSlots(T const* ip_first, T const* ip_second) noexcept;
 
-  /// Marks the block as no longer current; from now on its last return frees it.
-  /// \return true when no slot is in use: the caller frees the block.
+  /// Marks the block as no longer current. From now on its last return frees it.
+  /// \return true if no slot is in use: the caller frees the block.
   [[nodiscard]] bool Supersede() noexcept;
 
   /// The object of a slot below `Size`, unchecked.
@@ -87,36 +88,37 @@ class ObjectPoolBlock {
   using Counter = typename Policy::template Atomic<unsigned long>;
   using Entry = typename Policy::template AtomicRef<unsigned long>;
 
-  // Enumerators, since static data members of an exported template would be exported too.
+  // Enumerators, because static data members of an exported template would be exported too.
   enum : unsigned long {
     kSuperseded = 1UL << 63,
     kTaken = ~0UL,
     kLastPosition = ~0UL,
-    // Objects stand on cache lines of their own where their size allows. Callers may also be compiled for
-    // wide vectors and then use aligned accesses of up to 64 bytes on the objects that they are handed.
+    // Objects whose size is a multiple of 64 have cache lines of their own. Callers that are compiled for
+    // wide vectors also access the objects by aligned operations of up to 64 bytes.
     kPlacement = std::max<std::size_t>(Alignment, 64)
   };
 
   static std::size_t ClaimPosition(Counter& io_position) noexcept;
   void StoreSlot(std::size_t i_position, T const* ip_object) noexcept;
 
-  // Changed only by atomic read-modify-writes, or by one thread alone, so the one that reaches kSuperseded
-  // alone is unique.
+  // Changed by atomic read-modify-writes, or by the only thread of the process, so exactly one operation
+  // brings it to kSuperseded.
   Counter m_use_count{0};
-  // Running count of takes. Only the one take that the caller lets in reads and writes it.
+  // Running count of takes. Accessed only by takes, which the caller serialises.
   Counter m_take_position{0};
-  // Plain words, accessed only through atomic references once the block is shared: a take may look at an
-  // entry that a return is about to store. A return stores with release and a take loads with acquire, so
-  // that the new owner of a slot comes after the old one. Takes write marks one after the other, and a return
-  // to a marked position comes after the take that marked it.
+  // Plain words, accessed only through atomic references once the block is shared, because a take may read an
+  // entry while a return stores it. A return stores with release and a take loads with acquire, so everything
+  // that the old owner of a slot did happens before the new owner's use. Takes are serialised, and a return
+  // stores to a marked entry only after the take that marked it.
   std::array<unsigned long, Size> m_free_slots;
-  // Running count of returns; each return owns the position that it claimed here.
+  // Running count of returns. A read-modify-write gives each return a position of its own.
   Counter m_return_position{0};
-  // 0 while a slot is free; afterwards changed by the handles onto the slot's object.
+  // 0 while a slot is free; otherwise changed by the handles that own the slot's object, as `Handle` says.
   std::array<ReferenceCount, Size> m_reference_counts{};
-  // The layout must not depend on alignof(T), which varies with the caller's vector flags: raw bytes with
-  // room to move the first object up, and a pointer to it, set once before the block is shared.
+  // Raw bytes, because the layout must not depend on alignof(T), which varies with the compiler flags of
+  // callers. The bytes leave room to align the first object.
   std::array<unsigned char, Size * sizeof(T) + kPlacement> m_storage;
+  // The first object. Set once, before the block is shared.
   T* m_objects;
 };
 
@@ -194,9 +196,9 @@ bool ObjectPoolBlock<T, Size, Alignment, Policy>::Supersede() noexcept {
   return m_use_count.fetch_or(kSuperseded) == 0;
 }
 
-// At its last value the position is reset rather than left to wrap in the add, which comes to the same: the
-// ring goes on where 2^64 is a multiple of its size. The plain load first keeps a compare-exchange that would
-// fail off every other call.
+// The last position is reset by a compare-exchange instead of wrapping in the addition. Both give the same
+// ring order, since 2^64 is a multiple of the size. The load keeps a failing compare-exchange out of every
+// other call.
 template <class T, std::size_t Size, std::size_t Alignment, class Policy>
 inline std::size_t ObjectPoolBlock<T, Size, Alignment, Policy>::ClaimPosition(Counter& io_position) noexcept {
   unsigned long last = kLastPosition;

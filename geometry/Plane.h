@@ -6,10 +6,10 @@
 
 namespace lum {
 
-/// The points (x, y, z) with a x + b y + c z = d, where (a, b, c) is a unit normal and d the signed distance
-/// of the plane from the origin along it, in the unit of the points (Hesse normal form).
+/// The points (x, y, z) with a x + b y + c z = d (Hesse normal form). (a, b, c) is the unit normal. d is the
+/// signed distance of the plane from the origin along the normal, in the unit of the points.
 ///
-/// A plain value without shared state: safe from any thread, nothing is taken from the pools.
+/// A plain value without shared state, safe from any thread. It takes nothing from the pools.
 ///
 /// \tparam T  `float` or `double`
 template <class T>
@@ -17,8 +17,8 @@ class LUM_STANDALONE_DEBUG Plane {
  public:
   /// Divides all four values by the length of (i_a, i_b, i_c).
   ///
-  /// A squared length below the smallest normal value of T throws `std::invalid_argument`; one that is NaN
-  /// does not, and gives NaNs.
+  /// A squared length below the smallest normal number of T throws `std::invalid_argument`. A NaN does not
+  /// throw; the result is NaNs.
   Plane(T i_a, T i_b, T i_c, T i_d);
 
   ///@{
@@ -27,7 +27,7 @@ class LUM_STANDALONE_DEBUG Plane {
   constexpr T GetB() const noexcept { return m_b; }
   constexpr T GetC() const noexcept { return m_c; }
   ///@}
-  /// The signed distance from the origin along the normal: on the right-hand side of the equation.
+  /// The right-hand side of the equation: the signed distance from the origin along the normal.
   constexpr T GetD() const noexcept { return m_d; }
   /// (a, b, c), of unit length up to rounding.
   constexpr Vector<T, 3> GetNormal() const noexcept { return {m_a, m_b, m_c}; }
@@ -42,7 +42,7 @@ class LUM_STANDALONE_DEBUG Plane {
   T m_d;
 };
 
-/// How far the point lies from the plane, positive on the side that the normal points to:
+/// The distance of the point from the plane, positive on the side to which the normal points:
 /// ((a x + b y) + c z) - d.
 template <class T>
 constexpr T GetSignedDistance(Plane<T> const& i_plane, Point<T, 3> const& i_point) noexcept {

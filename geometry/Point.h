@@ -14,14 +14,14 @@ struct Origin_t {
   explicit constexpr Origin_t() noexcept = default;
 };
 
-/// Names the point with all coordinates zero. Every translation unit holds its own copy; it carries no state.
+/// The point whose coordinates are zero. Every translation unit has its own copy, which has no state.
 constexpr Origin_t Origin{};
 
-/// A position with N coordinates of type T, in the order x, y (, z), and nothing else.
+/// A position: N coordinates of type T, in the order x, y (, z).
 ///
-/// A plain value without shared state. A transform applied to a point applies the translation. Arithmetic is
-/// coordinate by coordinate in T; nothing is checked, nothing throws, nothing is taken from the pools. Safe
-/// from any thread on values of its own.
+/// A plain value that consists of its coordinates. Transforms apply their translation to points. Arithmetic
+/// is by coordinate in T. Nothing is checked, nothing throws, and nothing is taken from the pools. Safe from
+/// any thread that does not share the value.
 ///
 /// \tparam T  `float` or `double`
 /// \tparam N  2 or 3
@@ -33,12 +33,12 @@ class Point {
   constexpr Point() noexcept = default;  ///< The origin.
   constexpr Point(Origin_t) noexcept {}  ///< The origin.
   ///@{
-  /// From its coordinates.
+  /// From the coordinates.
   constexpr Point(T i_x, T i_y) noexcept requires(N == 2) : m_position(i_x, i_y) {}
   constexpr Point(T i_x, T i_y, T i_z) noexcept requires(N == 3) : m_position(i_x, i_y, i_z) {}
   ///@}
 
-  /// In the other precision: rounded to the nearest float, or widened exactly.
+  /// Converts from the other precision: rounds to the nearest float, or widens exactly.
   template <class U>
   requires(!std::same_as<T, U>) explicit constexpr Point(Point<U, N> const& i_other) noexcept
       : m_position(i_other - Origin) {}
@@ -49,7 +49,7 @@ class Point {
   constexpr T const& operator[](std::size_t i_index) const noexcept { return m_position[i_index]; }
   ///@}
   ///@{
-  /// A coordinate, by its name.
+  /// One coordinate.
   constexpr T GetX() const noexcept { return m_position.GetX(); }
   constexpr T GetY() const noexcept { return m_position.GetY(); }
   constexpr T GetZ() const noexcept requires(N == 3) { return m_position.GetZ(); }
@@ -67,7 +67,7 @@ class Point {
   ///@}
 
   ///@{
-  /// Moves the point by a vector, or back.
+  /// Moves the point by the vector, or by its negative.
   constexpr Point& operator+=(Vector<T, N> const& i_offset) noexcept {
     m_position += i_offset;
     return *this;
@@ -82,7 +82,7 @@ class Point {
   friend constexpr bool operator==(Point const&, Point const&) noexcept = default;
 
   ///@{
-  /// The point moved by a vector, or back.
+  /// The point moved by the vector, or by its negative.
   friend constexpr Point operator+(Point i_point, Vector<T, N> const& i_offset) noexcept {
     return i_point += i_offset;
   }
@@ -99,14 +99,14 @@ class Point {
   Vector<T, N> m_position;
 };
 
-/// The point that a vector leads to from the origin.
+/// The origin moved by the vector.
 template <class T, std::size_t N>
 constexpr Point<T, N> operator+(Origin_t i_origin, Vector<T, N> const& i_offset) noexcept {
   return Point<T, N>(i_origin) + i_offset;
 }
 
 ///@{
-/// For structured bindings.
+/// Support for structured bindings.
 template <std::size_t I, class T, std::size_t N>
 constexpr T& get(Point<T, N>& io_point) noexcept {
   return io_point[I];

@@ -12,8 +12,8 @@
 namespace lum {
 namespace {
 
-// Newer versions of Eigen raise the threshold to the smallest normal number; a rank that does not depend on
-// the version is counted here.
+// Counted here, so that the rank does not depend on the version of Eigen: newer versions raise the threshold
+// to the smallest normal number.
 std::int32_t CountRank(std::array<double, 3> const& i_singular_values, double i_tolerance) {
   double const threshold = i_singular_values[0] * i_tolerance;
   std::size_t rank = 3;
@@ -26,7 +26,7 @@ std::int32_t CountRank(std::array<double, 3> const& i_singular_values, double i_
 PseudoInverseResult CalculatePseudoInverse(Eigen::Matrix3d const& i_matrix, double i_tolerance) {
   if (!std::all_of(i_matrix.data(), i_matrix.data() + 9,
                    [](double i_value) { return std::isfinite(i_value); })) {
-    // Newer versions of Eigen give up on such a matrix and leave the decomposition uninitialised.
+    // Newer versions of Eigen do not decompose such a matrix and leave the result uninitialised.
     return {Eigen::Matrix3d::Constant(std::numeric_limits<double>::quiet_NaN()), 0};
   }
 

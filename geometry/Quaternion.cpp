@@ -10,6 +10,7 @@
 #include "geometry/internal/EigenAlgorithms.h"
 #include "geometry/internal/Lanes.h"
 #include "geometry/internal/NeverDestroyed.h"
+#include "geometry/internal/RequireSameSize.h"
 #include "geometry/internal/StrictArithmetic.h"
 
 namespace lum {
@@ -18,14 +19,14 @@ namespace {
 using Coefficients = std::array<float, 4>;
 
 Quaternionf::ObjectHandle CreateHandle(Coefficients const& i_coefficients) {
-  auto handle = CreateGlobalObject<QuaternionObject>();
+  auto handle = CreateGlobalObject<Quaternionf::Object>();
   std::copy(i_coefficients.begin(), i_coefficients.end(), handle->coeffs().data());
   return handle;
 }
 
 Quaternionf::ObjectHandle CreateIdentity() { return CreateHandle({0, 0, 0, 1}); }
 
-// Constant-initialised and never destroyed: valid before main and until the process is gone.
+// Constant-initialised and never destroyed: valid from before main until the process ends.
 constinit internal::NeverDestroyed<Lazy<Quaternionf::ObjectHandle>> identity(CreateIdentity);
 
 Coefficients MakeRotation(Vector<float, 3> const& i_axis, float i_angle) {
@@ -107,18 +108,20 @@ void Quaternionf::Transform(std::span<Vector<float, 3> const> i_vectors,
                             std::span<Vector<float, 3>> o_vectors) const {
   internal::RequireSameSize(i_vectors.size(), o_vectors.size());
   if (i_vectors.empty()) return;
-  internal::CarryTriples(
-      i_vectors.data()->data(), o_vectors.data()->data(), i_vectors.size(),
-      [q = GetCoefficients()](float const* ip_triples, float* op_triples, auto const& i_store) {
-        auto const& [x, y, z, w] = q;
-        auto const [a, b, c] = internal::LoadTriples(ip_triples);
-        internal::FloatLanes const ux = 2 * (y * c - z * b);
-        internal::FloatLanes const uy = 2 * (z * a - x * c);
-        internal::FloatLanes const uz = 2 * (x * b - y * a);
-        internal::StoreTriples({(a + w * ux) + (y * uz - z * uy), (b + w * uy) + (z * ux - x * uz),
-                                (c + w * uz) + (x * uy - y * ux)},
-                               op_triples, i_store);
-      });
+  auto const rotate_group = [q = GetCoefficients()](float const* ip_group, float* op_group,
+                                                    auto const& i_store) {
+    auto const& [x, y, z, w] = q;
+    auto const [a, b, c] = internal::LoadTriples(ip_group);
+    internal::FloatLanes const ux = 2 * (y * c - z * b);
+    internal::FloatLanes const uy = 2 * (z * a - x * c);
+    internal::FloatLanes const uz = 2 * (x * b - y * a);
+    internal::StoreTriples({(a + w * ux) + (y * uz - z * uy),  //
+                            (b + w * uy) + (z * ux - x * uz),  //
+                            (c + w * uz) + (x * uy - y * ux)},
+                           op_group, i_store);
+  };
+  internal::TransformTriples(i_vectors.data()->data(), o_vectors.data()->data(), i_vectors.size(),
+                             rotate_group);
 }
 
 Vector<float, 3> Quaternionf::InverseTransform(Vector<float, 3> const& i_vector) const {

@@ -8,7 +8,7 @@
 
 namespace lum::RootFinding {
 
-// Comparisons are written so that a NaN fails them: it passes the checks and ends the rounds.
+// The comparisons are written so that a NaN passes the checks and ends the iteration.
 double RegulaFalsi(std::function<double(double)> const& i_function, Range<double> const& i_range,
                    double i_tolerance) {
   if (0.0 >= i_tolerance) {

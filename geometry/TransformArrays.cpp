@@ -1,3 +1,5 @@
+#include "geometry/TransformArrays.h"
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -5,6 +7,7 @@
 
 #include "geometry/Matrix.h"
 #include "geometry/internal/Lanes.h"
+#include "geometry/internal/RequireSameSize.h"
 #include "geometry/internal/StrictArithmetic.h"
 
 namespace lum {
@@ -13,10 +16,10 @@ namespace {
 using internal::DoubleLanes;
 using internal::FloatLanes;
 
-// Carry triples by the sums that `Matrix` states for one, with a last addend for each row. Coefficients are
-// copied: the compiler would have to read them again after every store.
-void Carry(double const* ip_matrix, std::array<double, 3> const& i_last, double const* ip_values,
-           double* op_values, std::size_t i_count) {
+// The two overloads transform triples by the sums that `Matrix` states for one, with a last addend for each
+// row. They copy the coefficients, which the compiler would otherwise reload after every store.
+void TransformTriples(double const* ip_matrix, std::array<double, 3> const& i_last, double const* ip_values,
+                      double* op_values, std::size_t i_count) {
   std::array<DoubleLanes, 12> c;
   for (std::size_t row = 0; row < 3; ++row) {
     for (std::size_t column = 0; column < 3; ++column) {
@@ -24,61 +27,66 @@ void Carry(double const* ip_matrix, std::array<double, 3> const& i_last, double 
     }
     c[row + 9] = internal::Broadcast(i_last[row]);
   }
-  internal::CarryTriples(
-      ip_values, op_values, i_count, [c](double const* ip_triples, double* op_triples, auto const& i_store) {
-        auto const [x, y, z] = internal::LoadTriples(ip_triples);
-        internal::StoreTriples(
-            {((c[0] * x + c[3] * y) + c[6] * z) + c[9], ((c[1] * x + c[4] * y) + c[7] * z) + c[10],
-             ((c[2] * x + c[5] * y) + c[8] * z) + c[11]},
-            op_triples, i_store);
-      });
-}
-
-// Results are computed in the places where they are stored: x0 y0 z0 x1, y1 z1 x2 y2, z2 x3 y3 z3. That takes
-// fewer shuffles than sorting the numbers by their axis does.
-void Carry(float const* ip_matrix, std::array<float, 3> const& i_last, float const* ip_values,
-           float* op_values, std::size_t i_count) {
-  // The coefficients of one column, or the last addends, for each of the three.
-  auto const arrange = [](float const* v) {
-    return std::array<FloatLanes, 3>{FloatLanes{v[0], v[1], v[2], v[0]}, FloatLanes{v[1], v[2], v[0], v[1]},
-                                     FloatLanes{v[2], v[0], v[1], v[2]}};
+  auto const transform_group = [c](double const* ip_group, double* op_group, auto const& i_store) {
+    auto const [x, y, z] = internal::LoadTriples(ip_group);
+    internal::StoreTriples({((c[0] * x + c[3] * y) + c[6] * z) + c[9],   //
+                            ((c[1] * x + c[4] * y) + c[7] * z) + c[10],  //
+                            ((c[2] * x + c[5] * y) + c[8] * z) + c[11]},
+                           op_group, i_store);
   };
-  auto const cx = arrange(ip_matrix);
-  auto const cy = arrange(ip_matrix + 4);
-  auto const cz = arrange(ip_matrix + 8);
-  auto const last = arrange(i_last.data());
-  internal::CarryTriples(
-      ip_values, op_values, i_count,
-      [cx, cy, cz, last](float const* v, float* op_triples, auto const& i_store) {
-        // From a window of four numbers that starts at a coordinate: that of one point, and of the next.
-        auto const three_and_one = [v](std::size_t i_start) {
-          FloatLanes const window = internal::LoadLanes(v + i_start);
-          return __builtin_shufflevector(window, window, 0, 0, 0, 3);
-        };
-        auto const two_and_two = [v](std::size_t i_start) {
-          FloatLanes const window = internal::LoadLanes(v + i_start);
-          return __builtin_shufflevector(window, window, 0, 0, 3, 3);
-        };
-        auto const one_and_three = [v](std::size_t i_start) {
-          FloatLanes const window = internal::LoadLanes(v + i_start);
-          return __builtin_shufflevector(window, window, 0, 3, 3, 3);
-        };
-        FloatLanes const xyzx =
-            ((cx[0] * three_and_one(0) + cy[0] * three_and_one(1)) + cz[0] * three_and_one(2)) + last[0];
-        FloatLanes const yzxy =
-            ((cx[1] * two_and_two(3) + cy[1] * two_and_two(4)) + cz[1] * two_and_two(5)) + last[1];
-        FloatLanes const zxyz =
-            ((cx[2] * one_and_three(6) + cy[2] * one_and_three(7)) + cz[2] * one_and_three(8)) + last[2];
-        i_store(xyzx, op_triples);
-        i_store(yzxy, op_triples + 4);
-        i_store(zxyz, op_triples + 8);
-      });
+  internal::TransformTriples(ip_values, op_values, i_count, transform_group);
 }
 
-// Points carry the translation once, vectors no time: it is the last addend then, so that one that is not
-// finite shows.
+// Each loads four consecutive floats and repeats the first and the last of them, as often as its name says.
+FloatLanes LoadThreeAndOne(float const* ip_window) {
+  FloatLanes const window = internal::LoadLanes(ip_window);
+  return __builtin_shufflevector(window, window, 0, 0, 0, 3);
+}
+FloatLanes LoadTwoAndTwo(float const* ip_window) {
+  FloatLanes const window = internal::LoadLanes(ip_window);
+  return __builtin_shufflevector(window, window, 0, 0, 3, 3);
+}
+FloatLanes LoadOneAndThree(float const* ip_window) {
+  FloatLanes const window = internal::LoadLanes(ip_window);
+  return __builtin_shufflevector(window, window, 0, 3, 3, 3);
+}
+
+// The coefficients of one matrix column, or the last addends, for the three vectors that hold a group.
+std::array<FloatLanes, 3> Arrange(float const* v) {
+  return {FloatLanes{v[0], v[1], v[2], v[0]},  //
+          FloatLanes{v[1], v[2], v[0], v[1]},  //
+          FloatLanes{v[2], v[0], v[1], v[2]}};
+}
+
+// Computes the results in their order in memory: x0 y0 z0 x1, y1 z1 x2 y2, z2 x3 y3 z3. That takes fewer
+// shuffles than one vector for each axis.
+void TransformTriples(float const* ip_matrix, std::array<float, 3> const& i_last, float const* ip_values,
+                      float* op_values, std::size_t i_count) {
+  auto const cx = Arrange(ip_matrix);
+  auto const cy = Arrange(ip_matrix + 4);
+  auto const cz = Arrange(ip_matrix + 8);
+  auto const last = Arrange(i_last.data());
+  auto const transform_group = [cx, cy, cz, last](float const* v, float* op_group, auto const& i_store) {
+    FloatLanes const xyzx =
+        ((cx[0] * LoadThreeAndOne(v) + cy[0] * LoadThreeAndOne(v + 1)) + cz[0] * LoadThreeAndOne(v + 2)) +
+        last[0];
+    FloatLanes const yzxy =
+        ((cx[1] * LoadTwoAndTwo(v + 3) + cy[1] * LoadTwoAndTwo(v + 4)) + cz[1] * LoadTwoAndTwo(v + 5)) +
+        last[1];
+    FloatLanes const zxyz =
+        ((cx[2] * LoadOneAndThree(v + 6) + cy[2] * LoadOneAndThree(v + 7)) + cz[2] * LoadOneAndThree(v + 8)) +
+        last[2];
+    i_store(xyzx, op_group);
+    i_store(yzxy, op_group + 4);
+    i_store(zxyz, op_group + 8);
+  };
+  internal::TransformTriples(ip_values, op_values, i_count, transform_group);
+}
+
+// The last addend is the translation times 1 for points and times 0 for vectors, so a non-finite translation
+// still yields NaN.
 template <class T, class Value>
-void Transform(Matrix<T> const& i_matrix, T i_translations, std::span<Value const> i_values,
+void Transform(Matrix<T> const& i_matrix, T i_translation_factor, std::span<Value const> i_values,
                std::span<Value> o_values) {
   static_assert(sizeof(Value) == 3 * sizeof(T), "three numbers and nothing else");
   internal::RequireSameSize(i_values.size(), o_values.size());
@@ -88,8 +96,9 @@ void Transform(Matrix<T> const& i_matrix, T i_translations, std::span<Value cons
   }
   if (i_values.empty()) return;
   T const* const m = i_matrix.GetAsPtr();
-  std::array<T, 3> const last = {m[12] * i_translations, m[13] * i_translations, m[14] * i_translations};
-  Carry(m, last, i_values.data()->data(), o_values.data()->data(), i_values.size());
+  std::array<T, 3> const last = {m[12] * i_translation_factor, m[13] * i_translation_factor,
+                                 m[14] * i_translation_factor};
+  TransformTriples(m, last, i_values.data()->data(), o_values.data()->data(), i_values.size());
 }
 
 }  // namespace

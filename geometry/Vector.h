@@ -11,11 +11,11 @@
 
 namespace lum {
 
-/// A direction with N components of type T, in the order x, y (, z), and nothing else.
+/// A direction: N components of type T, in the order x, y (, z).
 ///
-/// A plain value without shared state. A transform applied to a vector ignores the translation. Arithmetic is
-/// component by component in T; nothing is checked, nothing throws, nothing is taken from the pools. Safe
-/// from any thread on values of its own.
+/// A plain value that consists of its components. Transforms ignore their translation for vectors. Arithmetic
+/// is by component in T. Nothing is checked, nothing throws, and nothing is taken from the pools. Safe from
+/// any thread that does not share the value.
 ///
 /// \tparam T  `float` or `double`
 /// \tparam N  2 or 3
@@ -30,12 +30,12 @@ class Vector {
   /// The zero vector.
   constexpr Vector() noexcept : m_components{} {}
   ///@{
-  /// From its components.
+  /// From the components.
   constexpr Vector(T i_x, T i_y) noexcept requires(N == 2) : m_components{i_x, i_y} {}
   constexpr Vector(T i_x, T i_y, T i_z) noexcept requires(N == 3) : m_components{i_x, i_y, i_z} {}
   ///@}
 
-  /// In the other precision: rounded to the nearest float, or widened exactly.
+  /// Converts from the other precision: rounds to the nearest float, or widens exactly.
   template <class U>
   requires(!std::same_as<T, U>) explicit constexpr Vector(Vector<U, N> const& i_other) noexcept : Vector() {
     for (std::size_t i = 0; i < N; ++i) m_components[i] = static_cast<T>(i_other[i]);
@@ -47,7 +47,7 @@ class Vector {
   constexpr T const& operator[](std::size_t i_index) const noexcept { return m_components[i_index]; }
   ///@}
   ///@{
-  /// A component, by its name.
+  /// One component.
   constexpr T GetX() const noexcept { return m_components[0]; }
   constexpr T GetY() const noexcept { return m_components[1]; }
   constexpr T GetZ() const noexcept requires(N == 3) { return m_components[2]; }
@@ -65,7 +65,7 @@ class Vector {
   ///@}
 
   ///@{
-  /// Component by component; a division divides each.
+  /// By component. A division by a scalar divides each component by it.
   constexpr Vector& operator+=(Vector const& i_other) noexcept;
   constexpr Vector& operator-=(Vector const& i_other) noexcept;
   constexpr Vector& operator*=(T i_factor) noexcept;
@@ -76,7 +76,7 @@ class Vector {
   friend constexpr bool operator==(Vector const&, Vector const&) noexcept = default;
 
   ///@{
-  /// Component by component; a division divides each.
+  /// By component. A division by a scalar divides each component by it.
   friend constexpr Vector operator+(Vector i_a, Vector const& i_b) noexcept { return i_a += i_b; }
   friend constexpr Vector operator-(Vector i_a, Vector const& i_b) noexcept { return i_a -= i_b; }
   friend constexpr Vector operator*(Vector i_vector, T i_factor) noexcept { return i_vector *= i_factor; }
@@ -132,24 +132,24 @@ constexpr Vector<T, 3> Cross(Vector<T, 3> const& i_a, Vector<T, 3> const& i_b) n
           i_a[0] * i_b[1] - i_a[1] * i_b[0]};
 }
 
-/// The dot product with itself.
+/// The dot product of the vector with itself.
 template <class T, std::size_t N>
 constexpr T GetSquaredLength(Vector<T, N> const& i_vector) noexcept {
   return Dot(i_vector, i_vector);
 }
 
-/// The square root of `GetSquaredLength`, without rescaling: it overflows and underflows with the squares.
+/// The square root of `GetSquaredLength`. The squares may overflow or underflow, since nothing is rescaled.
 template <class T, std::size_t N>
 T GetLength(Vector<T, N> const& i_vector) noexcept {
   return std::sqrt(GetSquaredLength(i_vector));
 }
 
 ///@{
-/// The vector divided by its length, component by component, in the precision of the argument.
+/// The vector with each component divided by its length, in the precision of the argument.
 ///
-/// The squares are summed as x x + y y, or (z z + y y) + x x in three dimensions. There is no guard: a zero
-/// vector gives NaNs, and a NaN spreads to all components. Where the squares overflow, finite components
-/// become 0 and infinite ones NaN; where they underflow to 0, components become infinite, and zeros NaN.
+/// The squares are summed as x x + y y, or (z z + y y) + x x in three dimensions. Nothing is checked. A zero
+/// vector gives NaNs, and one NaN makes all components NaN. If the squares overflow, finite components become
+/// 0 and infinite ones NaN. If the squares underflow to 0, components become infinite, and zeros NaN.
 LUM_EXPORT Vector<float, 2> GetNormalized(Vector<float, 2> const& i_vector);
 LUM_EXPORT Vector<double, 2> GetNormalized(Vector<double, 2> const& i_vector);
 LUM_EXPORT Vector<float, 3> GetNormalized(Vector<float, 3> const& i_vector);
@@ -157,7 +157,7 @@ LUM_EXPORT Vector<double, 3> GetNormalized(Vector<double, 3> const& i_vector);
 ///@}
 
 ///@{
-/// For structured bindings.
+/// Support for structured bindings.
 template <std::size_t I, class T, std::size_t N>
 constexpr T& get(Vector<T, N>& io_vector) noexcept {
   return io_vector[I];

@@ -8,10 +8,11 @@
 
 namespace lum::internal {
 
-/// Four numbers in vectors of 16 bytes, which every processor of ours has: a column of a transform.
-/// Arithmetic is number by number, each rounded as the scalar operation rounds it.
+/// A column of a transform: four numbers in SIMD vectors of 16 bytes, the width that every supported
+/// processor has. Arithmetic is by component, each rounded as the scalar operation rounds it.
 ///
-/// For the library's own sources: a caller's compiler may contract what is inlined into it.
+/// Only the library's own sources may include this header: the compiler flags of a caller could contract the
+/// operations that are inlined into it.
 template <class T>
 class Column {
  public:
@@ -32,8 +33,8 @@ class Column {
 
   void Store(T* op_values) const noexcept { std::memcpy(op_values, &m_parts, sizeof(m_parts)); }
 
-  /// Writes the first three numbers. By eight or sixteen bytes and the rest: written one by one, they would
-  /// hold up whoever reads them as a whole, as a function does that returns them.
+  /// Writes the first three numbers, by one store of 8 or 16 bytes and one of the rest. Three single stores
+  /// could not be forwarded to a wider load, such as that of a function which returns the result.
   void StoreThree(T* op_values) const noexcept {
     if constexpr (kParts == 1) {
       auto const pairs = reinterpret_cast<Pairs>(m_parts[0]);

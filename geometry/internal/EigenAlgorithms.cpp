@@ -1,8 +1,8 @@
 #include "geometry/internal/EigenAlgorithms.h"
 
-// Gives this file an Eigen of its own. In a statically linked program the linker keeps one copy of each
-// inline function, and a caller's copy, compiled for wider vectors, would read our locals with an alignment
-// that they do not have, or round differently.
+// Renames the namespace of Eigen in this source. In a statically linked program the linker keeps one copy of
+// each inline function. A caller's copy, compiled for wider vectors, would read local variables of this
+// source with an alignment that they do not have, or round differently.
 #define Eigen lum_eigen
 #include <Eigen/Geometry>
 #include <Eigen/LU>
@@ -33,14 +33,14 @@ std::array<float, 4> ExtractRotation(float const* ip_values) {
   for (int column = 0; column < 3; ++column) {
     for (int row = 0; row < 3; ++row) {
       if (!std::isfinite(transform(row, column))) {
-        // Newer versions give up on such a block and leave the rotation uninitialised.
+        // Newer versions of Eigen do not decompose such a block and leave the rotation uninitialised.
         constexpr float nan = std::numeric_limits<float>::quiet_NaN();
         return {nan, nan, nan, nan};
       }
     }
   }
-  // As Transform::computeRotationScaling does it in 3.4. Written out, because older versions turn another
-  // column where the block mirrors.
+  // Transform::computeRotationScaling of Eigen 3.4, written out because older versions reverse another column
+  // of a block that mirrors.
   lum_eigen::Matrix3f const block = transform.matrix().topLeftCorner<3, 3>();
   lum_eigen::JacobiSVD<lum_eigen::Matrix3f> const svd(block,
                                                       lum_eigen::ComputeFullU | lum_eigen::ComputeFullV);

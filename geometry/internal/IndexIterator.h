@@ -6,11 +6,11 @@
 
 namespace lum::internal {
 
-/// What all iterators over computed elements share: a running index, and the arithmetic of a random access
-/// iterator on it. The iterator proper derives from this, adds its context and computes `operator*`.
+/// The base of all iterators over computed elements: an index, and the arithmetic of a random access iterator
+/// on it. The derived iterator adds its context and computes `operator*`.
 ///
-/// Elements are values, not references, so these are random access iterators of C++20 and input iterators of
-/// older algorithms.
+/// Elements are values, not references. So the iterators are random access iterators in C++20, but input
+/// iterators for algorithms from before C++20.
 template <class Iterator, class Element>
 class IndexIterator {
  public:
@@ -47,7 +47,7 @@ class IndexIterator {
     return static_cast<difference_type>(i_a.GetIndex()) - static_cast<difference_type>(i_b.GetIndex());
   }
 
-  /// By index first; the iterators of one range agree in the rest.
+  /// Compares the indices. The derived iterator compares its context too.
   friend constexpr auto operator<=>(IndexIterator const&, IndexIterator const&) noexcept = default;
 
  protected:

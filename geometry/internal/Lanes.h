@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <stdexcept>
 
 #ifdef __SSE2__
 #include <emmintrin.h>
@@ -12,10 +11,11 @@
 
 namespace lum::internal {
 
-/// As many numbers as 16 bytes hold, which every processor of ours computes with at once. Each is rounded as
-/// the scalar operation rounds it, so results do not depend on how many go together.
+/// A SIMD vector of 16 bytes, the width that every supported processor has. Each lane is rounded as the
+/// scalar operation rounds it, so results do not depend on the number of lanes.
 ///
-/// For the library's own sources: a caller's compiler may contract what is inlined into it.
+/// Only the library's own sources may include this header: the compiler flags of a caller could contract the
+/// operations that are inlined into it.
 using FloatLanes = float __attribute__((vector_size(16)));
 using DoubleLanes = double __attribute__((vector_size(16)));
 
@@ -32,7 +32,8 @@ struct LanesOf<double> {
 template <class T>
 using Lanes = typename LanesOf<T>::Type;
 
-/// One number in every lane. An operand is spread by itself, and less 0 every number stays as it is, -0 too.
+/// The value in every lane. Scalar operands broadcast implicitly; subtracting +0 preserves every value,
+/// including -0.
 template <class T>
 Lanes<T> Broadcast(T i_value) noexcept {
   return i_value - Lanes<T>{};
@@ -45,7 +46,7 @@ Lanes<T> LoadLanes(T const* ip_values) noexcept {
   return lanes;
 }
 
-/// Writes numbers to where they belong.
+/// Stores lanes to memory of any alignment.
 struct StoreLanes {
   template <class L, class T>
   void operator()(L const& i_lanes, T* op_values) const noexcept {
@@ -53,8 +54,9 @@ struct StoreLanes {
   }
 };
 
-/// Writes numbers past the caches, to an address that 16 divides: the processor need not read a line before
-/// it writes all of it. Other threads may see such stores late, until `FinishStreaming`.
+/// Stores lanes past the caches, to an address that is a multiple of 16. The processor then does not read a
+/// cache line that is overwritten as a whole. Other threads may see such stores late, until
+/// `FinishStreaming`.
 struct StreamLanes {
 #ifdef __SSE2__
   void operator()(FloatLanes const& i_lanes, float* op_values) const noexcept {
@@ -71,24 +73,24 @@ struct StreamLanes {
 #endif
 };
 
-/// Orders what was streamed before every later store, as those of a caller who publishes the results are.
+/// Orders streamed stores before every later store, such as the one by which a caller publishes the results.
 inline void FinishStreaming() noexcept {
 #ifdef __SSE2__
   _mm_sfence();
 #endif
 }
 
-/// The number of triples that are carried together.
+/// The number of lanes, which is the number of triples in a group.
 template <class T>
 constexpr std::size_t kLanes = sizeof(Lanes<T>) / sizeof(T);
 
-/// x, y and z of as many triples.
+/// The x, y and z of a group of triples.
 template <class T>
 struct LaneTriple {
   Lanes<T> x, y, z;
 };
 
-/// Reads triples that follow each other: x0 y0 z0 x1 y1 z1 ...
+/// Reads a group of consecutive triples: x0 y0 z0 x1 y1 z1 ...
 inline LaneTriple<float> LoadTriples(float const* ip_values) noexcept {
   FloatLanes const xyzx = LoadLanes(ip_values);      // x0 y0 z0 x1
   FloatLanes const yzxy = LoadLanes(ip_values + 4);  // y1 z1 x2 y2
@@ -107,7 +109,7 @@ inline LaneTriple<double> LoadTriples(double const* ip_values) noexcept {
           __builtin_shufflevector(zx, yz, 0, 3)};
 }
 
-/// Writes them back in the same order.
+/// Writes a group of triples in the same order.
 template <class Store>
 void StoreTriples(LaneTriple<float> const& i_lanes, float* op_values, Store const& i_store) noexcept {
   auto const& [x, y, z] = i_lanes;
@@ -127,60 +129,56 @@ void StoreTriples(LaneTriple<double> const& i_lanes, double* op_values, Store co
   i_store(__builtin_shufflevector(y, z, 1, 3), op_values + 4);
 }
 
-/// Arrays of different sizes throw `std::invalid_argument`.
-inline void RequireSameSize(std::size_t i_from, std::size_t i_to) {
-  if (i_from != i_to) {
-    throw std::invalid_argument("arrays to transform from and to must be of the same size");
-  }
-}
-
-/// Carries fewer triples than go together, in the company of zeros.
+/// Transforms the last partial group, padded with zeros.
 template <class T, class Operation>
-[[gnu::always_inline]] inline void CarryFewTriples(T const* ip_values, T* op_values, std::size_t i_count,
-                                                   Operation const& i_carry) noexcept {
+[[gnu::always_inline]] inline void TransformRemainder(T const* ip_values, T* op_values, std::size_t i_count,
+                                                      Operation const& i_transform) noexcept {
   if (i_count == 0) return;
-  std::array<T, 3 * kLanes<T>> few{};
-  std::memcpy(few.data(), ip_values, 3 * i_count * sizeof(T));
-  i_carry(few.data(), few.data(), StoreLanes());
-  std::memcpy(op_values, few.data(), 3 * i_count * sizeof(T));
+  std::array<T, 3 * kLanes<T>> group{};
+  std::memcpy(group.data(), ip_values, 3 * i_count * sizeof(T));
+  i_transform(group.data(), group.data(), StoreLanes());
+  std::memcpy(op_values, group.data(), 3 * i_count * sizeof(T));
 }
 
-/// Carries triples group by group, by this store, and then the few that are left.
+/// Transforms every full group and stores it by `i_store`, then the remainder.
 template <class T, class Operation, class Store>
-[[gnu::always_inline]] inline void CarryByGroups(T const* ip_values, T* op_values, std::size_t i_count,
-                                                 Operation const& i_carry, Store const& i_store) noexcept {
+[[gnu::always_inline]] inline void ForEachGroup(T const* ip_values, T* op_values, std::size_t i_count,
+                                                Operation const& i_transform, Store const& i_store) noexcept {
   constexpr std::size_t step = 3 * kLanes<T>;
   for (; i_count >= kLanes<T>; i_count -= kLanes<T>, ip_values += step, op_values += step) {
-    i_carry(ip_values, op_values, i_store);
+    i_transform(ip_values, op_values, i_store);
   }
-  CarryFewTriples(ip_values, op_values, i_count, i_carry);
+  TransformRemainder(ip_values, op_values, i_count, i_transform);
 }
 
-/// Carries triples past the caches. Kept apart, so that small arrays do not pay for it.
+/// Transforms an array with streaming stores. A function of its own: inlined, it slowed small arrays.
 template <class T, class Operation>
 [[gnu::noinline]] void StreamTriples(T const* ip_values, T* op_values, std::size_t i_count,
-                                     Operation i_carry) noexcept {
-  // So many numbers after an address that 16 divides; three times as many triples lead to the next such
-  // address, since 3 * 3 is 1 modulo 4 and modulo 2.
-  std::size_t const beyond = reinterpret_cast<std::uintptr_t>(op_values) / sizeof(T) % kLanes<T>;
-  std::size_t const ahead = 3 * (kLanes<T> - beyond) % kLanes<T>;
-  CarryFewTriples(ip_values, op_values, ahead, i_carry);
-  CarryByGroups(ip_values + 3 * ahead, op_values + 3 * ahead, i_count - ahead, i_carry, StreamLanes());
+                                     Operation i_transform) noexcept {
+  // Elements past the previous 16-byte boundary. Skipping three times the remainder in triples realigns,
+  // since 3 * 3 = 1 (mod 4 and mod 2).
+  std::size_t const past_boundary = reinterpret_cast<std::uintptr_t>(op_values) / sizeof(T) % kLanes<T>;
+  std::size_t const skipped = 3 * (kLanes<T> - past_boundary) % kLanes<T>;
+  TransformRemainder(ip_values, op_values, skipped, i_transform);
+  ForEachGroup(ip_values + 3 * skipped, op_values + 3 * skipped, i_count - skipped, i_transform,
+               StreamLanes());
   FinishStreaming();
 }
 
-/// Results of this size and more leave the caches anyway: as much as the last level of common processors.
+/// Results of at least this size do not stay in the caches: it is the size of the last-level cache of common
+/// processors.
 constexpr std::size_t kStreamedBytes = std::size_t{32} << 20U;
 
-/// Carries every triple of an array by an operation that reads and writes `kLanes` of them, by the store that
-/// it is handed. The arrays may be one and the same.
+/// Transforms every triple of an array. `i_transform` reads a group at one address, writes it to another, and
+/// stores by its third argument. The two arrays may be the same array.
 template <class T, class Operation>
-void CarryTriples(T const* ip_values, T* op_values, std::size_t i_count, Operation const& i_carry) noexcept {
-  // Where results replace the values, their lines have been read already.
+void TransformTriples(T const* ip_values, T* op_values, std::size_t i_count,
+                      Operation const& i_transform) noexcept {
+  // In place, the cache lines of the results have been read already, so streaming saves nothing.
   if (3 * i_count * sizeof(T) >= kStreamedBytes && ip_values != op_values) {
-    StreamTriples(ip_values, op_values, i_count, i_carry);
+    StreamTriples(ip_values, op_values, i_count, i_transform);
   } else {
-    CarryByGroups(ip_values, op_values, i_count, i_carry, StoreLanes());
+    ForEachGroup(ip_values, op_values, i_count, i_transform, StoreLanes());
   }
 }
 

@@ -4,8 +4,8 @@
 
 namespace lum::internal {
 
-/// Holds a value of static storage duration that is constant-initialised and whose destructor never runs, so
-/// that it is valid before the first dynamic initialisation and after the last exit-time destructor.
+/// A value of static storage duration that is constant-initialised and never destroyed. It is valid before
+/// the first dynamic initialisation and after the last destructor of the process.
 template <class T>
 union NeverDestroyed {
   template <class... Arguments>

@@ -5,16 +5,16 @@
 
 namespace lum::internal {
 
-/// What pools and blocks synchronise with. The library uses the standard types. Tests substitute types that
-/// hand control to a scheduler before every operation, so that the shipped code itself is what they step.
+/// The types by which pools and blocks synchronise: the standard ones. Tests substitute types that yield to a
+/// scheduler before every operation, and so step through the code that is shipped.
 struct ObjectPoolPolicy {
-  /// A word that several threads change.
+  /// A word that several threads access.
   template <class Word>
   using Atomic = std::atomic<Word>;
-  /// Access to a plain word that several threads use.
+  /// Atomic access to a plain word.
   template <class Word>
   using AtomicRef = std::atomic_ref<Word>;
-  using Mutex = std::mutex;  ///< Guards the current block, and the making of the next.
+  using Mutex = std::mutex;  ///< Guards the current block, and the creation of the next.
 };
 
 }  // namespace lum::internal

@@ -9,9 +9,9 @@
 
 namespace lum::internal {
 
-/// Whether an operation on this atomic or mutex may be carried out by plain loads and stores, because the
-/// process has never had a second thread. A thread that is started later sees whatever was done before. False
-/// for types other than the standard ones, which tests substitute to watch every operation.
+/// Whether plain loads and stores may replace operations on this atomic or mutex, because the process has
+/// never had a second thread. Starting a thread synchronises with it, so it sees everything that was stored
+/// before. False for other types than the standard ones: tests substitute them to observe every operation.
 template <class Synchronised>
 bool IsSingleThreaded() noexcept {
 #if __has_include(<sys/single_threaded.h>)
@@ -23,7 +23,7 @@ bool IsSingleThreaded() noexcept {
   return false;
 }
 
-/// Adds and returns the value before, as an atomic read-modify-write that is sequentially consistent.
+/// Adds and returns the previous value, like a sequentially consistent atomic read-modify-write.
 template <class Counter>
 unsigned long FetchAdd(Counter& io_counter, unsigned long i_value) {
   if (IsSingleThreaded<Counter>()) {
@@ -36,7 +36,7 @@ unsigned long FetchAdd(Counter& io_counter, unsigned long i_value) {
   return io_counter.fetch_add(i_value);
 }
 
-/// Subtracts and returns the value before, as `FetchAdd` does.
+/// Subtracts and returns the previous value, like a sequentially consistent atomic read-modify-write.
 template <class Counter>
 unsigned long FetchSubtract(Counter& io_counter, unsigned long i_value) {
   if (IsSingleThreaded<Counter>()) {
@@ -49,8 +49,8 @@ unsigned long FetchSubtract(Counter& io_counter, unsigned long i_value) {
   return io_counter.fetch_sub(i_value);
 }
 
-/// Holds a mutex, or nothing while the process has one thread. Nothing that a caller could replace may run
-/// while it is held: a thread started in between would not be kept out.
+/// Locks a mutex, or elides the lock while the process has never had a second thread. Code that a caller can
+/// replace must not run meanwhile: a thread that it started would not be locked out.
 template <class Mutex>
 class ThreadLock {
  public:

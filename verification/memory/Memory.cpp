@@ -126,7 +126,7 @@ int main(int i_count, char**) {
   if (i_count > 1) {
     // More than were ever in use at once, so the last has not been handed out before.
     std::array<lum::Matrix<double>::ObjectHandle, 100> handles;
-    for (auto& handle : handles) handle = lum::CreateGlobalObject<lum::MatrixObject<double>>();
+    for (auto& handle : handles) handle = lum::CreateGlobalObject<lum::Matrix<double>::Object>();
     Look(*handles.back()->data());
   }
   std::printf("%d values looked at\n", looked_at);

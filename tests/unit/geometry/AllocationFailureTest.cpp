@@ -31,7 +31,7 @@ class FullPool {
   }
 
   static unsigned long GetUseCount() {
-    auto* const pool = GlobalPoolOf<Object>::m_pool.GetValue();
+    auto* const pool = PoolTypes<Object>::Global::m_pool.GetValue();
     return ObjectPoolTestAccess::UseCount(*ObjectPoolTestAccess::CurrentBlock(*pool)).load();
   }
 
@@ -73,7 +73,7 @@ TYPED_TEST_SUITE(AllocationFailure, Precisions);
 
 TYPED_TEST(AllocationFailure, LosesNothingInWhatMakesMatrices) {
   using M = Matrix<TypeParam>;
-  using Object = MatrixObject<TypeParam>;
+  using Object = typename MatrixPoolTypes<TypeParam>::Object;
   M const identity;  // made now, while there is memory
   M const a = M::Translate(1, 2, 3);
   M const b = M::Scale(2);
@@ -116,7 +116,7 @@ TYPED_TEST(AllocationFailure, LeavesTheLeftFactorOfAProductInPlaceAsItWas) {
   M const copy = a;
   M const b = M::Scale(2);
   for (unsigned long const left : {0UL, 1UL}) {
-    FullPool<MatrixObject<TypeParam>> const full(left);
+    FullPool<typename MatrixPoolTypes<TypeParam>::Object> const full(left);
     FailingAllocation const no_memory(0);
     EXPECT_THROW(a *= b, std::bad_alloc);
   }
@@ -131,7 +131,7 @@ TYPED_TEST(AllocationFailure, LeavesASharedMatrixShared) {
   M const original = M::Translate(1, 2, 3);
   M copy = original;
   {
-    FullPool<MatrixObject<TypeParam>> const full(0);
+    FullPool<typename MatrixPoolTypes<TypeParam>::Object> const full(0);
     FailingAllocation const no_memory(0);
     EXPECT_THROW(copy.GetMutableInternal(), std::bad_alloc);
     EXPECT_THROW(copy.GetMutableInverseInternal(), std::bad_alloc);
@@ -147,19 +147,19 @@ void ExpectConversionStepByStep() {
   Matrix<T> target = Matrix<T>::Scale(2);
   Matrix<T> const old = target;
   {
-    FullPool<MatrixObject<T>> const full(0);
+    FullPool<typename MatrixPoolTypes<T>::Object> const full(0);
     FailingAllocation const no_memory(0);
     EXPECT_THROW(target = source, std::bad_alloc);
     EXPECT_EQ(target.GetMatrix().Get(), old.GetMatrix().Get()) << "the first step changed something";
   }
   {
-    FullPool<MatrixObject<T>> const full(1);
+    FullPool<typename MatrixPoolTypes<T>::Object> const full(1);
     FailingAllocation const no_memory(0);
     EXPECT_THROW(target = source, std::bad_alloc);
   }
   EXPECT_TRUE(target == Matrix<T>::Translate(1, 2, 3));
   EXPECT_EQ(target.GetMatrixInverse().Get(), old.GetMatrixInverse().Get());
-  EXPECT_EQ((CountFailures<MatrixObject<T>>([&] { Matrix<T>{source}; })), 2U);
+  EXPECT_EQ((CountFailures<typename MatrixPoolTypes<T>::Object>([&] { Matrix<T>{source}; })), 2U);
 }
 
 TEST(AllocationFailure, AConversionKeepsTheStepsThatSucceeded) {
@@ -172,15 +172,15 @@ TEST(AllocationFailure, LosesNothingInWhatMakesQuaternions) {
   Quaternionf const q({0, 0, 1}, 1);
   std::array<float, 4> const coefficients = q.GetCoefficients();
   Matrix<float> const matrix = Matrix<float>::Rotate({0, 0, 1}, 1);
-  EXPECT_EQ(CountFailures<QuaternionObject>([] { Quaternionf({0, 0, 1}, 1); }), 1U);
-  EXPECT_EQ(CountFailures<QuaternionObject>([&] { Quaternionf{matrix}; }), 1U);
-  EXPECT_EQ(CountFailures<QuaternionObject>([&] { q* q; }), 1U);
-  EXPECT_EQ(CountFailures<QuaternionObject>([&] { q.Slerp(0.5F, q); }), 1U);
-  EXPECT_EQ(CountFailures<QuaternionObject>([&] { q.Transform({1, 2, 3}); }), 0U);
-  EXPECT_EQ(CountFailures<QuaternionObject>([&] { (void)q.IsApproximately(q, 1); }), 0U);
-  EXPECT_EQ(CountFailures<MatrixObject<float>>([&] { q.InverseTransform({1, 2, 3}); }), 2U);
+  EXPECT_EQ(CountFailures<Quaternionf::Object>([] { Quaternionf({0, 0, 1}, 1); }), 1U);
+  EXPECT_EQ(CountFailures<Quaternionf::Object>([&] { Quaternionf{matrix}; }), 1U);
+  EXPECT_EQ(CountFailures<Quaternionf::Object>([&] { q* q; }), 1U);
+  EXPECT_EQ(CountFailures<Quaternionf::Object>([&] { q.Slerp(0.5F, q); }), 1U);
+  EXPECT_EQ(CountFailures<Quaternionf::Object>([&] { q.Transform({1, 2, 3}); }), 0U);
+  EXPECT_EQ(CountFailures<Quaternionf::Object>([&] { (void)q.IsApproximately(q, 1); }), 0U);
+  EXPECT_EQ(CountFailures<MatrixPoolTypes<float>::Object>([&] { q.InverseTransform({1, 2, 3}); }), 2U);
   EXPECT_EQ(q.GetCoefficients(), coefficients);
-  EXPECT_EQ(CountFailures<MatrixObject<float>>([&] { q.GetAsMatrix(); }), 2U);
+  EXPECT_EQ(CountFailures<MatrixPoolTypes<float>::Object>([&] { q.GetAsMatrix(); }), 2U);
 }
 
 }  // namespace

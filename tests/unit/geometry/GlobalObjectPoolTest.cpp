@@ -30,17 +30,17 @@ static_assert(
 // ctest runs each case in a process of its own, so nothing has used the library before.
 TEST(GlobalObjectPool, TheFirstDefaultMatrixMakesThePoolItsBlockAndTheIdentity) {
   using Types = MatrixPoolTypes<float>;
-  BlockCensus const census(sizeof(PoolTypes<Types::Object>::ObjectPoolBlock));
+  BlockCensus const census(sizeof(Types::ObjectPool::Block));
   Matrix<float> const first;
   EXPECT_EQ(BlockCensus::GetMade(), 1U);
-  auto* const block = ObjectPoolTestAccess::CurrentBlock(*GlobalPoolOf<Types::Object>::m_pool.GetValue());
+  auto* const block = ObjectPoolTestAccess::CurrentBlock(*Types::Global::m_pool.GetValue());
   EXPECT_EQ(first.GetMatrix().Get(), block->GetObject(0));
   EXPECT_EQ(ObjectPoolTestAccess::UseCount(*block).load(), 1U);
   EXPECT_EQ(Matrix<float>::Scale(2).GetMatrix().Get(), block->GetObject(1));
 }
 
 TEST(GlobalObjectPool, APoolThatIsNotUsedIsNotMade) {
-  BlockCensus const census(sizeof(PoolTypes<QuaternionObject>::ObjectPoolBlock));
+  BlockCensus const census(sizeof(QuaternionPoolTypes::ObjectPool::Block));
   Matrix<float> const matrix = Matrix<float>::Scale(2) * Matrix<float>();
   EXPECT_EQ(BlockCensus::GetMade(), 0U);
   Quaternionf const rotation({0, 0, 1}, 1);
@@ -51,7 +51,7 @@ TEST(GlobalObjectPool, APoolThatIsNotUsedIsNotMade) {
 // factory of the identity, while the others wait for it; all get the same object, and only one block is made.
 TEST(GlobalObjectPool, ThreadsThatAskAtOnceGetTheSameIdentity) {
   constexpr std::size_t threads = 8;
-  BlockCensus const census(sizeof(PoolTypes<MatrixObject<double>>::ObjectPoolBlock));
+  BlockCensus const census(sizeof(MatrixPoolTypes<double>::ObjectPool::Block));
   std::barrier start(threads);
   std::vector<Matrix<double>::Object const*> objects(threads);
   {
@@ -70,8 +70,7 @@ TEST(GlobalObjectPool, ThreadsThatAskAtOnceGetTheSameIdentity) {
 }
 
 TEST(GlobalObjectPool, HandsOutTheSamePoolEveryTime) {
-  EXPECT_EQ(GlobalPoolOf<QuaternionObject>::m_pool.GetValue(),
-            GlobalPoolOf<QuaternionObject>::m_pool.GetValue());
+  EXPECT_EQ(QuaternionPoolTypes::Global::m_pool.GetValue(), QuaternionPoolTypes::Global::m_pool.GetValue());
 }
 
 TEST(GlobalObjectPool, IdentitiesOfTheTwoPrecisionsAreApart) {
@@ -92,9 +91,9 @@ void ExpectPlacement(std::size_t i_alignment) {
 }
 
 TEST(GlobalObjectPool, PlacesMatricesOnTheirOwnCacheLines) {
-  ExpectPlacement<MatrixObject<float>>(64);
-  ExpectPlacement<MatrixObject<double>>(64);
-  ExpectPlacement<QuaternionObject>(16);
+  ExpectPlacement<MatrixPoolTypes<float>::Object>(64);
+  ExpectPlacement<MatrixPoolTypes<double>::Object>(64);
+  ExpectPlacement<QuaternionPoolTypes::Object>(16);
 }
 
 // Threads share values only by copying them: each copies the same matrix, multiplies, inverts and drops, and

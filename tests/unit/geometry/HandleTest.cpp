@@ -42,9 +42,9 @@ static_assert(std::is_nothrow_move_constructible_v<TestHandle>);
 static_assert(sizeof(Handle<int, Count, Deleter>) == 3 * sizeof(void*));
 static_assert(std::is_nothrow_copy_constructible_v<TestHandle>);
 static_assert(!std::is_nothrow_move_assignable_v<TestHandle>, "this deleter may throw");
-static_assert(std::is_nothrow_copy_assignable_v<PoolTypes<QuaternionObject>::ObjectHandle>);
-static_assert(std::is_nothrow_move_assignable_v<PoolTypes<QuaternionObject>::ObjectHandle>);
-static_assert(sizeof(PoolTypes<QuaternionObject>::ObjectHandle) == 4 * sizeof(void*));
+static_assert(std::is_nothrow_copy_assignable_v<QuaternionPoolTypes::ObjectHandle>);
+static_assert(std::is_nothrow_move_assignable_v<QuaternionPoolTypes::ObjectHandle>);
+static_assert(sizeof(QuaternionPoolTypes::ObjectHandle) == 4 * sizeof(void*));
 
 class HandleOnObjects : public testing::Test {
  protected:
@@ -72,10 +72,10 @@ TEST_F(HandleOnObjects, ChecksTheObjectThenTheCountThenTheDeleter) {
 }
 
 TEST_F(HandleOnObjects, RefusesAPooledObjectWithoutItsPoolOrItsBlock) {
-  using Pooled = PoolTypes<QuaternionObject>;
-  using Release = ObjectPoolDeleter<QuaternionObject, Pooled::ObjectPool, Pooled::ObjectPoolBlock>;
-  auto const block = std::make_unique<Pooled::ObjectPoolBlock>();
-  auto* const pool = GlobalPoolOf<QuaternionObject>::m_pool.GetValue();
+  using Pooled = QuaternionPoolTypes;
+  using Release = ObjectPoolDeleter<Pooled::Object, Pooled::ObjectPool, Pooled::ObjectPool::Block>;
+  auto const block = std::make_unique<Pooled::ObjectPool::Block>();
+  auto* const pool = Pooled::Global::m_pool.GetValue();
   auto* const count = block->GetReferenceCount(0);
   for (Release const& release : {Release{}, Release{pool, nullptr}, Release{nullptr, block.get()}}) {
     EXPECT_TRUE(test::Throws<std::invalid_argument>(

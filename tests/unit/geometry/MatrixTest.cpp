@@ -365,10 +365,11 @@ TYPED_TEST(MatrixOf, AssignmentReleasesWhatItReplaces) {
 // Whether of two objects that have gone back to the current block the first came first: they are handed out
 // in that order.
 template <class T>
-bool WasReturnedFirst(MatrixObject<T> const* ip_first, MatrixObject<T> const* ip_second) {
+bool WasReturnedFirst(typename MatrixPoolTypes<T>::Object const* ip_first,
+                      typename MatrixPoolTypes<T>::Object const* ip_second) {
   std::vector<typename MatrixPoolTypes<T>::ObjectHandle> taken;
   while (taken.size() < 32) {
-    taken.push_back(CreateGlobalObject<MatrixObject<T>>());
+    taken.push_back(CreateGlobalObject<typename MatrixPoolTypes<T>::Object>());
     if (taken.back().Get() == ip_first) return true;
     if (taken.back().Get() == ip_second) return false;
   }

@@ -37,7 +37,7 @@ static_assert(!std::is_convertible_v<Quaternionf::ObjectHandle const&, Quaternio
 
 // A quaternion with these coefficients exactly.
 Quaternionf Make(Coefficients const& i_coefficients) {
-  auto handle = CreateGlobalObject<QuaternionObject>();
+  auto handle = CreateGlobalObject<Quaternionf::Object>();
   std::copy(i_coefficients.begin(), i_coefficients.end(), handle->coeffs().data());
   return Quaternionf(handle);
 }
@@ -289,7 +289,7 @@ TEST(Quaternion, DefaultValuesTakeNoObject) {
 }
 
 TEST(Quaternion, SharesTheObjectOfAHandle) {
-  auto handle = CreateGlobalObject<QuaternionObject>();
+  auto handle = CreateGlobalObject<Quaternionf::Object>();
   handle->coeffs() << 1, 2, 3, 4;
   Quaternionf const quaternion(handle);
   EXPECT_EQ(handle.GetReferenceCount(), 2U);
@@ -298,7 +298,7 @@ TEST(Quaternion, SharesTheObjectOfAHandle) {
 }
 
 TEST(Quaternion, AssignmentKeepsTheCountsRight) {
-  auto handle = CreateGlobalObject<QuaternionObject>();
+  auto handle = CreateGlobalObject<Quaternionf::Object>();
   handle->coeffs().setZero();
   Quaternionf first(handle);
   Quaternionf second = first;
