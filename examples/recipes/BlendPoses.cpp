@@ -10,9 +10,9 @@ using Matrix = lum::Matrix<float>;
 using Point = lum::Point<float, 3>;
 using Vector = lum::Vector<float, 3>;
 
-// The rigid pose at t between two: turned along the shorter arc, moved along a line.
+// The rigid pose at t between two poses: rotated along the shorter arc, moved along a line.
 Matrix Blend(Matrix const& i_from, Matrix const& i_to, float i_t) {
-  lum::Quaternionf const from(i_from);  // reads the rotation out of the matrix, without the scale
+  lum::Quaternionf const from(i_from);  // extracts the rotation, without the scale
   lum::Quaternionf const to(i_to);
   Point const place = LinearInterpolation(i_from * Point(), i_to * Point(), i_t);
   return Matrix::Translate(place - lum::Origin) * from.Slerp(i_t, to).GetAsMatrix();

@@ -16,7 +16,7 @@ void Print(char const* ip_name, Point const& i_point) {
 }  // namespace
 
 int main() {
-  // Each frame by its origin and axes as they stand in the other one of its name.
+  // a_from_b is made from the origin and the axes of b, in coordinates of a.
   Matrix const world_from_robot(Point(2, 1, 0), Vector(0, 1, 0), Vector(-1, 0, 0), Vector(0, 0, 1));
   Matrix const robot_from_lidar(Point(0.3, 0, 0.5), Vector(1, 0, 0), Vector(0, -1, 0), Vector(0, 0, -1));
   Matrix const world_from_camera(Point(3, 9, 1.5), Vector(-1, 0, 0), Vector(0, 0, -1), Vector(0, -1, 0));

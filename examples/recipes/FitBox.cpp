@@ -12,7 +12,7 @@ namespace {
 using Matrix = lum::Matrix<float>;
 using Point = lum::Point<float, 3>;
 
-// Maps the bounding box of the points into the cube from -1 to 1, around its centre, without distortion.
+// Maps the bounding box of the points into the cube from -1 to 1, centred and without distortion.
 Matrix FitIntoCube(std::span<Point const> i_points) {
   Point low = i_points.front();
   Point high = low;

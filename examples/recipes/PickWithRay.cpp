@@ -8,7 +8,7 @@ using Matrix = lum::Matrix<double>;
 using Point = lum::Point<double, 3>;
 using Vector = lum::Vector<double, 3>;
 
-// Where a camera that looks along its own -z sees a pixel of 640 x 480, counted from the upper left.
+// The direction of a pixel, for a camera with 640 x 480 pixels that looks along -z; row 0 is at the top.
 Vector GetDirection(double i_column, double i_row) {
   constexpr double focal_length = 500;  // in pixels
   return {(i_column - 320) / focal_length, (240 - i_row) / focal_length, -1};

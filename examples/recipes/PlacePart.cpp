@@ -9,7 +9,7 @@ using Matrix = lum::Matrix<double>;
 using Point = lum::Point<double, 3>;
 using Vector = lum::Vector<double, 3>;
 
-// Carries the centre to the origin, rotates there, and carries it back. The axis is of unit length.
+// Moves the centre to the origin, rotates there, and moves it back. The axis must have unit length.
 Matrix RotateAbout(Point const& i_centre, Vector const& i_axis, double i_angle) {
   Vector const offset = i_centre - lum::Origin;
   return Matrix::Translate(offset) * Matrix::Rotate(i_axis, i_angle) * Matrix::Translate(-offset);

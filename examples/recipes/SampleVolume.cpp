@@ -13,7 +13,7 @@ using Point = lum::Point<double, 3>;
 
 constexpr std::array<unsigned, 3> size = {4, 3, 3};
 
-// Samples at a point given in voxels; outside of the grid, the outermost cell goes on.
+// Samples at a point given in voxels. Outside the grid, the outermost cell is extrapolated.
 double Sample(std::vector<double> const& i_values, Point i_point) {
   std::array<std::size_t, 3> cell{};
   for (std::size_t axis = 0; axis < 3; ++axis) {
@@ -36,7 +36,7 @@ int main() {
   std::vector<double> values(std::size_t{size[0]} * size[1] * size[2]);
   for (std::size_t i = 0; i < values.size(); ++i) values[i] = static_cast<double>(i * i);
 
-  // The scanner's frame, in millimetres: where voxel (0, 0, 0) lies, and the step along each of its axes.
+  // The scanner's frame in millimetres: the position of voxel (0, 0, 0), and the step along each axis.
   lum::Matrix<double> const world_from_voxel(Point(-20, 30, 5), {0, 2, 0}, {-2, 0, 0}, {0, 0, 4});
   for (Point const& place : {Point(-20, 30, 5), Point(-21, 31, 7), Point(-22.5, 36.5, 10)}) {
     auto const [x, y, z] = world_from_voxel.GetInverse() * place;

@@ -11,7 +11,7 @@ using Point = lum::Point<float, 3>;
 int main() {
   Matrix const placement = Matrix::Translate(1, 2, 3) * Matrix::Scale(2);
 
-  // Every worker has a copy of its own, which it may change; the values behind them are shared until then.
+  // Each worker has its own copy and may change it. The copies share their objects until then.
   std::array<Point, 3> tips;
   std::array<std::thread, 3> workers;
   for (std::size_t i = 0; i < workers.size(); ++i) {
@@ -31,6 +31,6 @@ int main() {
 
   Point const origin;
   std::printf("there and back: x = %g", (copy.GetInverse() * (copy * origin)).GetX());
-  copy.GetMutableInverseInternal()->translation().x() = -2.5F;  // -5 / 2, to go with the 5
+  copy.GetMutableInverseInternal()->translation().x() = -2.5F;  // -5 / 2: the inverse of x -> 2 x + 5
   std::printf(", then %g\n", (copy.GetInverse() * (copy * origin)).GetX());
 }

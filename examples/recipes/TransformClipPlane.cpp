@@ -18,7 +18,7 @@ int main() {
   Matrix const world_from_box = Matrix::Translate(10, 0, 0) * Matrix::Scale(2);
   Plane const clip(2, 1, 2, 25);  // 2 x + y + 2 z = 25 in the world
 
-  // One plane goes to the points, instead of all points to the plane.
+  // Transforms one plane into the box instead of all points into the world.
   Plane const clip_in_box = world_from_box.GetInverse() * clip;
   auto const kept =
       std::ranges::count_if(corners, [&](Point const& p) { return GetSignedDistance(clip_in_box, p) > 0; });
