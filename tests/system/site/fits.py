@@ -1,7 +1,6 @@
 """Opens every page of the site in headless Chromium, on a desktop and on a phone: fits.py <chromium> <folder with index.html>
 
-A page whose content is wider than its window fails, and so does what is cut off. Tables, code and wide figures may
-scroll by themselves.
+A page fails if its content is wider than the window, or is cut off. Tables, code and wide figures may scroll.
 """
 
 import html
@@ -15,7 +14,7 @@ import tempfile
 from serve import serve
 
 WIDTHS = {"desktop": 1280, "phone": 390}
-# Measures the pages one after the other in a frame, and writes what it found into the document.
+# Loads the pages one after the other in a frame, and writes the measurements into the document.
 MEASURE = """<!DOCTYPE html><title>Measure</title><body><pre id="found"></pre><script>
 const settle = () => new Promise((resolve) => setTimeout(resolve, 50));
 (async () => {
@@ -62,7 +61,7 @@ def main():
                 stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=True, text=True, timeout=280).stdout
     found = re.search(r'<pre id="found">(.+?)</pre>', dumped)
     if not found:
-        sys.exit("the browser did not get through the pages")
+        sys.exit("the browser did not finish measuring the pages")
     measured = json.loads(html.unescape(found[1]))
     faults = [f"{page} is {excess} pixels too wide on a {device}" for device, page, _, excess in measured if excess > 0]
     faults += [f"{page} has no content" for _, page, parts, _ in measured if parts < 2]

@@ -1,7 +1,7 @@
 """Checks every link: links.py <linkchecker> pages <source directory> | site <folder>
 
-`pages` takes the Markdown files as a forge shows them, `site` what Doxygen made of them, with its anchors. linkchecker
-does the work; by HTTP, since as root it reads no files of others. Links to elsewhere are not followed but listed.
+`pages` checks the Markdown files, `site` the pages that Doxygen wrote, including their anchors. linkchecker reads them
+by HTTP: started as root, it drops its privileges and could not read the files. External links are listed, not followed.
 """
 
 import pathlib
@@ -17,7 +17,7 @@ SETTINGS = """
 [checking]
 maxrequestspersecond=1000
 [filtering]
-# Markdown is read by the plugin.
+# The plugin below reads Markdown.
 ignorewarnings=url-content-type-unparseable
 [MarkdownCheck]
 [AnchorCheck]
@@ -25,7 +25,7 @@ ignorewarnings=url-content-type-unparseable
 
 
 def find_outward(files):
-    """The links to other machines, by where they lead."""
+    """The external links, each once."""
     link = r'(?:href="|\]\(|<)(https?://[^\s")>]+)'
     return sorted({url for file in files for url in re.findall(link, file.read_text())})
 
@@ -44,10 +44,10 @@ def main():
     for url in find_outward(files):
         print(f"not followed: {url}")
         if not re.fullmatch(r"[\w.-]+\.\w+", urllib.parse.urlsplit(url).netloc):
-            faults.append(f"no address: {url}")
+            faults.append(f"not a host name: {url}")
     if kind == "site":
         loads = re.compile(r'<(?:script|img|object|iframe)\b[^>]*?(?:src|data)="https?:|<link\b[^>]*href="https?:')
-        faults += [f"loads from elsewhere: {file.name}" for file in files if loads.search(file.read_text())]
+        faults += [f"loads from the network: {file.name}" for file in files if loads.search(file.read_text())]
     for fault in faults:
         print(fault, file=sys.stderr)
 

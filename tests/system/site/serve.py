@@ -1,4 +1,4 @@
-"""A folder by HTTP on this machine, as long as a `with` lasts."""
+"""Serves a folder by HTTP on this machine while a `with` block runs."""
 
 import contextlib
 import functools
@@ -14,7 +14,7 @@ class QuietHandler(http.server.SimpleHTTPRequestHandler):
         pass
 
     def send_head(self):
-        """Markdown goes without its blocks of code, in which linkchecker would find links: `[](Point const& p)`."""
+        """Serves Markdown without its code blocks, since linkchecker would take `[](Point const& p)` for a link."""
         path = pathlib.Path(self.translate_path(self.path))
         if path.suffix != ".md" or not path.is_file():
             return super().send_head()
@@ -32,12 +32,12 @@ class QuietHandler(http.server.SimpleHTTPRequestHandler):
 
 class QuietServer(http.server.ThreadingHTTPServer):
     def handle_error(self, *_):
-        pass  # a client that went away before it had everything
+        pass  # the client closed the connection early
 
 
 @contextlib.contextmanager
 def serve(folder):
-    """Gives the address at which the folder is found, with a slash behind it."""
+    """Yields the address of the folder, with a trailing slash."""
     handler = functools.partial(QuietHandler, directory=folder)
     with QuietServer(("127.0.0.1", 0), handler) as server:
         threading.Thread(target=server.serve_forever, daemon=True).start()

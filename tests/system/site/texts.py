@@ -1,8 +1,8 @@
 """Compares the texts in docs/ with those in the sources: texts.py <source directory>
 
-Every text in the sources of the library and of extras/ stands in docs/edge-cases.md, but for what streams and
-formatters print; every text that the page quotes stands in the sources; and the atlas in docs/cube.md has the values of
-the constants.
+docs/edge-cases.md must quote every text in the sources of the library and of extras/, except those that streams and
+formatters print. The sources must contain every text that the page quotes. The atlas in docs/cube.md must list the
+constants with their values.
 """
 
 import pathlib
@@ -10,12 +10,12 @@ import re
 import sys
 
 LITERAL = r'"((?:[^"\\\n]|\\.)*)"'
-# What streams and formatters print, and what attributes are called.
+# Texts that streams and formatters print, and names of attributes.
 NO_ERRORS = re.compile(r".* with value: |nullopt|[][(),; ]+|default")
 
 
 def find_texts(source):
-    """The string literals of C++ code, neighbours joined. Preprocessor lines hold one in #error only."""
+    """The string literals of C++ code, adjacent ones joined. Among preprocessor lines, only #error has a literal."""
     source = re.sub(r"//[^\n]*", "", source)
     source = re.sub(r"^\s*#\s*include[^\n]*", "", source, flags=re.MULTILINE)
     joined = re.sub(r'"\s*\n\s*"', "", source)
@@ -29,7 +29,7 @@ def main():
     for path in sorted((root / "cmake").glob("*.cmake")):
         for arguments in re.findall(r"message\(\s*FATAL_ERROR([^)]*)\)", path.read_text()):
             texts.update(re.findall(LITERAL, arguments))
-    inward = {"three numbers and nothing else", "no gaps"}  # assertions about the library's own types
+    own_types = {"three numbers and nothing else", "no gaps"}  # static_asserts on types of the library, which no user sees fail
     page = (root / "docs/edge-cases.md").read_text()
     quoted = set(re.findall(r'`"([^`]*)"`', page))
 
@@ -38,10 +38,10 @@ def main():
     rows = re.findall(r"^\| (\d+) \| `([01']+)` \| `(\w+)` \|", (root / "docs/cube.md").read_text(), re.MULTILINE)
     atlas = {(name, value): bits for value, bits, name in rows}
 
-    faults = [f"not in docs/edge-cases.md: {text}" for text in sorted(texts - inward - quoted)]
+    faults = [f"not in docs/edge-cases.md: {text}" for text in sorted(texts - own_types - quoted)]
     faults += [f"in docs/edge-cases.md, but not in the sources: {text}" for text in sorted(quoted - texts)]
     faults += [f"not in the atlas of docs/cube.md: {name} {value}" for name, value in sorted(constants - set(atlas))]
-    faults += [f"in the atlas, but no constant: {name} {value}" for name, value in sorted(set(atlas) - constants)]
+    faults += [f"in the atlas, but not a constant: {name} {value}" for name, value in sorted(set(atlas) - constants)]
     faults += [
         f"the bits of {name} in the atlas are {bits}"
         for (name, value), bits in atlas.items()
