@@ -29,7 +29,8 @@ def main():
     for path in sorted((root / "cmake").glob("*.cmake")):
         for arguments in re.findall(r"message\(\s*FATAL_ERROR([^)]*)\)", path.read_text()):
             texts.update(re.findall(LITERAL, arguments))
-    own_types = {"three numbers and nothing else", "no gaps"}  # static_asserts on types of the library, which no user sees fail
+    # From static_asserts on the library's own types: no caller can make them fail.
+    own_types = {"three numbers and nothing else", "no gaps"}
     page = (root / "docs/edge-cases.md").read_text()
     quoted = set(re.findall(r'`"([^`]*)"`', page))
 
