@@ -1,11 +1,14 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <array>
 #include <compare>
 #include <cstddef>
 #include <iterator>
 #include <ranges>
+#include <vector>
 
 namespace lum::test {
 
@@ -49,6 +52,12 @@ constexpr unsigned int Encode(Coordinates const& i_element) {
   return value;
 }
 
+/// The element of an identifier's value.
+constexpr Coordinates Decode(unsigned int i_value) {
+  std::array<Coordinates, 27> const elements = GetElements();
+  return *std::ranges::find(elements, i_value, &Encode);
+}
+
 /// The elements of a dimension, 8, 12, 6 or 1 of them, in no particular order.
 template <std::size_t Count>
 constexpr std::array<Coordinates, Count> GetElementsOfDimension(int i_dimension) {
@@ -60,7 +69,7 @@ constexpr std::array<Coordinates, Count> GetElementsOfDimension(int i_dimension)
 constexpr std::array<Coordinates, 12> edges = GetElementsOfDimension<12>(1);
 constexpr std::array<Coordinates, 6> faces = GetElementsOfDimension<6>(2);
 
-/// What lists put together, element by element.
+/// A list of identifiers.
 template <class Id, std::size_t N>
 using Ids = std::array<Id, N>;
 
@@ -158,40 +167,71 @@ constexpr Ids<Edge, 4> ListEdgesOfFace(Coordinates const& i_face) {
   return list;
 }
 
-/// Whether a range lists just these elements, by every way to ask it.
-template <class Range, class Id, std::size_t N>
-constexpr bool Lists(Range const& i_range, Ids<Id, N> const& i_expected) {
-  static_assert(std::ranges::random_access_range<Range> && std::ranges::sized_range<Range> &&
-                std::ranges::common_range<Range> && std::ranges::borrowed_range<Range>);
-  if (i_range.size() != N || !std::ranges::equal(i_range, i_expected)) return false;
-  if (!std::equal(std::make_reverse_iterator(i_range.end()), std::make_reverse_iterator(i_range.begin()),
-                  i_expected.rbegin(), i_expected.rend())) {
-    return false;
-  }
-  auto const begin = i_range.begin();
-  for (std::size_t i = 0; i < N; ++i) {
-    auto const offset = static_cast<std::ptrdiff_t>(i);
-    if (i_range[i] != i_expected[i] || begin[offset] != i_expected[i]) return false;
-    if (i_range.IndexOf(i_expected[i]) != i) return false;
-    if (std::ranges::find(i_range, i_expected[i]) - begin != offset) return false;
-  }
-  return i_range.end() - begin == static_cast<std::ptrdiff_t>(N);
+/// The values of the identifiers in a range.
+template <class Range>
+std::vector<unsigned int> GetValues(Range const& i_range) {
+  std::vector<unsigned int> values;
+  for (auto const id : i_range) values.push_back(static_cast<unsigned int>(id));
+  return values;
 }
 
-/// Whether an iterator moves and compares as those of random access do. It must be at the start of a range of
-/// two elements or more.
+/// Reports that a check failed. It is not constexpr: in a static_assert the compiler stops at the check, and
+/// names the values that led to it.
+inline void Fail(char const* i_check) { ADD_FAILURE() << i_check << " is wrong"; }
+
+/// Checks that a range lists just these elements, by every way to ask it, in a static_assert or at run time.
+/// Returns true unless a static_assert has failed.
+template <class Range, class Id, std::size_t N>
+constexpr bool CheckList(Range const& i_range, Ids<Id, N> const& i_expected) {
+  static_assert(std::ranges::random_access_range<Range> && std::ranges::sized_range<Range> &&
+                std::ranges::common_range<Range> && std::ranges::borrowed_range<Range>);
+  auto const begin = i_range.begin();
+  auto const end = i_range.end();
+  if (i_range.size() != N) Fail("size()");
+  if (end - begin != static_cast<std::ptrdiff_t>(N)) Fail("end() - begin()");
+  if (!std::ranges::equal(i_range, i_expected)) Fail("an element");
+  if (!std::equal(std::make_reverse_iterator(end), std::make_reverse_iterator(begin), i_expected.rbegin(),
+                  i_expected.rend())) {
+    Fail("an element from the end");
+  }
+  for (std::size_t i = 0; i < N; ++i) {
+    auto const offset = static_cast<std::ptrdiff_t>(i);
+    if (i_range[i] != i_expected[i]) Fail("the subscript of the range");
+    if (begin[offset] != i_expected[i]) Fail("the subscript of an iterator");
+    if (i_range.IndexOf(i_expected[i]) != i) Fail("IndexOf()");
+    if (std::ranges::find(i_range, i_expected[i]) - begin != offset) Fail("the position of an element");
+  }
+  return true;
+}
+
+/// Checks that an iterator moves and compares as those of random access do, in a static_assert or at run
+/// time. It must be at the start of a range of two elements or more. Returns true unless a static_assert has
+/// failed.
 template <class Iterator>
-constexpr bool Walks(Iterator const i_begin) {
+constexpr bool CheckWalk(Iterator const i_begin) {
   static_assert(std::random_access_iterator<Iterator>);
   Iterator it = i_begin;
-  Iterator const before = it++;
-  bool is_right = before == i_begin && it != i_begin && it > i_begin && i_begin < it && it >= before;
-  is_right = is_right && it - i_begin == 1 && i_begin - it == -1 && *it == i_begin[1];
-  is_right = is_right && it == i_begin + 1 && it == 1 + i_begin && it - 1 == i_begin;
-  Iterator const after = it--;
-  is_right = is_right && it == i_begin && after == i_begin + 1 && ++it == after && --it == i_begin;
-  is_right = is_right && (it += 1) == after && (it -= 1) == i_begin;
-  return is_right && (i_begin <=> after) == std::strong_ordering::less;
+  if (it++ != i_begin) Fail("the result of it++");
+  Iterator const next = it;
+  if (next == i_begin) Fail("it++");
+  if (next - i_begin != 1) Fail("the distance to the next");
+  if (i_begin - next != -1) Fail("the distance to the one before");
+  if (*next != i_begin[1]) Fail("begin[1]");
+  if (i_begin + 1 != next) Fail("begin + 1");
+  if (1 + i_begin != next) Fail("1 + begin");
+  if (next - 1 != i_begin) Fail("next - 1");
+  if (it-- != next) Fail("the result of it--");
+  if (it != i_begin) Fail("it--");
+  if (++it != next) Fail("++it");
+  if (--it != i_begin) Fail("--it");
+  if ((it += 1) != next) Fail("it += 1");
+  if ((it -= 1) != i_begin) Fail("it -= 1");
+  if (!(i_begin < next)) Fail("begin < next");
+  if (!(next > i_begin)) Fail("next > begin");
+  if (!(next >= i_begin)) Fail("next >= begin");
+  if (!(i_begin <= next)) Fail("begin <= next");
+  if ((i_begin <=> next) != std::strong_ordering::less) Fail("begin <=> next");
+  return true;
 }
 
 }  // namespace lum::test

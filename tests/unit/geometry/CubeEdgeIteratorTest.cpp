@@ -26,67 +26,63 @@ constexpr bool is_small_value = std::is_trivially_copyable_v<CubeEdgeIterator<Co
                                     std::is_trivially_copyable_v<CubeEdgeIterable<Container>> &&
                                 sizeof(CubeEdgeIterator<Container>) == 8 &&
                                 sizeof(CubeEdgeIterable<Container>) == 4;
-static_assert(is_small_value<Cube> && is_small_value<Face>);
+static_assert(is_small_value<Cube>);
+static_assert(is_small_value<Face>);
 static_assert(CubeEdgeIterable<Face>::size() == 4);
 static_assert(std::is_same_v<decltype(CubeEdgeIterable<Cube>().IndexOf(Edge01)), unsigned long>);
 
 constexpr auto all_edges = test::ListForAllAxes<Edge, 4>(&test::ListEdges<Edge>);
 
-constexpr bool DoAxesListTheirEdges() {
-  for (std::size_t axis = 0; axis < 3; ++axis) {
-    if (!test::Lists(CubeEdgeIterable<Cube>(Orientation{1U << axis}), test::ListEdges<Edge>(axis)))
-      return false;
-  }
-  return true;
-}
-constexpr bool DoFacesListTheirEdges() {
-  return std::ranges::all_of(test::faces, [](test::Coordinates const& i_face) {
-    return test::Lists(CubeEdgeIterable<Face>(Face{test::Encode(i_face)}),
-                       test::ListEdgesOfFace<Edge>(i_face));
-  });
-}
-static_assert(test::Lists(CubeEdgeIterable<Cube>(), all_edges));
-static_assert(DoAxesListTheirEdges() && DoFacesListTheirEdges());
-static_assert(test::Walks(CubeEdgeIterator<Cube>(false)) &&
-              test::Walks(CubeEdgeIterator<Face>(FaceY1, false)) &&
-              test::Walks(CubeEdgeIterator<Cube>(CubeSpaceIds::AxisZ, false)));
+template <Orientation axis>
+constexpr bool axis_lists_its_edges =
+    test::CheckList(CubeEdgeIterable<Cube>(axis), test::ListEdges<Edge>(static_cast<unsigned int>(axis) / 2));
+static_assert(axis_lists_its_edges<CubeSpaceIds::AxisX>);
+static_assert(axis_lists_its_edges<CubeSpaceIds::AxisY>);
+static_assert(axis_lists_its_edges<CubeSpaceIds::AxisZ>);
 
-template <class Range>
-std::vector<unsigned int> Collect(Range const& i_range) {
-  std::vector<unsigned int> values;
-  for (Edge const edge : i_range) values.push_back(static_cast<unsigned int>(edge));
-  return values;
-}
+template <Face face>
+constexpr bool face_lists_its_edges = test::CheckList(
+    CubeEdgeIterable<Face>(face), test::ListEdgesOfFace<Edge>(test::Decode(static_cast<unsigned int>(face))));
+static_assert(face_lists_its_edges<FaceX0>);
+static_assert(face_lists_its_edges<FaceX1>);
+static_assert(face_lists_its_edges<FaceY0>);
+static_assert(face_lists_its_edges<FaceY1>);
+static_assert(face_lists_its_edges<FaceZ0>);
+static_assert(face_lists_its_edges<FaceZ1>);
+
+static_assert(test::CheckList(CubeEdgeIterable<Cube>(), all_edges));
+static_assert(test::CheckWalk(CubeEdgeIterator<Cube>(false)));
+static_assert(test::CheckWalk(CubeEdgeIterator<Cube>(CubeSpaceIds::AxisZ, false)));
+static_assert(test::CheckWalk(CubeEdgeIterator<Face>(FaceY1, false)));
+
+using test::GetValues;
 using Values = std::vector<unsigned int>;
 
-TEST(CubeEdgeIterator, TheCubeListsFourAlongEachAxis) {
-  EXPECT_EQ(Collect(CubeEdgeIterable<Cube>()), (Values{8, 10, 12, 14, 16, 20, 17, 21, 32, 33, 34, 35}));
-  EXPECT_TRUE(test::Lists(CubeEdgeIterable<Cube>(), all_edges));
+TEST(CubeEdgeIterator, TheCubeListsFourEdgesAlongEachAxis) {
+  EXPECT_EQ(GetValues(CubeEdgeIterable<Cube>()), (Values{8, 10, 12, 14, 16, 20, 17, 21, 32, 33, 34, 35}));
   EXPECT_EQ(CubeEdgeIterable<Cube>()[6], Edge13);
   EXPECT_EQ(CubeEdgeIterable<Cube>().IndexOf(Edge13), 6U);
 }
 
-TEST(CubeEdgeIterator, AnAxisListsItsFour) {
-  EXPECT_EQ(Collect(CubeEdgeIterable<Cube>(CubeSpaceIds::AxisX)), (Values{8, 10, 12, 14}));
-  EXPECT_EQ(Collect(CubeEdgeIterable<Cube>(CubeSpaceIds::AxisY)), (Values{16, 20, 17, 21}));
-  EXPECT_EQ(Collect(CubeEdgeIterable<Cube>(CubeSpaceIds::AxisZ)), (Values{32, 33, 34, 35}));
-  EXPECT_TRUE(DoAxesListTheirEdges());
+TEST(CubeEdgeIterator, AnAxisListsItsFourEdges) {
+  EXPECT_EQ(GetValues(CubeEdgeIterable<Cube>(CubeSpaceIds::AxisX)), (Values{8, 10, 12, 14}));
+  EXPECT_EQ(GetValues(CubeEdgeIterable<Cube>(CubeSpaceIds::AxisY)), (Values{16, 20, 17, 21}));
+  EXPECT_EQ(GetValues(CubeEdgeIterable<Cube>(CubeSpaceIds::AxisZ)), (Values{32, 33, 34, 35}));
   EXPECT_EQ(CubeEdgeIterable<Cube>(CubeSpaceIds::AxisY).IndexOf(Edge13), 2U);
 }
 
-TEST(CubeEdgeIterator, FacesListTwoPairs) {
-  EXPECT_EQ(Collect(CubeEdgeIterable<Face>(FaceX0)), (Values{16, 20, 32, 34}));
-  EXPECT_EQ(Collect(CubeEdgeIterable<Face>(FaceX1)), (Values{17, 21, 33, 35}));
-  EXPECT_EQ(Collect(CubeEdgeIterable<Face>(FaceY0)), (Values{32, 33, 8, 12}));
-  EXPECT_EQ(Collect(CubeEdgeIterable<Face>(FaceY1)), (Values{34, 35, 10, 14}));
-  EXPECT_EQ(Collect(CubeEdgeIterable<Face>(FaceZ0)), (Values{8, 10, 16, 17}));
-  EXPECT_EQ(Collect(CubeEdgeIterable<Face>(FaceZ1)), (Values{12, 14, 20, 21}));
-  EXPECT_TRUE(DoFacesListTheirEdges());
+TEST(CubeEdgeIterator, FacesListTwoPairsOfParallelEdges) {
+  EXPECT_EQ(GetValues(CubeEdgeIterable<Face>(FaceX0)), (Values{16, 20, 32, 34}));
+  EXPECT_EQ(GetValues(CubeEdgeIterable<Face>(FaceX1)), (Values{17, 21, 33, 35}));
+  EXPECT_EQ(GetValues(CubeEdgeIterable<Face>(FaceY0)), (Values{32, 33, 8, 12}));
+  EXPECT_EQ(GetValues(CubeEdgeIterable<Face>(FaceY1)), (Values{34, 35, 10, 14}));
+  EXPECT_EQ(GetValues(CubeEdgeIterable<Face>(FaceZ0)), (Values{8, 10, 16, 17}));
+  EXPECT_EQ(GetValues(CubeEdgeIterable<Face>(FaceZ1)), (Values{12, 14, 20, 21}));
   EXPECT_EQ(CubeEdgeIterable<Face>(FaceY0)[2], Edge01);
   EXPECT_EQ(CubeEdgeIterable<Face>(FaceY0).IndexOf(Edge01), 2U);
 }
 
-TEST(CubeEdgeIterator, EndsAreBehindTheLast) {
+TEST(CubeEdgeIterator, EndsAreAfterTheLastElement) {
   EXPECT_EQ(CubeEdgeIterator<Cube>(true) - CubeEdgeIterator<Cube>(false), 12);
   EXPECT_EQ(
       CubeEdgeIterator<Cube>(CubeSpaceIds::AxisY, true) - CubeEdgeIterator<Cube>(CubeSpaceIds::AxisY, false),
@@ -102,12 +98,14 @@ TEST(CubeEdgeIterator, HoldsTheIndexThenTheContext) {
 }
 
 TEST(CubeEdgeIterator, WalksLikeAPointer) {
-  EXPECT_TRUE(test::Walks(CubeEdgeIterator<Cube>(false)));
   for (Orientation const axis : {CubeSpaceIds::AxisX, CubeSpaceIds::AxisY, CubeSpaceIds::AxisZ}) {
-    EXPECT_TRUE(test::Walks(CubeEdgeIterator<Cube>(axis, false)));
+    SCOPED_TRACE(axis);
+    test::CheckWalk(CubeEdgeIterator<Cube>(axis, false));
   }
-  for (test::Coordinates const& face : test::faces) {
-    EXPECT_TRUE(test::Walks(CubeEdgeIterator<Face>(Face{test::Encode(face)}, false)));
+  for (test::Coordinates const& element : test::faces) {
+    Face const face{test::Encode(element)};
+    SCOPED_TRACE(face);
+    test::CheckWalk(CubeEdgeIterator<Face>(face, false));
   }
   EXPECT_NE(CubeEdgeIterator<Face>(FaceX0, false), CubeEdgeIterator<Face>(FaceX1, false))
       << "the context counts";
@@ -120,7 +118,7 @@ TEST(CubeEdgeIterator, ServesTheStandardAlgorithms) {
   EXPECT_EQ(std::count_if(edges.begin(), edges.end(), [](Edge i_edge) { return i_edge < Edge04; }), 8);
   EXPECT_EQ(*std::make_reverse_iterator(edges.end()), Edge37);
   EXPECT_EQ(*std::ranges::max_element(CubeEdgeIterable<Face>(FaceY0)), Edge15) << "outlives its iterable";
-  Values sorted = Collect(edges);
+  Values sorted = GetValues(edges);
   std::ranges::sort(sorted);
   Values expected;
   for (test::Coordinates const& element : test::edges) expected.push_back(test::Encode(element));
@@ -128,7 +126,7 @@ TEST(CubeEdgeIterator, ServesTheStandardAlgorithms) {
   EXPECT_EQ(sorted, expected);
 }
 
-TEST(CubeEdgeIterator, TheNumberOfBitsDecidesAboutTheSpace) {
+TEST(CubeEdgeIterator, TheNumberOfBitsDefinesTheSpace) {
   char const* const message = "[CubeEdgeIterator] CubeEdgeIterable has invalid space";
   for (unsigned int a = 0; a < 32; ++a) {
     for (unsigned int b = a; b < 32; ++b) {
@@ -142,14 +140,14 @@ TEST(CubeEdgeIterator, TheNumberOfBitsDecidesAboutTheSpace) {
           ASSERT_TRUE(test::Throws<std::invalid_argument>([&] { (void)edges[0]; }, message)) << space;
         } else if (std::popcount(space) == 3) {
           ASSERT_EQ(edges.size(), 12U);
-          ASSERT_TRUE(std::ranges::equal(edges, all_edges)) << "all three axes, whatever the bits";
+          ASSERT_TRUE(std::ranges::equal(edges, all_edges)) << "all three axes for any three bits";
           ASSERT_EQ(edges.begin(), CubeEdgeIterator<Cube>(false));
           ASSERT_EQ(edges.end(), CubeEdgeIterator<Cube>(true));
         } else {
           ASSERT_EQ(edges.size(), 4U);
           ASSERT_EQ(edges.begin(), CubeEdgeIterator<Cube>(Orientation{space}, false));
           ASSERT_EQ(edges.end(), CubeEdgeIterator<Cube>(Orientation{space}, true));
-          ASSERT_EQ(Collect(edges).size(), 4U);
+          ASSERT_EQ(GetValues(edges).size(), 4U);
         }
       }
     }
@@ -175,14 +173,14 @@ TEST(CubeEdgeIterator, IsOrderedByItsIndexThenItsContext) {
   EXPECT_EQ(FaceIterator(), FaceIterator(Face{0}, false));
 }
 
-TEST(CubeEdgeIterator, AnIteratorOfNoOrientationTakesTheAxesInTurn) {
+TEST(CubeEdgeIterator, AnIteratorWithoutOrientationListsAllAxes) {
   for (unsigned int const space : {0U, 3U, 15U}) {
     CubeEdgeIterator<Cube> const begin(Orientation{space}, false);
     for (std::ptrdiff_t i = 0; i < 12; ++i) EXPECT_EQ(begin[i], all_edges[static_cast<std::size_t>(i)]);
   }
 }
 
-// As documented, in arithmetic that loses no bits.
+// The documented formulas, in 64 bits, where no bit is shifted out.
 std::uint64_t Turn(std::uint64_t i_bits, std::uint64_t i_count) { return (i_bits << i_count) % 7; }
 std::uint64_t ExpectIndexOnCube(std::uint64_t i_space, std::uint64_t i_x) {
   std::uint64_t const axis = (i_x >> 4) & 3;
@@ -208,7 +206,7 @@ TEST(CubeEdgeIterator, TheIndexOfAnyValueOnAnyContextIsDefined) {
   }
 }
 
-TEST(CubeEdgeIterator, AnyBitsAtAllAreDefined) {
+TEST(CubeEdgeIterator, AnyValueIsDefined) {
   constexpr unsigned seed = 20261121;
   SCOPED_TRACE(testing::Message() << "seed " << seed);
   std::mt19937 random(seed);
@@ -216,7 +214,7 @@ TEST(CubeEdgeIterator, AnyBitsAtAllAreDefined) {
     auto const context = static_cast<unsigned int>(random());
     auto const value = static_cast<unsigned int>(random());
     CubeEdgeIterable<Face> const edges(Face{context});
-    // Shifts by more than all bits take their count modulo 32.
+    // Shift counts are taken modulo 32.
     unsigned int const d = context ^ value;
     unsigned int const turned = ((value >> 3) << (((context >> 4) - 1) % 32)) % 7;
     ASSERT_EQ(edges.IndexOf(Edge{value}), ((d & 7U) >> ((d >> 4) % 32)) | (turned & 6U));
@@ -227,7 +225,7 @@ TEST(CubeEdgeIterator, AnyBitsAtAllAreDefined) {
       unsigned int const offset = (((i & 1U) << ((n >> 1) % 32)) << (s ^ 3U)) % 7;
       expected.push_back(((n << s) % 7) << 3 | ((context & 7U) ^ offset));
     }
-    ASSERT_EQ(Collect(edges), expected);
+    ASSERT_EQ(GetValues(edges), expected);
     ASSERT_EQ(CubeEdgeIterable<Cube>().IndexOf(Edge{value}), ExpectIndexOnCube(7, value));
   }
 }

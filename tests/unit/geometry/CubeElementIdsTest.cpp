@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <array>
 #include <set>
 #include <sstream>
 #include <string>
@@ -17,8 +16,8 @@ static_assert(std::is_same_v<std::underlying_type_t<Edge>, unsigned int>);
 static_assert(std::is_same_v<std::underlying_type_t<Face>, unsigned int>);
 static_assert(std::is_same_v<std::underlying_type_t<Cube>, unsigned int>);
 
+// By the coordinates of what each constant names.
 constexpr int f = test::free_axis;
-
 static_assert(static_cast<unsigned int>(Vertex0) == test::Encode({0, 0, 0}));
 static_assert(static_cast<unsigned int>(Vertex1) == test::Encode({1, 0, 0}));
 static_assert(static_cast<unsigned int>(Vertex2) == test::Encode({0, 1, 0}));
@@ -47,6 +46,35 @@ static_assert(static_cast<unsigned int>(FaceZ0) == test::Encode({f, f, 0}));
 static_assert(static_cast<unsigned int>(FaceZ1) == test::Encode({f, f, 1}));
 static_assert(static_cast<unsigned int>(WholeCube) == test::Encode({f, f, f}));
 
+// An edge is named by the vertices that it joins, a vertex by its number.
+static_assert(Vertex0 == Vertex{0});
+static_assert(Vertex1 == Vertex{1});
+static_assert(Vertex2 == Vertex{2});
+static_assert(Vertex3 == Vertex{3});
+static_assert(Vertex4 == Vertex{4});
+static_assert(Vertex5 == Vertex{5});
+static_assert(Vertex6 == Vertex{6});
+static_assert(Vertex7 == Vertex{7});
+static_assert(Edge01 == Edge{8});
+static_assert(Edge23 == Edge{10});
+static_assert(Edge45 == Edge{12});
+static_assert(Edge67 == Edge{14});
+static_assert(Edge02 == Edge{16});
+static_assert(Edge13 == Edge{17});
+static_assert(Edge46 == Edge{20});
+static_assert(Edge57 == Edge{21});
+static_assert(Edge04 == Edge{32});
+static_assert(Edge15 == Edge{33});
+static_assert(Edge26 == Edge{34});
+static_assert(Edge37 == Edge{35});
+static_assert(FaceX0 == Face{48});
+static_assert(FaceX1 == Face{49});
+static_assert(FaceY0 == Face{40});
+static_assert(FaceY1 == Face{42});
+static_assert(FaceZ0 == Face{24});
+static_assert(FaceZ1 == Face{28});
+static_assert(WholeCube == Cube{56});
+
 template <class Id>
 std::string Print(Id i_id) {
   std::ostringstream stream;
@@ -54,30 +82,18 @@ std::string Print(Id i_id) {
   return stream.str();
 }
 
-// The names of edges are the vertices that they join, those of vertices their numbers.
-TEST(CubeElementIds, TheConstantsHaveTheirValues) {
-  EXPECT_EQ(
-      (std::array{Vertex0, Vertex1, Vertex2, Vertex3, Vertex4, Vertex5, Vertex6, Vertex7}),
-      (std::array{Vertex{0}, Vertex{1}, Vertex{2}, Vertex{3}, Vertex{4}, Vertex{5}, Vertex{6}, Vertex{7}}));
-  EXPECT_EQ((std::array{Edge01, Edge23, Edge45, Edge67}),
-            (std::array{Edge{8}, Edge{10}, Edge{12}, Edge{14}}));
-  EXPECT_EQ((std::array{Edge02, Edge13, Edge46, Edge57}),
-            (std::array{Edge{16}, Edge{17}, Edge{20}, Edge{21}}));
-  EXPECT_EQ((std::array{Edge04, Edge15, Edge26, Edge37}),
-            (std::array{Edge{32}, Edge{33}, Edge{34}, Edge{35}}));
-  EXPECT_EQ((std::array{FaceX0, FaceX1, FaceY0, FaceY1, FaceZ0, FaceZ1}),
-            (std::array{Face{48}, Face{49}, Face{40}, Face{42}, Face{24}, Face{28}}));
-  EXPECT_EQ(WholeCube, Cube{56});
-}
-
 TEST(CubeElementIds, All27ValuesDiffer) {
   std::set<unsigned int> values;
-  for (test::Coordinates const& element : test::GetElements()) values.insert(test::Encode(element));
+  auto const insert = [&values](auto... i_ids) { (values.insert(static_cast<unsigned int>(i_ids)), ...); };
+  insert(Vertex0, Vertex1, Vertex2, Vertex3, Vertex4, Vertex5, Vertex6, Vertex7);
+  insert(Edge01, Edge23, Edge45, Edge67, Edge02, Edge13, Edge46, Edge57, Edge04, Edge15, Edge26, Edge37);
+  insert(FaceX0, FaceX1, FaceY0, FaceY1, FaceZ0, FaceZ1);
+  insert(WholeCube);
   EXPECT_EQ(values.size(), 27U);
   EXPECT_EQ(*values.rbegin(), 56U);
 }
 
-TEST(CubeElementIds, ArePrintedWithTypeAndValue) {
+TEST(CubeElementIds, PrintTheirTypeAndValue) {
   EXPECT_EQ(Print(Vertex{5}), "<CubeElementIds::Vertex with value: 5>");
   EXPECT_EQ(Print(Edge{17}), "<CubeElementIds::Edge with value: 17>");
   EXPECT_EQ(Print(Face{48}), "<CubeElementIds::Face with value: 48>");

@@ -31,40 +31,33 @@ static_assert(std::is_same_v<decltype(CubeFaceIterable<Cube>().IndexOf(FaceX0)),
 
 constexpr auto all_faces = test::ListForAllAxes<Face, 2>(&test::ListFaces<Face>);
 
-constexpr bool DoAxesListTheirFaces() {
-  for (std::size_t axis = 0; axis < 3; ++axis) {
-    if (!test::Lists(CubeFaceIterable<Cube>(Orientation{1U << axis}), test::ListFaces<Face>(axis)))
-      return false;
-  }
-  return true;
-}
-static_assert(test::Lists(CubeFaceIterable<Cube>(), all_faces) && DoAxesListTheirFaces());
-static_assert(test::Walks(CubeFaceIterator<Cube>(false)) &&
-              test::Walks(CubeFaceIterator<Cube>(CubeSpaceIds::PlaneXZ, false)));
+template <Orientation axis>
+constexpr bool axis_lists_its_faces =
+    test::CheckList(CubeFaceIterable<Cube>(axis), test::ListFaces<Face>(static_cast<unsigned int>(axis) / 2));
+static_assert(axis_lists_its_faces<CubeSpaceIds::AxisX>);
+static_assert(axis_lists_its_faces<CubeSpaceIds::AxisY>);
+static_assert(axis_lists_its_faces<CubeSpaceIds::AxisZ>);
 
-template <class Range>
-std::vector<unsigned int> Collect(Range const& i_range) {
-  std::vector<unsigned int> values;
-  for (Face const face : i_range) values.push_back(static_cast<unsigned int>(face));
-  return values;
-}
+static_assert(test::CheckList(CubeFaceIterable<Cube>(), all_faces));
+static_assert(test::CheckWalk(CubeFaceIterator<Cube>(false)));
+static_assert(test::CheckWalk(CubeFaceIterator<Cube>(CubeSpaceIds::PlaneXZ, false)));
+
+using test::GetValues;
 using Values = std::vector<unsigned int>;
 
-TEST(CubeFaceIterator, TheCubeListsTwoAcrossEachAxis) {
-  EXPECT_EQ(Collect(CubeFaceIterable<Cube>()), (Values{48, 49, 40, 42, 24, 28}));
-  EXPECT_TRUE(test::Lists(CubeFaceIterable<Cube>(), all_faces));
+TEST(CubeFaceIterator, TheCubeListsTwoFacesAcrossEachAxis) {
+  EXPECT_EQ(GetValues(CubeFaceIterable<Cube>()), (Values{48, 49, 40, 42, 24, 28}));
   EXPECT_EQ(CubeFaceIterable<Cube>().IndexOf(FaceY1), 3U);
 }
 
-TEST(CubeFaceIterator, AnAxisListsTheTwoAcrossIt) {
-  EXPECT_EQ(Collect(CubeFaceIterable<Cube>(CubeSpaceIds::AxisX)), (Values{48, 49}));
-  EXPECT_EQ(Collect(CubeFaceIterable<Cube>(CubeSpaceIds::AxisY)), (Values{40, 42}));
-  EXPECT_EQ(Collect(CubeFaceIterable<Cube>(CubeSpaceIds::AxisZ)), (Values{24, 28}));
-  EXPECT_TRUE(DoAxesListTheirFaces());
+TEST(CubeFaceIterator, AnAxisListsTheTwoFacesAcrossIt) {
+  EXPECT_EQ(GetValues(CubeFaceIterable<Cube>(CubeSpaceIds::AxisX)), (Values{48, 49}));
+  EXPECT_EQ(GetValues(CubeFaceIterable<Cube>(CubeSpaceIds::AxisY)), (Values{40, 42}));
+  EXPECT_EQ(GetValues(CubeFaceIterable<Cube>(CubeSpaceIds::AxisZ)), (Values{24, 28}));
   EXPECT_EQ(CubeFaceIterable<Cube>(CubeSpaceIds::AxisY).IndexOf(FaceY1), 1U);
 }
 
-TEST(CubeFaceIterator, EndsAreBehindTheLast) {
+TEST(CubeFaceIterator, EndsAreAfterTheLastElement) {
   EXPECT_EQ(CubeFaceIterator<Cube>(true) - CubeFaceIterator<Cube>(false), 6);
   EXPECT_EQ(CubeFaceIterator<Cube>(CubeSpaceIds::PlaneXY, true) -
                 CubeFaceIterator<Cube>(CubeSpaceIds::PlaneXY, false),
@@ -79,9 +72,9 @@ TEST(CubeFaceIterator, HoldsTheIndexThenTheContext) {
 }
 
 TEST(CubeFaceIterator, WalksLikeAPointer) {
-  EXPECT_TRUE(test::Walks(CubeFaceIterator<Cube>(false)));
   for (Plane const plane : {CubeSpaceIds::PlaneXY, CubeSpaceIds::PlaneXZ, CubeSpaceIds::PlaneYZ}) {
-    EXPECT_TRUE(test::Walks(CubeFaceIterator<Cube>(plane, false)));
+    SCOPED_TRACE(plane);
+    test::CheckWalk(CubeFaceIterator<Cube>(plane, false));
     EXPECT_NE(CubeFaceIterator<Cube>(plane, false), CubeFaceIterator<Cube>(false)) << "the context counts";
   }
 }
@@ -91,7 +84,7 @@ TEST(CubeFaceIterator, ServesTheStandardAlgorithms) {
   EXPECT_EQ(std::find(faces.begin(), faces.end(), FaceZ0) - faces.begin(), 4);
   EXPECT_EQ(*std::make_reverse_iterator(faces.end()), FaceZ1);
   EXPECT_EQ(*std::ranges::max_element(CubeFaceIterable<Cube>()), FaceX1) << "outlives its iterable";
-  Values sorted = Collect(faces);
+  Values sorted = GetValues(faces);
   std::ranges::sort(sorted);
   Values expected;
   for (test::Coordinates const& element : test::faces) expected.push_back(test::Encode(element));
@@ -99,23 +92,23 @@ TEST(CubeFaceIterator, ServesTheStandardAlgorithms) {
   EXPECT_EQ(sorted, expected);
 }
 
-// What the axis leaves of the three: two bits for the axes themselves and all values that share their low
-// bits.
-TEST(CubeFaceIterator, TheRestOfTheAxesDecides) {
+// The space of the faces holds the axes that the orientation does not: only its low three bits count.
+TEST(CubeFaceIterator, TheOtherAxesDefineTheSpace) {
   constexpr unsigned seed = 20261121;
   SCOPED_TRACE(testing::Message() << "seed " << seed);
   std::mt19937 random(seed);
   for (unsigned int round = 0; round < 1000; ++round) {
     auto const value = static_cast<unsigned int>(round < 64 ? round : random());
+    SCOPED_TRACE(value);
     CubeFaceIterable<Cube> const faces(Orientation{value});
     switch (3 - std::popcount(value % 8)) {
       case 3:
-        ASSERT_TRUE(test::Lists(faces, all_faces));
+        test::CheckList(faces, all_faces);
         ASSERT_EQ(faces.begin(), CubeFaceIterator<Cube>(false));
         ASSERT_EQ(faces.end(), CubeFaceIterator<Cube>(true));
         break;
       case 2:
-        ASSERT_TRUE(test::Lists(faces, test::ListFaces<Face>(static_cast<std::size_t>(value % 8 / 2))));
+        test::CheckList(faces, test::ListFaces<Face>(static_cast<std::size_t>(value % 8 / 2)));
         break;
       default:
         ASSERT_TRUE(test::Throws<std::invalid_argument>([&] { (void)faces.size(); }, invalid_space)) << value;
@@ -127,8 +120,8 @@ TEST(CubeFaceIterator, TheRestOfTheAxesDecides) {
   }
 }
 
-// 9 has two bits, but its low three leave no single axis.
-TEST(CubeFaceIterator, AnIteratorOfNoPlaneThrowsWhenItIsLookedAt) {
+// 9 has two bits, but its low three do not leave a single axis.
+TEST(CubeFaceIterator, AnIteratorWithoutAPlaneThrowsWhenDereferenced) {
   for (unsigned int a = 0; a < 32; ++a) {
     for (unsigned int b = a + 1; b < 32; ++b) {
       unsigned int const plane = 1U << a | 1U << b;
@@ -150,15 +143,15 @@ TEST(CubeFaceIterator, IsOrderedByItsIndexThenItsContext) {
   EXPECT_EQ(Iterator(), Iterator(false));
 }
 
-TEST(CubeFaceIterator, AnIteratorOfAnyOtherSpaceTakesTheAxesInTurn) {
+TEST(CubeFaceIterator, AnIteratorOfAnyOtherSpaceListsAllAxes) {
   for (unsigned int const space : {0U, 1U, 7U, 15U}) {
     CubeFaceIterator<Cube> const begin(Plane{space}, false);
     for (std::ptrdiff_t i = 0; i < 6; ++i) EXPECT_EQ(begin[i], all_faces[static_cast<std::size_t>(i)]);
   }
 }
 
-// As documented: the axis that the free axes leave, and the coordinate along it.
-TEST(CubeFaceIterator, TheIndexOfWhateverSpansAPlaneIsDefined) {
+// As documented: twice the number of the axis that is not free, plus the coordinate along it.
+TEST(CubeFaceIterator, TheIndexOfAnyValueThatSpansAPlaneIsDefined) {
   constexpr unsigned seed = 4711;
   SCOPED_TRACE(testing::Message() << "seed " << seed);
   std::mt19937 random(seed);

@@ -13,6 +13,14 @@ static_assert(std::is_same_v<std::underlying_type_t<Orientation>, unsigned int>)
 static_assert(std::is_same_v<std::underlying_type_t<Plane>, unsigned int>);
 static_assert(std::is_same_v<std::underlying_type_t<Volume>, unsigned int>);
 
+static_assert(AxisX == Orientation{1});
+static_assert(AxisY == Orientation{2});
+static_assert(AxisZ == Orientation{4});
+static_assert(PlaneXY == Plane{3});
+static_assert(PlaneXZ == Plane{5});
+static_assert(PlaneYZ == Plane{6});
+static_assert(VolumeXYZ == Volume{7});
+
 template <class Id>
 std::string Print(Id i_id) {
   std::ostringstream stream;
@@ -20,26 +28,13 @@ std::string Print(Id i_id) {
   return stream.str();
 }
 
-TEST(CubeSpaceIds, TheConstantsHaveTheirValues) {
-  static_assert(AxisX == Orientation{1} && AxisY == Orientation{2} && AxisZ == Orientation{4});
-  static_assert(PlaneXY == Plane{3} && PlaneXZ == Plane{5} && PlaneYZ == Plane{6});
-  static_assert(VolumeXYZ == Volume{7});
-  EXPECT_EQ(static_cast<unsigned int>(AxisX), 1U);
-  EXPECT_EQ(static_cast<unsigned int>(AxisY), 2U);
-  EXPECT_EQ(static_cast<unsigned int>(AxisZ), 4U);
-  EXPECT_EQ(static_cast<unsigned int>(PlaneXY), 3U);
-  EXPECT_EQ(static_cast<unsigned int>(PlaneXZ), 5U);
-  EXPECT_EQ(static_cast<unsigned int>(PlaneYZ), 6U);
-  EXPECT_EQ(static_cast<unsigned int>(VolumeXYZ), 7U);
-}
-
-TEST(CubeSpaceIds, ArePrintedWithTypeAndValue) {
+TEST(CubeSpaceIds, PrintTheirTypeAndValue) {
   EXPECT_EQ(Print(Orientation{4}), "<CubeSpaceIds::Orientation with value: 4>");
   EXPECT_EQ(Print(Plane{6}), "<CubeSpaceIds::Plane with value: 6>");
   EXPECT_EQ(Print(Volume{7}), "<CubeSpaceIds::Volume with value: 7>");
 }
 
-TEST(CubeSpaceIds, ArePrintedWhateverTheValue) {
+TEST(CubeSpaceIds, PrintAnyValue) {
   EXPECT_EQ(Print(Orientation{0}), "<CubeSpaceIds::Orientation with value: 0>");
   EXPECT_EQ(Print(Plane{4294967295U}), "<CubeSpaceIds::Plane with value: 4294967295>");
 }

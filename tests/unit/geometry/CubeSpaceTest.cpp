@@ -20,19 +20,22 @@ char const* const no_orientation = "[CubeSpace] Cannot return space as orientati
 char const* const no_plane = "[CubeSpace] Cannot return space as plane.";
 
 static_assert(sizeof(CubeSpace) == 4 && std::is_trivially_copyable_v<CubeSpace>);
-static_assert(!std::convertible_to<unsigned int, CubeSpace>, "a number is no space by itself");
-static_assert(CubeSpace(1).GetAsOrientation() == AxisX && CubeSpace(2).GetAsOrientation() == AxisY &&
-              CubeSpace(4).GetAsOrientation() == AxisZ);
-static_assert(CubeSpace(3).GetAsPlane() == PlaneXY && CubeSpace(5).GetAsPlane() == PlaneXZ &&
-              CubeSpace(6).GetAsPlane() == PlaneYZ && CubeSpace(9).GetAsPlane() == Plane{9});
-static_assert(CubeSpace(AxisY).GetIndex() == 2 && CubeSpace(PlaneXZ).GetIndex() == 5 &&
-              CubeSpace(VolumeXYZ).GetIndex() == 7);
-static_assert(GetPerpendicularPlane(AxisX) == PlaneYZ && GetPerpendicularPlane(AxisY) == PlaneXZ &&
-              GetPerpendicularPlane(AxisZ) == PlaneXY);
-static_assert(GetNormalOrientation(PlaneYZ) == AxisX && GetNormalOrientation(PlaneXZ) == AxisY &&
-              GetNormalOrientation(PlaneXY) == AxisZ);
+static_assert(!std::convertible_to<unsigned int, CubeSpace>, "no implicit conversion from a number");
+static_assert(CubeSpace(1).GetAsOrientation() == AxisX);
+static_assert(CubeSpace(2).GetAsOrientation() == AxisY);
+static_assert(CubeSpace(4).GetAsOrientation() == AxisZ);
+static_assert(CubeSpace(3).GetAsPlane() == PlaneXY);
+static_assert(CubeSpace(5).GetAsPlane() == PlaneXZ);
+static_assert(CubeSpace(6).GetAsPlane() == PlaneYZ);
+static_assert(CubeSpace(9).GetAsPlane() == Plane{9}, "a bit above the axes counts");
+static_assert(GetPerpendicularPlane(AxisX) == PlaneYZ);
+static_assert(GetPerpendicularPlane(AxisY) == PlaneXZ);
+static_assert(GetPerpendicularPlane(AxisZ) == PlaneXY);
+static_assert(GetNormalOrientation(PlaneYZ) == AxisX);
+static_assert(GetNormalOrientation(PlaneXZ) == AxisY);
+static_assert(GetNormalOrientation(PlaneXY) == AxisZ);
 
-// Zero, all values with one, two or three bits anywhere, all bits, and any others.
+// Zero, all bits, every value with one to three bits, and random values.
 std::vector<unsigned int> GetValues() {
   constexpr unsigned seed = 20261121;
   std::vector<unsigned int> values = {0, ~0U};
@@ -47,10 +50,14 @@ std::vector<unsigned int> GetValues() {
 }
 
 TEST(CubeSpace, KeepsTheValueOfAnyIdentifier) {
-  EXPECT_EQ(CubeSpace(AxisZ).GetIndex(), 4U);
-  EXPECT_EQ(CubeSpace(PlaneYZ).GetIndex(), 6U);
-  EXPECT_EQ(CubeSpace(VolumeXYZ).GetIndex(), 7U);
-  EXPECT_EQ(CubeSpace(4294967295U).GetIndex(), 4294967295U) << "nothing is checked";
+  constexpr CubeSpace axis = AxisZ;
+  constexpr CubeSpace plane = PlaneYZ;
+  constexpr CubeSpace volume = VolumeXYZ;
+  constexpr CubeSpace any(4294967295U);
+  EXPECT_EQ(axis.GetIndex(), 4U);
+  EXPECT_EQ(plane.GetIndex(), 6U);
+  EXPECT_EQ(volume.GetIndex(), 7U);
+  EXPECT_EQ(any.GetIndex(), 4294967295U) << "nothing is checked";
 }
 
 TEST(CubeSpace, ComparesByValue) {
@@ -82,7 +89,7 @@ TEST(CubeSpace, IsAPlaneWhenTwoBitsAreSet) {
   }
 }
 
-TEST(CubeSpace, NothingAndEverythingAreNeither) {
+TEST(CubeSpace, TheEmptyAndTheWholeSpaceAreNeither) {
   for (unsigned int const value : {0U, 7U}) {
     EXPECT_TRUE(test::Throws<std::invalid_argument>([=] { (void)CubeSpace(value).GetAsOrientation(); },
                                                     no_orientation));
@@ -90,25 +97,17 @@ TEST(CubeSpace, NothingAndEverythingAreNeither) {
   }
 }
 
-TEST(CubeSpace, ABitAboveTheAxesCounts) { EXPECT_EQ(CubeSpace(9).GetAsPlane(), Plane{9}); }
-
-TEST(CubeSpace, ThePerpendicularPlaneIsTheRestOfTheAxes) {
-  EXPECT_EQ(GetPerpendicularPlane(AxisX), Plane{6});
-  EXPECT_EQ(GetPerpendicularPlane(AxisY), Plane{5});
-  EXPECT_EQ(GetPerpendicularPlane(AxisZ), Plane{3});
+TEST(CubeSpace, ThePerpendicularPlaneHoldsTheOtherAxes) {
   for (unsigned int const value : GetValues()) {
     ASSERT_EQ(GetPerpendicularPlane(Orientation{value}), Plane{7 - value % 8});
   }
 }
 
-TEST(CubeSpace, TheNormalIsTheAxisThatIsLeft) {
-  EXPECT_EQ(GetNormalOrientation(Plane{6}), AxisX);
-  EXPECT_EQ(GetNormalOrientation(Plane{5}), AxisY);
-  EXPECT_EQ(GetNormalOrientation(Plane{3}), AxisZ);
+TEST(CubeSpace, TheNormalIsTheRemainingAxis) {
   for (unsigned int const value : GetValues()) {
-    unsigned int const rest = 7 - value % 8;
-    if (rest == 1 || rest == 2 || rest == 4) {
-      ASSERT_EQ(GetNormalOrientation(Plane{value}), Orientation{rest});
+    unsigned int const remaining = 7 - value % 8;
+    if (remaining == 1 || remaining == 2 || remaining == 4) {
+      ASSERT_EQ(GetNormalOrientation(Plane{value}), Orientation{remaining});
     } else {
       ASSERT_TRUE(test::Throws<std::invalid_argument>([=] { (void)GetNormalOrientation(Plane{value}); },
                                                       no_orientation))

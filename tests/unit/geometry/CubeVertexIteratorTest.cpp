@@ -22,69 +22,79 @@ template <class Container>
 constexpr bool is_small_value = std::is_trivially_copyable_v<CubeVertexIterator<Container>>&&
                                     std::is_trivially_copyable_v<CubeVertexIterable<Container>> &&
                                 sizeof(CubeVertexIterator<Container>) <= 8;
-static_assert(is_small_value<Cube> && is_small_value<Face> && is_small_value<Edge>);
+static_assert(is_small_value<Cube>);
+static_assert(is_small_value<Face>);
+static_assert(is_small_value<Edge>);
 static_assert(sizeof(CubeVertexIterator<Cube>) == 4, "the index alone");
 static_assert(std::is_empty_v<CubeVertexIterable<Cube>>);
 
-// Sizes, and the position in the cube, do not take an object.
+// Sizes, and the index in the cube, need no object.
 static_assert(CubeVertexIterable<Cube>::size() == 8 && CubeVertexIterable<Face>::size() == 4 &&
               CubeVertexIterable<Edge>::size() == 2 && CubeVertexIterable<Cube>::IndexOf(Vertex6) == 6);
 static_assert(std::is_same_v<decltype(CubeVertexIterable<Cube>::IndexOf(Vertex0)), unsigned long>);
 
-constexpr bool DoFacesListTheirVertices() {
-  return std::ranges::all_of(test::faces, [](test::Coordinates const& i_face) {
-    return test::Lists(CubeVertexIterable<Face>(Face{test::Encode(i_face)}),
-                       test::ListVerticesOfFace<Vertex>(i_face));
-  });
-}
-constexpr bool DoEdgesListTheirVertices() {
-  return std::ranges::all_of(test::edges, [](test::Coordinates const& i_edge) {
-    return test::Lists(CubeVertexIterable<Edge>(Edge{test::Encode(i_edge)}),
-                       test::ListVerticesOfEdge<Vertex>(i_edge));
-  });
-}
-static_assert(test::Lists(CubeVertexIterable<Cube>(), test::ListVertices<Vertex>()));
-static_assert(DoFacesListTheirVertices() && DoEdgesListTheirVertices());
-static_assert(test::Walks(CubeVertexIterator<Cube>(false)) &&
-              test::Walks(CubeVertexIterator<Face>(FaceY1, false)) &&
-              test::Walks(CubeVertexIterator<Edge>(Edge57, false)));
+template <Face face>
+constexpr bool face_lists_its_vertices =
+    test::CheckList(CubeVertexIterable<Face>(face),
+                    test::ListVerticesOfFace<Vertex>(test::Decode(static_cast<unsigned int>(face))));
+static_assert(face_lists_its_vertices<FaceX0>);
+static_assert(face_lists_its_vertices<FaceX1>);
+static_assert(face_lists_its_vertices<FaceY0>);
+static_assert(face_lists_its_vertices<FaceY1>);
+static_assert(face_lists_its_vertices<FaceZ0>);
+static_assert(face_lists_its_vertices<FaceZ1>);
 
-template <class Range>
-std::vector<unsigned int> Collect(Range const& i_range) {
-  std::vector<unsigned int> values;
-  for (Vertex const vertex : i_range) values.push_back(static_cast<unsigned int>(vertex));
-  return values;
-}
+template <Edge edge>
+constexpr bool edge_lists_its_vertices =
+    test::CheckList(CubeVertexIterable<Edge>(edge),
+                    test::ListVerticesOfEdge<Vertex>(test::Decode(static_cast<unsigned int>(edge))));
+static_assert(edge_lists_its_vertices<Edge01>);
+static_assert(edge_lists_its_vertices<Edge23>);
+static_assert(edge_lists_its_vertices<Edge45>);
+static_assert(edge_lists_its_vertices<Edge67>);
+static_assert(edge_lists_its_vertices<Edge02>);
+static_assert(edge_lists_its_vertices<Edge13>);
+static_assert(edge_lists_its_vertices<Edge46>);
+static_assert(edge_lists_its_vertices<Edge57>);
+static_assert(edge_lists_its_vertices<Edge04>);
+static_assert(edge_lists_its_vertices<Edge15>);
+static_assert(edge_lists_its_vertices<Edge26>);
+static_assert(edge_lists_its_vertices<Edge37>);
+
+static_assert(test::CheckList(CubeVertexIterable<Cube>(), test::ListVertices<Vertex>()));
+static_assert(test::CheckWalk(CubeVertexIterator<Cube>(false)));
+static_assert(test::CheckWalk(CubeVertexIterator<Face>(FaceY1, false)));
+static_assert(test::CheckWalk(CubeVertexIterator<Edge>(Edge57, false)));
+
+using test::GetValues;
 using Values = std::vector<unsigned int>;
 
-TEST(CubeVertexIterator, TheCubeListsAllByTheirNumbers) {
-  EXPECT_EQ(Collect(CubeVertexIterable<Cube>()), (Values{0, 1, 2, 3, 4, 5, 6, 7}));
-  EXPECT_EQ(Collect(CubeVertexIterable<Cube>(WholeCube)), (Values{0, 1, 2, 3, 4, 5, 6, 7}));
-  EXPECT_EQ(Collect(CubeVertexIterable<Cube>(Cube{3})), (Values{0, 1, 2, 3, 4, 5, 6, 7})) << "whichever cube";
-  EXPECT_TRUE(test::Lists(CubeVertexIterable<Cube>(), test::ListVertices<Vertex>()));
+TEST(CubeVertexIterator, TheCubeListsItsVerticesByNumber) {
+  EXPECT_EQ(GetValues(CubeVertexIterable<Cube>()), (Values{0, 1, 2, 3, 4, 5, 6, 7}));
+  EXPECT_EQ(GetValues(CubeVertexIterable<Cube>(WholeCube)), (Values{0, 1, 2, 3, 4, 5, 6, 7}));
+  EXPECT_EQ(GetValues(CubeVertexIterable<Cube>(Cube{3})), (Values{0, 1, 2, 3, 4, 5, 6, 7}))
+      << "for any cube";
 }
 
-TEST(CubeVertexIterator, FacesListTheirsAcrossNotAround) {
-  EXPECT_EQ(Collect(CubeVertexIterable<Face>(FaceX0)), (Values{0, 2, 4, 6}));
-  EXPECT_EQ(Collect(CubeVertexIterable<Face>(FaceX1)), (Values{1, 3, 5, 7}));
-  EXPECT_EQ(Collect(CubeVertexIterable<Face>(FaceY0)), (Values{0, 4, 1, 5}));
-  EXPECT_EQ(Collect(CubeVertexIterable<Face>(FaceY1)), (Values{2, 6, 3, 7}));
-  EXPECT_EQ(Collect(CubeVertexIterable<Face>(FaceZ0)), (Values{0, 1, 2, 3}));
-  EXPECT_EQ(Collect(CubeVertexIterable<Face>(FaceZ1)), (Values{4, 5, 6, 7}));
-  EXPECT_TRUE(DoFacesListTheirVertices());
+TEST(CubeVertexIterator, FacesListTheirVerticesByCoordinateNotAround) {
+  EXPECT_EQ(GetValues(CubeVertexIterable<Face>(FaceX0)), (Values{0, 2, 4, 6}));
+  EXPECT_EQ(GetValues(CubeVertexIterable<Face>(FaceX1)), (Values{1, 3, 5, 7}));
+  EXPECT_EQ(GetValues(CubeVertexIterable<Face>(FaceY0)), (Values{0, 4, 1, 5}));
+  EXPECT_EQ(GetValues(CubeVertexIterable<Face>(FaceY1)), (Values{2, 6, 3, 7}));
+  EXPECT_EQ(GetValues(CubeVertexIterable<Face>(FaceZ0)), (Values{0, 1, 2, 3}));
+  EXPECT_EQ(GetValues(CubeVertexIterable<Face>(FaceZ1)), (Values{4, 5, 6, 7}));
   EXPECT_EQ(CubeVertexIterable<Face>(FaceY0).IndexOf(Vertex5), 3U);
 }
 
 TEST(CubeVertexIterator, EdgesListTheirStartThenTheirEnd) {
-  EXPECT_EQ(Collect(CubeVertexIterable<Edge>(Edge57)), (Values{5, 7}));
+  EXPECT_EQ(GetValues(CubeVertexIterable<Edge>(Edge57)), (Values{5, 7}));
   for (test::Coordinates const& edge : test::edges) {
     unsigned int const value = test::Encode(edge);
-    EXPECT_EQ(Collect(CubeVertexIterable<Edge>(Edge{value})), (Values{value % 8, value % 8 + value / 8}));
+    EXPECT_EQ(GetValues(CubeVertexIterable<Edge>(Edge{value})), (Values{value % 8, value % 8 + value / 8}));
   }
-  EXPECT_TRUE(DoEdgesListTheirVertices());
 }
 
-TEST(CubeVertexIterator, EndsAreBehindTheLast) {
+TEST(CubeVertexIterator, EndsAreAfterTheLastElement) {
   EXPECT_EQ(CubeVertexIterator<Cube>(true) - CubeVertexIterator<Cube>(false), 8);
   EXPECT_EQ(CubeVertexIterator<Face>(FaceX1, true) - CubeVertexIterator<Face>(FaceX1, false), 4);
   EXPECT_EQ(CubeVertexIterator<Edge>(Edge01, true) - CubeVertexIterator<Edge>(Edge01, false), 2);
@@ -98,12 +108,15 @@ TEST(CubeVertexIterator, HoldsTheIndexThenTheContext) {
 }
 
 TEST(CubeVertexIterator, WalksLikeAPointer) {
-  EXPECT_TRUE(test::Walks(CubeVertexIterator<Cube>(false)));
-  for (test::Coordinates const& face : test::faces) {
-    EXPECT_TRUE(test::Walks(CubeVertexIterator<Face>(Face{test::Encode(face)}, false)));
+  for (test::Coordinates const& element : test::faces) {
+    Face const face{test::Encode(element)};
+    SCOPED_TRACE(face);
+    test::CheckWalk(CubeVertexIterator<Face>(face, false));
   }
-  for (test::Coordinates const& edge : test::edges) {
-    EXPECT_TRUE(test::Walks(CubeVertexIterator<Edge>(Edge{test::Encode(edge)}, false)));
+  for (test::Coordinates const& element : test::edges) {
+    Edge const edge{test::Encode(element)};
+    SCOPED_TRACE(edge);
+    test::CheckWalk(CubeVertexIterator<Edge>(edge, false));
   }
   EXPECT_NE(CubeVertexIterator<Face>(FaceX0, false), CubeVertexIterator<Face>(FaceX1, false))
       << "the context counts";
@@ -131,7 +144,7 @@ TEST(CubeVertexIterator, ServesTheStandardAlgorithms) {
   EXPECT_EQ(*std::ranges::max_element(CubeVertexIterable<Face>(FaceY0)), Vertex5) << "outlives its iterable";
 }
 
-// As documented, in arithmetic that loses no bits.
+// The documented formulas, in 64 bits, where no bit is shifted out.
 std::uint64_t Turn(std::uint64_t i_bits, std::uint64_t i_count) { return (i_bits << i_count) % 7; }
 std::uint64_t ExpectIndexOnEdge(std::uint64_t i_edge, std::uint64_t i_x) {
   return ((i_x ^ i_edge) & 7) >> ((i_edge >> 4) & 3);
@@ -152,7 +165,7 @@ TEST(CubeVertexIterator, TheIndexOfAnyValueOnAnyContextIsDefined) {
   }
 }
 
-TEST(CubeVertexIterator, AnyBitsAtAllAreDefined) {
+TEST(CubeVertexIterator, AnyValueIsDefined) {
   constexpr unsigned seed = 20261121;
   SCOPED_TRACE(testing::Message() << "seed " << seed);
   std::mt19937 random(seed);
@@ -163,15 +176,15 @@ TEST(CubeVertexIterator, AnyBitsAtAllAreDefined) {
               ExpectIndexOnEdge(context, value));
     ASSERT_EQ(CubeVertexIterable<Face>(Face{context}).IndexOf(Vertex{value}),
               ExpectIndexOnFace(context, value));
-    // Shifts by more than all bits take their count modulo 32.
+    // Shift counts are taken modulo 32.
     unsigned int const on_edge = 1U << ((context >> 4) % 32);
-    ASSERT_EQ(Collect(CubeVertexIterable<Edge>(Edge{context})),
+    ASSERT_EQ(GetValues(CubeVertexIterable<Edge>(Edge{context})),
               (Values{context & 7U, on_edge | (context & 7U)}));
     Values on_face;
     for (unsigned int i = 0; i < 4; ++i) {
       on_face.push_back((i << ((((context >> 4) ^ 3U) + 1) % 32)) % 7 | (context & 7U));
     }
-    ASSERT_EQ(Collect(CubeVertexIterable<Face>(Face{context})), on_face);
+    ASSERT_EQ(GetValues(CubeVertexIterable<Face>(Face{context})), on_face);
   }
 }
 
