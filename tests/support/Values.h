@@ -1,9 +1,13 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <cstring>
+#include <ios>
 #include <random>
 
 #include "geometry/Matrix.h"
@@ -13,7 +17,7 @@ namespace lum::test {
 template <class T>
 using Values = std::array<T, 16>;
 
-/// The 16 values of a matrix, or of a handle onto a transform, column by column.
+/// The 16 values of a matrix, column by column.
 template <class T>
 Values<T> ValuesOf(Matrix<T> const& i_matrix) {
   Values<T> values;
@@ -30,11 +34,28 @@ Values<T> Diagonal(T i_x, T i_y, T i_z) {
   return {i_x, 0, 0, 0, 0, i_y, 0, 0, 0, 0, i_z, 0, 0, 0, 0, 1};
 }
 
-/// Whether the bytes are the same: signs of zeros and NaNs count.
+/// Succeeds when the bytes are the same, including the signs of zeros and NaNs; otherwise names the first
+/// value that differs.
 template <class T>
-bool AreSameBits(Values<T> const& i_a, Values<T> const& i_b) {
-  // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison): bytes are what is asked for
-  return std::memcmp(i_a.data(), i_b.data(), sizeof(i_a)) == 0;
+testing::AssertionResult AreSameBits(Values<T> const& i_actual, Values<T> const& i_expected) {
+  for (std::size_t i = 0; i < i_actual.size(); ++i) {
+    // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison): the bytes are compared
+    if (std::memcmp(&i_actual[i], &i_expected[i], sizeof(T)) == 0) continue;
+    return testing::AssertionFailure()
+           << "value " << i << " is " << std::hexfloat << i_actual[i] << ", not " << i_expected[i];
+  }
+  return testing::AssertionSuccess();
+}
+
+/// Succeeds when every value is finite; otherwise names the first that is not.
+template <class Range>
+testing::AssertionResult AreFinite(Range const& i_values) {
+  std::size_t index = 0;
+  for (auto const value : i_values) {
+    if (!std::isfinite(value)) return testing::AssertionFailure() << "value " << index << " is " << value;
+    ++index;
+  }
+  return testing::AssertionSuccess() << testing::PrintToString(i_values);
 }
 
 /// Values between -1 and 1 from a seeded generator.

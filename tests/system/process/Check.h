@@ -13,7 +13,8 @@
 
 namespace lum::test {
 
-/// Ends the process with a failure and one line, from wherever it is: exit would run destructors again.
+/// Ends the process with one line and a failure if the condition does not hold. Not by exit, which would run
+/// destructors, and may be running them.
 inline void Check(bool i_holds, char const* i_what) {
   if (i_holds) return;
   std::fprintf(stderr, "failed: %s\n", i_what);
@@ -21,14 +22,14 @@ inline void Check(bool i_holds, char const* i_what) {
   _exit(1);
 }
 
-/// Default-constructed values are still the identity, and no object is handed out twice: neither the
-/// identity's nor any other.
+/// Checks that default-constructed values are the identity, and that no object has two owners.
 inline void CheckIdentities() {
   Matrix<float> const matrix_float;
   Matrix<double> const matrix_double;
   Quaternionf const quaternion;
-  Check(matrix_float.IsKnownIdentity() && matrix_double.IsKnownIdentity() && quaternion.IsKnownIdentity(),
-        "a default-constructed value is a known identity");
+  Check(matrix_float.IsKnownIdentity(), "a default-constructed Matrix<float> is the known identity");
+  Check(matrix_double.IsKnownIdentity(), "a default-constructed Matrix<double> is the known identity");
+  Check(quaternion.IsKnownIdentity(), "a default-constructed Quaternionf is the known identity");
   for (int row = 0; row < 4; ++row) {
     for (int column = 0; column < 4; ++column) {
       Check(matrix_float(row, column) == (row == column ? 1.0F : 0.0F),

@@ -1,6 +1,5 @@
-// A detached thread goes on using values while main returns and the statics are destroyed. It may be cut off
-// at any point by the end of the process; until then every check holds. Main waits until it has begun, so the
-// two overlap; the thread's rounds are bounded.
+// A detached thread uses values while main returns and statics are destroyed. Every check holds until the
+// process ends. Main returns only after the thread's first round, so the two overlap.
 
 #include <atomic>
 #include <chrono>
@@ -12,11 +11,11 @@ namespace {
 
 std::atomic<bool> has_begun{false};
 
-// Destroyed while the thread runs, after the library's statics would be: gives it time to go on.
-struct WaitsAtItsEnd {
-  ~WaitsAtItsEnd() { std::this_thread::sleep_for(std::chrono::milliseconds(100)); }
+// Destroyed after the library's statics would be: the thread runs on meanwhile.
+struct WaitsOnDestruction {
+  ~WaitsOnDestruction() { std::this_thread::sleep_for(std::chrono::milliseconds(100)); }
 };
-WaitsAtItsEnd const waits;
+WaitsOnDestruction const waits;
 
 }  // namespace
 

@@ -1,5 +1,6 @@
-// Threads make, share, copy and drop values while main calls exit: until the process is gone every check
-// holds, in the destructors that run meanwhile too.
+// Threads make, share, copy and destroy values while main calls exit. Every check holds until the process
+// ends, also in the destructors that exit runs. Main calls exit after each thread's first round, so they
+// overlap.
 
 #include <atomic>
 #include <chrono>
@@ -13,14 +14,14 @@ namespace {
 std::atomic<int> begun{0};
 lum::Matrix<double> const shared = lum::Matrix<double>::Translate(1, 2, 3);
 
-// Destroyed while the threads run: gives them time to go on.
-struct WaitsAtItsEnd {
-  ~WaitsAtItsEnd() {
+// Destroyed while the threads run.
+struct WaitsOnDestruction {
+  ~WaitsOnDestruction() {
     lum::test::CheckIdentities();
     std::this_thread::sleep_for(std::chrono::milliseconds(100));
   }
 };
-WaitsAtItsEnd const waits;
+WaitsOnDestruction const waits;
 
 }  // namespace
 
@@ -30,7 +31,9 @@ int main() {
       for (;;) {
         own = lum::Matrix<double>::Translate(1, 2, 3).GetInverse();
         lum::Matrix<double> const product = own * lum::Matrix<double>::Translate(1, 2, 3);
-        lum::test::Check(product(0, 3) == 0 && product(1, 3) == 0 && product(2, 3) == 0, "the product");
+        for (int row = 0; row < 3; ++row) {
+          lum::test::Check(product(row, 3) == 0, "a transform times its inverse translates by 0");
+        }
         lum::test::CheckIdentities();
         ++begun;
       }

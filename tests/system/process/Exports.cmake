@@ -1,5 +1,5 @@
-# The shared library exports names of namespace lum only: none of Eigen, none of lum's internals, and none that
-# the loader would have to make unique in the process, since that would keep the library from being unloaded.
+# The shared library exports names of namespace lum only: none of Eigen, none of lum's internals, and no unique
+# symbols (STB_GNU_UNIQUE), which would keep the library from being unloaded.
 execute_process(
   COMMAND "${NM}" -DC --defined-only "${LIBRARY}"
   OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)

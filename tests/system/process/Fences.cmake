@@ -1,8 +1,8 @@
-# Stores that go past the caches are ordered before those of a caller who publishes the results: in the machine code of
-# the library, every function that has such stores has a fence after the last of them.
+# In the machine code of the library, every function with non-temporal stores has a store fence after the last of them.
+# Without the fence, a caller that publishes the results could publish them before they are stored.
 
-# find_unfenced(<result> <line>...): functions in a disassembly that end with a store that no fence follows, and the
-# number of those that have such stores at all.
+# find_unfenced(<result> <line>...): the functions of a disassembly whose last non-temporal store no fence follows. Sets
+# streaming_functions to the number of functions that have such stores.
 function(find_unfenced result)
   set(unfenced)
   set(streaming 0)
@@ -43,8 +43,8 @@ string(REGEX REPLACE "[][;]" ":" code "${code}")
 string(REPLACE "\n" ";" code "${code}")
 find_unfenced(unfenced ${code})
 if(unfenced)
-  message(FATAL_ERROR "Stores past the caches, and no fence after them: ${unfenced}")
+  message(FATAL_ERROR "Non-temporal stores without a fence after them: ${unfenced}")
 endif()
 if(streaming_functions EQUAL 0)
-  message(FATAL_ERROR "Nothing is stored past the caches")
+  message(FATAL_ERROR "There are no non-temporal stores")
 endif()

@@ -1,5 +1,5 @@
-// A child of a process of one thread has values of its own: it makes, changes and drops them, and the
-// parent's stay as they were.
+// A forked child of a single-threaded process makes, changes and destroys values of its own. The parent's
+// values do not change.
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -14,13 +14,15 @@ int main() {
     lum::test::Check(child >= 0, "fork");
     if (child == 0) {
       shared.GetMutableInternal()->translation().x() = 7;
-      lum::test::Check(shared(0, 3) == 7 && before(0, 3) == 1, "the child writes a copy of its own");
+      lum::test::Check(shared(0, 3) == 7, "the child reads what it wrote");
+      lum::test::Check(before(0, 3) == 1, "the child writes a copy");
       lum::test::CheckIdentities();
       _exit(0);
     }
     int status = -1;
-    lum::test::Check(waitpid(child, &status, 0) == child && status == 0, "the child ended well");
-    lum::test::Check(shared(0, 3) == 1, "the parent's values stay");
+    lum::test::Check(waitpid(child, &status, 0) == child, "waitpid");
+    lum::test::Check(status == 0, "the child succeeds");
+    lum::test::Check(shared(0, 3) == 1, "the parent's values do not change");
     lum::test::CheckIdentities();
   }
   return 0;

@@ -1,6 +1,6 @@
-// A child of a process of several threads may use the values that it has: read, apply, copy, invert and drop
-// them. None of that takes a lock, which a thread that is not there any more might hold. What makes objects
-// does take one, and is left alone here.
+// A forked child of a multi-threaded process may read, apply, copy, invert and destroy the values that it
+// has. None of that takes a lock, which a thread that the child does not have might hold. Making objects
+// takes a lock, so the child makes none.
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -17,8 +17,14 @@ void UseWithoutMaking(lum::Matrix<float> const& i_matrix, std::vector<lum::Matri
   lum::Matrix<float> const copy = i_matrix;
   auto const [x, y, z] = copy * lum::Point<float, 3>(1, 1, 1);
   auto const [u, v, w] = copy.GetInverse() * lum::Point<float, 3>(x, y, z);
-  lum::test::Check(x == 2 && y == 3 && z == 4 && u == 1 && v == 1 && w == 1, "the child's values hold");
-  lum::test::Check(lum::Matrix<float>().IsKnownIdentity(), "the identity was made before");
+  lum::test::Check(x == 2, "the x of the point transformed by the child");
+  lum::test::Check(y == 3, "the y of the point transformed by the child");
+  lum::test::Check(z == 4, "the z of the point transformed by the child");
+  lum::test::Check(u == 1, "the x of the point transformed back by the child");
+  lum::test::Check(v == 1, "the y of the point transformed back by the child");
+  lum::test::Check(w == 1, "the z of the point transformed back by the child");
+  lum::test::Check(lum::Matrix<float>().IsKnownIdentity(),
+                   "the child reads the identity that its parent made");
   io_own.clear();
 }
 
@@ -41,12 +47,13 @@ int main() {
     pid_t const child = fork();
     lum::test::Check(child >= 0, "fork");
     if (child == 0) {
-      alarm(20);  // a child that waits for a lock is ended, and counts as failed
+      alarm(20);  // ends a child that waits for a lock, as a failure
       UseWithoutMaking(matrix, own);
       _exit(0);
     }
     int status = -1;
-    lum::test::Check(waitpid(child, &status, 0) == child && status == 0, "the child ended well");
+    lum::test::Check(waitpid(child, &status, 0) == child, "waitpid");
+    lum::test::Check(status == 0, "the child succeeds");
   }
   is_over = true;
   for (std::thread& thread : threads) thread.join();

@@ -1,5 +1,5 @@
-// Objects that were constructed before the library was ever used are destroyed after whatever it might
-// destroy at exit. Their destructors, and functions registered with atexit, still find valid identities.
+// Objects constructed before the first use of the library are destroyed after anything that it could destroy
+// at exit. Their destructors, and functions registered with atexit, find valid identities.
 
 #include <cstdlib>
 
@@ -7,18 +7,18 @@
 
 namespace {
 
-struct UsesLumAtItsEnd {
-  ~UsesLumAtItsEnd() { lum::test::CheckIdentities(); }
+struct UsesLumOnDestruction {
+  ~UsesLumOnDestruction() { lum::test::CheckIdentities(); }
 };
 
-UsesLumAtItsEnd const constructed_first;
+UsesLumOnDestruction const constructed_first;
 
-// Keeps shared identities until after main: they are released late, into pools that are still there.
+// Releases a shared identity after main, when the pools still exist.
 lum::Matrix<float>* held = nullptr;
-struct ReleasesAtItsEnd {
-  ~ReleasesAtItsEnd() { delete held; }
+struct ReleasesOnDestruction {
+  ~ReleasesOnDestruction() { delete held; }
 };
-ReleasesAtItsEnd const releases;
+ReleasesOnDestruction const releases;
 
 }  // namespace
 

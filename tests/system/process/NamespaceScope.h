@@ -3,7 +3,7 @@
 #include "geometry/Matrix.h"
 #include "geometry/Quaternion.h"
 
-/// Built at namespace scope in NamespaceScopeValues.cpp.
+/// Defined at namespace scope in NamespaceScopeValues.cpp.
 extern lum::Matrix<float> const translation;
 extern lum::Matrix<double> const product;
 extern lum::Quaternionf const rotation;

@@ -1,7 +1,7 @@
 #include "Check.h"
 #include "NamespaceScope.h"
 
-// An initialiser that comes before all of normal priority.
+// Runs before all initialisers of normal priority.
 [[gnu::constructor(101)]] void UseLumFirst() { lum::test::CheckIdentities(); }
 
 lum::Matrix<float> const translation = lum::Matrix<float>::Translate(1, 2, 3);

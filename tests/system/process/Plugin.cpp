@@ -10,7 +10,7 @@ Matrix const& At(void const* ip_matrix) { return *static_cast<Matrix const*>(ip_
 
 }  // namespace
 
-// Its name is the plugin's own, so that a program may link two.
+// Each plugin has a name of its own, so that a program may link two.
 extern "C" __attribute__((visibility("default"))) Plugin const PLUGIN_NAME;
 Plugin const PLUGIN_NAME = {
     [](double i_x) -> void* { return new Matrix(Matrix::Translate(i_x, 0, 0)); },

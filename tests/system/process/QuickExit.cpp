@@ -1,4 +1,4 @@
-// quick_exit runs no destructors, only what was registered for it, while other threads go on using values.
+// quick_exit runs the functions registered for it and no destructors, while other threads use values.
 
 #include <atomic>
 #include <cstdlib>
@@ -10,10 +10,10 @@ namespace {
 
 std::atomic<int> begun{0};
 
-struct NeverEnds {
-  ~NeverEnds() { lum::test::Check(false, "quick_exit runs no destructor"); }
+struct FailsOnDestruction {
+  ~FailsOnDestruction() { lum::test::Check(false, "quick_exit runs no destructor"); }
 };
-NeverEnds const never_ends;
+FailsOnDestruction const fails;
 
 }  // namespace
 

@@ -1,4 +1,5 @@
-// Thread-local values use the library when their thread ends: a second thread first, the main one at exit.
+// Thread-local values use the library when their thread ends: first a second thread, then the main one at
+// exit.
 
 #include <thread>
 
@@ -6,15 +7,15 @@
 
 namespace {
 
-struct UsesLumAtItsEnd {
+struct UsesLumOnDestruction {
   lum::Matrix<double> matrix = lum::Matrix<double>::Translate(1, 2, 3);
-  ~UsesLumAtItsEnd() {
+  ~UsesLumOnDestruction() {
     lum::test::CheckIdentities();
     lum::test::Check(matrix(0, 3) == 1, "a thread-local matrix keeps its values");
   }
 };
 
-thread_local UsesLumAtItsEnd value;
+thread_local UsesLumOnDestruction value;
 
 void Use() { lum::test::Check(value.matrix.HasInverse(), "a thread-local matrix holds its inverse"); }
 

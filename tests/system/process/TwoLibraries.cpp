@@ -1,5 +1,5 @@
-// Two shared libraries use lum and exchange values: both linked with lum's shared library, or each with a
-// static copy, whose names the dynamic linker then resolves to the first. Either way there is one identity.
+// Two plugins exchange values. Both link lum's shared library, or each links a static copy, whose symbols the
+// dynamic linker resolves to the first copy. There is one identity in both cases.
 
 #include "Check.h"
 #include "Plugin.h"
@@ -13,13 +13,13 @@ int main() {
   void* const left = first_plugin.make(2);
   void* const right = second_plugin.make(3);
   void* const product = first_plugin.multiply(left, right);
-  lum::test::Check(second_plugin.get_x(product) == 5, "values pass from one to the other");
+  lum::test::Check(second_plugin.get_x(product) == 5, "a plugin reads the value of another");
   void* const identity = first_plugin.make_default();
-  lum::test::Check(first_plugin.is_known_identity(identity), "each knows its own identity");
-  lum::test::Check(second_plugin.is_known_identity(identity), "and the other's");
+  lum::test::Check(first_plugin.is_known_identity(identity), "a plugin knows its own identity");
+  lum::test::Check(second_plugin.is_known_identity(identity), "a plugin knows the identity of another");
   void* const same = second_plugin.multiply(identity, right);
-  lum::test::Check(first_plugin.get_x(same) == 3, "an identity multiplies like one");
-  // Each drops what the other made.
+  lum::test::Check(first_plugin.get_x(same) == 3, "a product with the identity of another plugin");
+  // Each plugin destroys what the other made.
   first_plugin.drop(right);
   second_plugin.drop(left);
   second_plugin.drop(product);

@@ -1,5 +1,5 @@
 // A plugin that links lum is unloaded while values that it made live, and loaded again. lum's shared library
-// stays in the process once it is there, so its pools and identities do too.
+// is never unloaded, so its pools and identities stay.
 
 #include <dlfcn.h>
 
@@ -31,7 +31,8 @@ int main(int, char** ip_words) {
   for (int round = 0; round < 5; ++round) {
     auto const [library, plugin] = Load(ip_words[1]);
     if (identity == nullptr) identity = plugin->make_default();
-    lum::test::Check(plugin->is_known_identity(identity), "the identity of the first load is that of each");
+    lum::test::Check(plugin->is_known_identity(identity),
+                     "the identity of the first load is known after each");
     for (int i = 0; i < 40; ++i) made.push_back(plugin->make(static_cast<double>(made.size())));
     for (std::size_t i = 0; i < made.size(); ++i) {
       lum::test::Check(plugin->get_x(made[i]) == static_cast<double>(i), "values outlive the plugin");

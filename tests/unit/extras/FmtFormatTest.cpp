@@ -8,7 +8,7 @@
 
 #include "extras/FmtFormat.h"
 #include "extras/Stream.h"
-#include "tests/unit/extras/Comma.h"
+#include "tests/support/Comma.h"
 
 namespace lum {
 namespace {

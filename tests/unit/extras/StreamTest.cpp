@@ -9,7 +9,7 @@
 
 #include "extras/Stream.h"
 #include "tests/support/MovedFrom.h"
-#include "tests/unit/extras/Comma.h"
+#include "tests/support/Comma.h"
 
 // Outside lum, so that only the arguments lead to the operators.
 namespace callers {

@@ -13,6 +13,7 @@
 #include "geometry/Quaternion.h"
 #include "tests/support/FailingAllocation.h"
 #include "tests/support/ObjectPoolTestAccess.h"
+#include "tests/support/Precisions.h"
 #include "tests/support/Values.h"
 
 namespace lum {
@@ -67,9 +68,8 @@ TEST(AllocationFailure, AnIdentityThatCouldNotBeMadeIsMadeLater) {
 }
 
 template <class T>
-class AllocationFailure : public testing::Test {};
-using Precisions = testing::Types<float, double>;
-TYPED_TEST_SUITE(AllocationFailure, Precisions);
+class AllocationFailure : public test::PrecisionTest<T> {};
+TYPED_TEST_SUITE(AllocationFailure, test::Precisions);
 
 TYPED_TEST(AllocationFailure, LosesNothingInWhatMakesMatrices) {
   using M = Matrix<TypeParam>;

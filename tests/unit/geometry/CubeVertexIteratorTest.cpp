@@ -72,8 +72,7 @@ using Values = std::vector<unsigned int>;
 TEST(CubeVertexIterator, TheCubeListsItsVerticesByNumber) {
   EXPECT_EQ(GetValues(CubeVertexIterable<Cube>()), (Values{0, 1, 2, 3, 4, 5, 6, 7}));
   EXPECT_EQ(GetValues(CubeVertexIterable<Cube>(WholeCube)), (Values{0, 1, 2, 3, 4, 5, 6, 7}));
-  EXPECT_EQ(GetValues(CubeVertexIterable<Cube>(Cube{3})), (Values{0, 1, 2, 3, 4, 5, 6, 7}))
-      << "for any cube";
+  EXPECT_EQ(GetValues(CubeVertexIterable<Cube>(Cube{3})), (Values{0, 1, 2, 3, 4, 5, 6, 7})) << "for any cube";
 }
 
 TEST(CubeVertexIterator, FacesListTheirVerticesByCoordinateNotAround) {

@@ -9,6 +9,7 @@
 #include <stdexcept>
 
 #include "geometry/Matrix.h"
+#include "tests/support/Precisions.h"
 #include "tests/support/Throws.h"
 #include "tests/support/Values.h"
 
@@ -22,13 +23,8 @@ using test::Values;
 using test::ValuesOf;
 
 template <class T>
-class MatrixBuild : public testing::Test {
- protected:
-  static constexpr T nan = std::numeric_limits<T>::quiet_NaN();
-  static constexpr T infinity = std::numeric_limits<T>::infinity();
-};
-using Precisions = testing::Types<float, double>;
-TYPED_TEST_SUITE(MatrixBuild, Precisions);
+class MatrixBuild : public test::PrecisionTest<T> {};
+TYPED_TEST_SUITE(MatrixBuild, test::Precisions);
 
 TYPED_TEST(MatrixBuild, ScalesAlongTheAxes) {
   auto const scale = Matrix<TypeParam>::Scale(2, 3, 4);

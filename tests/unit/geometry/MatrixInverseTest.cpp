@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "geometry/Matrix.h"
+#include "tests/support/Precisions.h"
 #include "tests/support/Throws.h"
 #include "tests/support/Values.h"
 
@@ -20,9 +21,8 @@ using test::Values;
 using test::ValuesOf;
 
 template <class T>
-class MatrixInverse : public testing::Test {};
-using Precisions = testing::Types<float, double>;
-TYPED_TEST_SUITE(MatrixInverse, Precisions);
+class MatrixInverse : public test::PrecisionTest<T> {};
+TYPED_TEST_SUITE(MatrixInverse, test::Precisions);
 
 template <class T>
 constexpr Values<T> counting = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 17};

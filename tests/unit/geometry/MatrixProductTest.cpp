@@ -11,6 +11,7 @@
 #include <stdexcept>
 
 #include "geometry/Matrix.h"
+#include "tests/support/Precisions.h"
 #include "tests/support/Throws.h"
 #include "tests/support/Values.h"
 
@@ -23,16 +24,11 @@ using test::Values;
 using test::ValuesOf;
 
 template <class T>
-class MatrixProduct : public testing::Test {
- protected:
-  static constexpr T nan = std::numeric_limits<T>::quiet_NaN();
-  static constexpr T infinity = std::numeric_limits<T>::infinity();
-};
-using Precisions = testing::Types<float, double>;
-TYPED_TEST_SUITE(MatrixProduct, Precisions);
+class MatrixProduct : public test::PrecisionTest<T> {};
+TYPED_TEST_SUITE(MatrixProduct, test::Precisions);
 template <class T>
-class MatrixProductDeathTest : public testing::Test {};
-TYPED_TEST_SUITE(MatrixProductDeathTest, Precisions);
+class MatrixProductDeathTest : public test::PrecisionTest<T> {};
+TYPED_TEST_SUITE(MatrixProductDeathTest, test::Precisions);
 
 // Column j is B(0,j) A0 + B(1,j) A1 + B(2,j) A2 + B(3,j) A3, one operation at a time.
 template <class T>

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <initializer_list>
@@ -13,6 +12,7 @@
 #include <vector>
 
 #include "geometry/Matrix.h"
+#include "tests/support/Precisions.h"
 #include "tests/support/Throws.h"
 #include "tests/support/Values.h"
 
@@ -26,15 +26,11 @@ using test::Values;
 using test::ValuesOf;
 
 template <class T>
-class MatrixOf : public testing::Test {
+class MatrixOf : public test::PrecisionTest<T> {
  protected:
-  static constexpr T nan = std::numeric_limits<T>::quiet_NaN();
-  static constexpr T infinity = std::numeric_limits<T>::infinity();
-
   static Matrix<T> MakeWithoutInverse() { return Matrix<T>::Scale(0, 1, 1); }
 };
-using Precisions = testing::Types<float, double>;
-TYPED_TEST_SUITE(MatrixOf, Precisions);
+TYPED_TEST_SUITE(MatrixOf, test::Precisions);
 
 static_assert(std::is_nothrow_move_constructible_v<Matrix<float>>);
 static_assert(std::is_nothrow_move_assignable_v<Matrix<double>>);
@@ -175,9 +171,7 @@ TYPED_TEST(MatrixOf, FromSingularValuesHoldsAnInverseThatIsNotFinite) {
   Matrix<TypeParam> const matrix(values.data());
   EXPECT_TRUE(matrix.HasInverse());
   EXPECT_EQ(matrix.GetDeterminant(), 0);
-  bool is_finite = true;
-  for (TypeParam const value : InverseValuesOf(matrix)) is_finite = is_finite && std::isfinite(value);
-  EXPECT_FALSE(is_finite);
+  EXPECT_FALSE(test::AreFinite(InverseValuesOf(matrix)));
 }
 
 // Column 2 is the sum of columns 0 and 1, exactly. Inverse and determinant are summed in other orders, so
@@ -197,8 +191,7 @@ TYPED_TEST(MatrixOf, FromSingularValuesMayHoldAFiniteInverseThatMeansNothing) {
     }
     Matrix<TypeParam> const matrix(v.data());
     EXPECT_TRUE(matrix.HasInverse());
-    Values<TypeParam> const inverse = InverseValuesOf(matrix);
-    finite += std::all_of(inverse.begin(), inverse.end(), [](TypeParam x) { return std::isfinite(x); });
+    finite += static_cast<bool>(test::AreFinite(InverseValuesOf(matrix)));
     with_determinant += matrix.GetDeterminant() != 0;
   }
   EXPECT_GT(finite, 0) << "seed 11";
@@ -230,8 +223,7 @@ TYPED_TEST(MatrixOf, FromAFrameIsTheMatrixFromItsValues) {
 TYPED_TEST(MatrixOf, FromASingularFrameHoldsAnInverseThatIsNotFinite) {
   Matrix<TypeParam> const frame({1, 2, 3}, {1, 0, 0}, {1, 0, 0}, {0, 0, 1});
   ASSERT_TRUE(frame.HasInverse());
-  Values<TypeParam> const inverse = InverseValuesOf(frame);
-  EXPECT_FALSE(std::all_of(inverse.begin(), inverse.end(), [](TypeParam v) { return std::isfinite(v); }));
+  EXPECT_FALSE(test::AreFinite(InverseValuesOf(frame)));
 }
 
 // One reciprocal of the determinant, times cofactors. So an exact reciprocal gives an exact inverse, and a

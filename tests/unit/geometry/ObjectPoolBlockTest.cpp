@@ -72,7 +72,7 @@ TEST(ObjectPoolBlock, TakesTwoSlotsAsTwoTakesWould) {
   EXPECT_EQ(Access::TakePosition(block).load(), 32U);
 }
 
-TEST(ObjectPoolBlock, LeavesASingleSlotToASingleTake) {
+TEST(ObjectPoolBlock, KeepsASingleSlotForASingleTake) {
   Block block;
   TakeSlots(block, 31);
   EXPECT_FALSE(block.TakeTwoSlots());
@@ -80,7 +80,7 @@ TEST(ObjectPoolBlock, LeavesASingleSlotToASingleTake) {
   EXPECT_EQ(block.TakeSlot().value(), 31U);
 }
 
-// As a take finds it that comes between the claim and the store of a return.
+// A take finds a mark when a return has claimed the position and has not stored its slot yet.
 TEST(ObjectPoolBlock, TakesNeitherSlotWhereOneIsMarked) {
   constexpr unsigned long mark = all_ones;
   for (std::size_t const marked : {0U, 1U}) {
@@ -126,7 +126,7 @@ TEST(ObjectPoolBlock, ReturnsAndTakesTwoSlotsAcrossTheWrap) {
   }
 }
 
-TEST(ObjectPoolBlock, TellsTheReturnOfTwoThatItEmptiedASupersededBlock) {
+TEST(ObjectPoolBlock, ReportsThatTheReturnOfTwoEmptiedASupersededBlock) {
   Block block;
   TakeSlots(block, 3);
   EXPECT_FALSE(block.Supersede());
@@ -156,7 +156,7 @@ TEST(ObjectPoolBlock, ResetsTheReturnPositionAtItsLastValue) {
   EXPECT_EQ(Access::Entry(block, 0), 1U);
 }
 
-TEST(ObjectPoolBlock, TellsTheLastReturnThatItEmptiedASupersededBlock) {
+TEST(ObjectPoolBlock, ReportsThatTheLastReturnEmptiedASupersededBlock) {
   Block block;
   TakeSlots(block, 2);
   EXPECT_FALSE(block.Supersede());
@@ -164,12 +164,12 @@ TEST(ObjectPoolBlock, TellsTheLastReturnThatItEmptiedASupersededBlock) {
   EXPECT_TRUE(block.ReturnSlot(block.GetObject(1)));
 }
 
-TEST(ObjectPoolBlock, TellsWhoSupersedesAnEmptyBlock) {
+TEST(ObjectPoolBlock, ReportsThatASupersededBlockIsEmpty) {
   Block fresh;
   EXPECT_TRUE(fresh.Supersede());
   Block emptied;
   TakeSlots(emptied, 1);
-  EXPECT_FALSE(emptied.ReturnSlot(emptied.GetObject(0))) << "still current: it goes on handing out slots";
+  EXPECT_FALSE(emptied.ReturnSlot(emptied.GetObject(0))) << "the block is still current";
   EXPECT_TRUE(emptied.Supersede());
 }
 

@@ -1,7 +1,7 @@
-// Small programs under every interleaving with a bounded number of preemptions, and under random ones without
-// a bound, on the library's own pool, block and handle. A model holds the slots that have owners: it must
-// accept each slot that is taken, and is told of each return before it happens. Afterwards every block is
-// current or freed, the current one gives out all its slots, and no freed block has been touched.
+// Small programs run on the library's own pool, block and handle under every interleaving with a bounded
+// number of preemptions, and under random interleavings. A model knows the owner of each slot: a slot that is
+// taken must have no owner, and a return is reported to the model before it starts. At the end every block is
+// current or freed, the current block gives all its slots, and no freed block has been accessed.
 
 #include <gtest/gtest.h>
 
@@ -31,10 +31,10 @@ using test::BlockCensus;
 using test::Exploration;
 using test::Stepper;
 
-// Of a size that gives blocks one which nothing else is allocated in: the census tells them by it.
+// Nothing else that is allocated has the size of a block of these, by which the census recognises blocks.
 using Object = std::array<unsigned long, 11>;
 
-/// A pool with blocks of so many slots, and the model of who owns what.
+/// A pool with blocks of `Size` slots, and the model of their owners.
 template <std::size_t Size>
 class World {
  public:
@@ -44,7 +44,7 @@ class World {
 
   World() : m_census(sizeof(typename Pool::Block), BlockCensus::Freed::kKeptAside) {
     Stepper::Observer() = [this](void const* ip_address) {
-      if (BlockCensus::IsInFreedBlock(ip_address)) Fail("a freed block is touched");
+      if (BlockCensus::IsInFreedBlock(ip_address)) Fail("a freed block is accessed");
     };
     m_pool = std::make_unique<Pool>();
   }
@@ -76,9 +76,9 @@ class World {
     if (io_first || io_second) Fail("a handle is bound after its release");
   }
 
-  /// When nothing is owned any more.
+  /// Checks the end of a program, which must have returned everything.
   void Finish() {
-    if (!m_owners.empty()) Fail("the program has left something");
+    if (!m_owners.empty()) Fail("the program returned less than it took");
     if (m_census.GetMade() - m_census.GetFreed() != 1) Fail("a block is left behind");
     std::size_t const made = m_census.GetMade();
     {
@@ -92,7 +92,7 @@ class World {
     if (m_census.GetFreedAgain() != 0) Fail("a block is freed twice");
   }
 
-  /// As if this many objects had been taken and returned before.
+  /// Sets the positions as if `i_count` objects had been taken and returned before.
   void Preset(unsigned long i_count) {
     auto* const block = Access::CurrentBlock(*m_pool);
     Access::TakePosition(*block).store(i_count);
@@ -129,16 +129,16 @@ class ObjectPoolExploration : public testing::Test {
   using Actors = typename Ring::Actors;
   using MakeActors = std::function<Actors(Ring&)>;
 
-  // Every interleaving with at most so many preemptions, then random ones.
+  // Runs every interleaving with at most `i_preemptions`, then random ones.
   void Explore(char const* ip_name, std::size_t i_preemptions, MakeActors const& i_make) {
     std::optional<Ring> world;
     Exploration exploration;
-    Exploration::Program const program = {[&] {
-                                            world.reset();
-                                            world.emplace();
-                                            return i_make(*world);
-                                          },
-                                          [&] { world->Finish(); }};
+    auto const start = [&] {
+      world.reset();
+      world.emplace();
+      return i_make(*world);
+    };
+    Exploration::Program const program = {start, [&] { world->Finish(); }};
     auto const is_failed = [&] { return !world->GetFailure().empty(); };
     constexpr std::size_t walks = 3000;
     constexpr unsigned seed = 20261121;
@@ -149,7 +149,7 @@ class ObjectPoolExploration : public testing::Test {
     EXPECT_FALSE(exploration.IsStuck()) << exploration.GetSchedule();
     ASSERT_EQ(world->GetFailure(), "") << exploration.GetSchedule() << ", seed " << seed;
     EXPECT_EQ(walked, walks);
-    EXPECT_GT(searched, 100U) << "the search is to have choices";
+    EXPECT_GT(searched, 100U) << "the program has too few interleavings";
     std::cout << Size::value << " slots, " << ip_name << ": " << searched << " executions with at most "
               << i_preemptions << " preemptions, " << walked << " random ones\n";
   }
@@ -158,7 +158,7 @@ class ObjectPoolExploration : public testing::Test {
 using Sizes = testing::Types<std::integral_constant<std::size_t, 2>, std::integral_constant<std::size_t, 3>>;
 TYPED_TEST_SUITE(ObjectPoolExploration, Sizes);
 
-// An actor that takes and returns so many times, holding up to two objects.
+// An actor that takes and returns `i_times`, and holds up to two objects.
 template <class Ring>
 std::function<void()> TakeAndReturn(Ring& io_world, int i_times) {
   return [&io_world, i_times] {
@@ -192,22 +192,20 @@ TYPED_TEST(ObjectPoolExploration, FourThreadsTakeAndReturn) {
   });
 }
 
-// The block is full, and empties in another order than it was filled while new objects are taken.
+// A full block empties in another order than it was filled, while another actor takes objects.
 TYPED_TEST(ObjectPoolExploration, AFullBlockEmptiesInAnyOrder) {
   this->Explore("a full block empties", 3, [](auto& io_world) {
     auto const held = std::make_shared<std::vector<typename TestFixture::PoolHandle>>();
     for (std::size_t i = 0; i < TypeParam::value; ++i) held->push_back(io_world.Take());
-    return typename TestFixture::Actors{[&io_world, held] { io_world.Return(held->back()); },
-                                        [&io_world, held] {
-                                          for (std::size_t i = 0; i + 1 < held->size(); ++i) {
-                                            io_world.Return((*held)[i]);
-                                          }
-                                        },
-                                        TakeAndReturn(io_world, 1)};
+    auto const return_last = [&io_world, held] { io_world.Return(held->back()); };
+    auto const return_others = [&io_world, held] {
+      for (std::size_t i = 0; i + 1 < held->size(); ++i) io_world.Return((*held)[i]);
+    };
+    return typename TestFixture::Actors{return_last, return_others, TakeAndReturn(io_world, 1)};
   });
 }
 
-// An actor that takes two at once and returns them together, so many times.
+// An actor that takes two objects at once and returns them together, `i_times`.
 template <class Ring>
 std::function<void()> TakeAndReturnTwo(Ring& io_world, int i_times) {
   return [&io_world, i_times] {
@@ -231,55 +229,52 @@ TYPED_TEST(ObjectPoolExploration, ThreeThreadsTakeOneOrTwo) {
   });
 }
 
-// The first of two is shared, and whoever lets go last returns it.
+// The first of two objects is shared by two actors, and the last release returns it.
 TYPED_TEST(ObjectPoolExploration, OneOfTwoIsShared) {
   this->Explore("one of two is shared", 2, [](auto& io_world) {
     using Pair = std::array<typename TestFixture::PoolHandle, 2>;
     auto const pair = std::make_shared<Pair>(io_world.TakeTwo());
     auto const shared = std::make_shared<Pair>();
     (*shared)[0] = io_world.Copy((*pair)[0]);
-    return
-        typename TestFixture::Actors{[&io_world, pair] { io_world.ReturnTogether((*pair)[0], (*pair)[1]); },
-                                     [&io_world, shared] {
-                                       (*shared)[1] = io_world.Take();
-                                       io_world.ReturnTogether((*shared)[0], (*shared)[1]);
-                                     },
-                                     TakeAndReturnTwo(io_world, 1)};
+    auto const return_pair = [&io_world, pair] { io_world.ReturnTogether((*pair)[0], (*pair)[1]); };
+    auto const take_and_return_shared = [&io_world, shared] {
+      (*shared)[1] = io_world.Take();
+      io_world.ReturnTogether((*shared)[0], (*shared)[1]);
+    };
+    return typename TestFixture::Actors{return_pair, take_and_return_shared, TakeAndReturnTwo(io_world, 1)};
   });
 }
 
-// Two owners of one object let go, and one of them takes another.
+// Two owners of one object release it, and one of them takes another.
 TYPED_TEST(ObjectPoolExploration, TheLastOfSharedHandlesReturnsTheObject) {
   this->Explore("shared handles", 3, [](auto& io_world) {
     auto const first = std::make_shared<typename TestFixture::PoolHandle>(io_world.Take());
     auto const second = std::make_shared<typename TestFixture::PoolHandle>(io_world.Copy(*first));
-    return typename TestFixture::Actors{[&io_world, first] {
-                                          auto copy = io_world.Copy(*first);
-                                          io_world.Return(*first);
-                                          io_world.Return(copy);
-                                        },
-                                        [&io_world, second] {
-                                          io_world.Return(*second);
-                                          auto other = io_world.Take();
-                                          io_world.Return(other);
-                                        },
-                                        TakeAndReturn(io_world, 1)};
+    auto const copy_and_return = [&io_world, first] {
+      auto copy = io_world.Copy(*first);
+      io_world.Return(*first);
+      io_world.Return(copy);
+    };
+    auto const return_and_take = [&io_world, second] {
+      io_world.Return(*second);
+      auto other = io_world.Take();
+      io_world.Return(other);
+    };
+    return typename TestFixture::Actors{copy_and_return, return_and_take, TakeAndReturn(io_world, 1)};
   });
 }
 
-// Only a ring of a power of two goes on without a gap where positions wrap.
+// Positions wrap without a gap only in a ring whose size is a power of two.
 TEST(ObjectPoolExplorationAtTheWrap, PositionsWrapUnderThreads) {
   std::optional<World<2>> world;
   Exploration exploration;
-  Exploration::Program const program = {[&] {
-                                          world.reset();
-                                          world.emplace();
-                                          world->Preset(~0UL - 2);
-                                          return World<2>::Actors{TakeAndReturn(*world, 2),
-                                                                  TakeAndReturnTwo(*world, 1),
-                                                                  TakeAndReturn(*world, 2)};
-                                        },
-                                        [&] { world->Finish(); }};
+  auto const start = [&] {
+    world.reset();
+    world.emplace();
+    world->Preset(~0UL - 2);
+    return World<2>::Actors{TakeAndReturn(*world, 2), TakeAndReturnTwo(*world, 1), TakeAndReturn(*world, 2)};
+  };
+  Exploration::Program const program = {start, [&] { world->Finish(); }};
   auto const is_failed = [&] { return !world->GetFailure().empty(); };
   std::size_t const searched = exploration.SearchAll(program, 2, is_failed);
   EXPECT_FALSE(exploration.IsStuck()) << exploration.GetSchedule();

@@ -1,6 +1,6 @@
 // Every test replays one interleaving of two or three threads step by step, on the library's own pool and
-// block built from stepped atomics and mutexes, and asks afterwards: has no slot two owners, is none lost,
-// was no freed block touched or freed again, and is every block either current or freed?
+// block with stepped atomics and mutexes. Afterwards no slot has two owners, none is lost, no freed block was
+// accessed or freed again, and every block is current or freed.
 
 #include <gtest/gtest.h>
 
@@ -43,7 +43,7 @@ class ObjectPoolInterleaving : public testing::Test {
 
   void TearDown() override {
     m_handles.clear();
-    // The first block and those made since: all but the current one are freed, each once.
+    // All blocks but the current one are freed, each once.
     EXPECT_EQ(m_census.GetMade() - m_census.GetFreed(), 1U);
     m_pool.reset();
     EXPECT_EQ(m_census.GetMade(), m_census.GetFreed());
@@ -52,13 +52,13 @@ class ObjectPoolInterleaving : public testing::Test {
     Stepper::Observer() = nullptr;
   }
 
-  // Takes until `i_count` handles are held.
+  // Takes objects until `i_count` handles are held.
   void FillTo(std::size_t i_count) {
     while (m_handles.size() < i_count) m_handles.push_back(m_pool->CreateObject());
   }
 
-  // Takes a handle out of those that are held.
-  PoolHandle LetGo(std::ptrdiff_t i_index) {
+  // Moves one of the held handles out.
+  PoolHandle Extract(std::ptrdiff_t i_index) {
     PoolHandle handle = std::move(m_handles[static_cast<std::size_t>(i_index)]);
     m_handles.erase(m_handles.begin() + i_index);
     return handle;
@@ -80,8 +80,8 @@ class ObjectPoolInterleaving : public testing::Test {
   std::size_t m_late_accesses = 0;
 };
 
-// A take is stopped between reading its ring entry and marking it. Were that not under the lock, another
-// thread could read the same entry now.
+// A take stops between reading its ring entry and marking it. Without the lock, another thread could read the
+// same entry now.
 TEST_F(ObjectPoolInterleaving, ATakeIsNotOvertakenBeforeItMarksItsEntry) {
   PoolHandle first;
   PoolHandle second;
@@ -101,12 +101,12 @@ TEST_F(ObjectPoolInterleaving, ATakeIsNotOvertakenBeforeItMarksItsEntry) {
   EXPECT_EQ(Access::CurrentBlock(*m_pool), m_first_block) << "a slot of the first block is lost";
 }
 
-// A return is stopped between claiming its ring position and storing its slot there. A later return lets a
-// take in, which must not read the old entry.
+// A return stops between claiming its ring position and storing its slot there. A later return makes room for
+// a take, which must not read the old entry.
 TEST_F(ObjectPoolInterleaving, ATakeDoesNotReadTheEntryOfAReturnInFlight) {
   FillTo(32);
-  PoolHandle first = LetGo(5);
-  PoolHandle second = LetGo(6);
+  PoolHandle first = Extract(5);
+  PoolHandle second = Extract(6);
   Stepper stepper;
   auto const return_first = stepper.Add([&] { first = PoolHandle(); });
   auto const return_second = stepper.Add([&] { second = PoolHandle(); });
@@ -117,11 +117,11 @@ TEST_F(ObjectPoolInterleaving, ATakeDoesNotReadTheEntryOfAReturnInFlight) {
   ASSERT_TRUE(stepper.Finish(return_first));
 }
 
-// A return is stopped between storing its slot and lowering the count. Until then the slot is not to be had,
-// or more objects would be counted than there are.
+// A return stops between storing its slot and lowering the count. The slot cannot be taken until then: the
+// count would exceed the number of slots.
 TEST_F(ObjectPoolInterleaving, ASlotIsFreeOnceItsReturnHasLoweredTheCount) {
   FillTo(32);
-  PoolHandle handle = LetGo(5);
+  PoolHandle handle = Extract(5);
   Stepper stepper;
   auto const release = stepper.Add([&] { handle = PoolHandle(); });
   ASSERT_TRUE(stepper.RunTo(release, Operation::kSubtract, GetUseCount()));
@@ -130,11 +130,11 @@ TEST_F(ObjectPoolInterleaving, ASlotIsFreeOnceItsReturnHasLoweredTheCount) {
   ASSERT_TRUE(stepper.Finish(release));
 }
 
-// The same of two, for a take of two.
+// The same for two returns and a take of two slots.
 TEST_F(ObjectPoolInterleaving, TwoSlotsAreFreeOnceTheirReturnsHaveLoweredTheCount) {
   FillTo(32);
-  PoolHandle first = LetGo(5);
-  PoolHandle second = LetGo(6);
+  PoolHandle first = Extract(5);
+  PoolHandle second = Extract(6);
   Stepper stepper;
   auto const release_first = stepper.Add([&] { first = PoolHandle(); });
   auto const release_second = stepper.Add([&] { second = PoolHandle(); });
@@ -146,8 +146,8 @@ TEST_F(ObjectPoolInterleaving, TwoSlotsAreFreeOnceTheirReturnsHaveLoweredTheCoun
   ASSERT_TRUE(stepper.Finish(release_second));
 }
 
-// A return has emptied the current block and is stopped. Others fill the block, supersede it and empty it
-// again: the block is theirs to free, and the first return must not look at it any more.
+// A return has emptied the current block and stops. Others fill the block, supersede it, empty it again and
+// free it. The first return must not access it any more.
 TEST_F(ObjectPoolInterleaving, AReturnDoesNotTouchTheBlockThatItEmptied) {
   PoolHandle only = m_pool->CreateObject();
   Stepper stepper;
@@ -162,8 +162,8 @@ TEST_F(ObjectPoolInterleaving, AReturnDoesNotTouchTheBlockThatItEmptied) {
   EXPECT_EQ(m_census.GetFreed(), 1U);
 }
 
-// The block is full when a thread sets out to make the next one, and empty when that one is published: no
-// return is left to free it.
+// The block is full when a thread starts to make the next one, and empty when that one is published. No
+// return is left that could free it, so the publisher does.
 TEST_F(ObjectPoolInterleaving, ABlockEmptiedBeforeItIsSupersededIsFreedByThePublisher) {
   FillTo(32);
   PoolHandle next;
@@ -176,8 +176,8 @@ TEST_F(ObjectPoolInterleaving, ABlockEmptiedBeforeItIsSupersededIsFreedByThePubl
   EXPECT_EQ(m_census.GetFreed(), 1U);
 }
 
-// A take finds the block full and is stopped before it undoes its reservation. Were that not under the lock,
-// the block could be superseded and emptied meanwhile, and the undo would be what empties it.
+// A take finds the block full and stops before it undoes its reservation. Without the lock, the block could
+// be superseded and emptied meanwhile, and the undo would empty it without freeing it.
 TEST_F(ObjectPoolInterleaving, AnUndoneReservationLeavesNoBlockBehind) {
   FillTo(32);
   PoolHandle first;
@@ -195,10 +195,10 @@ TEST_F(ObjectPoolInterleaving, AnUndoneReservationLeavesNoBlockBehind) {
   EXPECT_NE(first.Get(), second.Get());
 }
 
-// The next block is allocated, and the lock that would publish it fails.
+// The next block is allocated, and locking the mutex to publish it fails.
 TEST_F(ObjectPoolInterleaving, ALockThatFailsBeforePublishingLosesNoBlock) {
   FillTo(32);
-  // The fast path and the second attempt lock it before the publishing does.
+  // The first and the second attempt lock the mutex before the publication does.
   Access::CurrentBlockMutex(*m_pool).FailAfter(2);
   EXPECT_TRUE(
       test::Throws<std::runtime_error>([&] { m_pool->CreateObject(); }, "the mutex cannot be locked"));
@@ -209,7 +209,7 @@ TEST_F(ObjectPoolInterleaving, ALockThatFailsBeforePublishingLosesNoBlock) {
   EXPECT_EQ(GetDistinctObjects().size(), 33U);
 }
 
-// Each of the three locks of a call fails in turn: nothing is reserved, nothing stays locked.
+// Each of the three locks of a call fails in turn. Nothing stays reserved or locked.
 TEST_F(ObjectPoolInterleaving, ALockThatFailsLeavesThePoolAsItWas) {
   FillTo(32);
   for (int locks = 0; locks < 3; ++locks) {
@@ -225,8 +225,8 @@ TEST_F(ObjectPoolInterleaving, ALockThatFailsLeavesThePoolAsItWas) {
   EXPECT_EQ(Access::CurrentBlock(*m_pool), m_first_block);
 }
 
-// Two objects, the last of a block and the first of the next, take the lock five times: each of them may
-// fail.
+// Taking two objects, the last of a block and the first of the next, locks the mutex five times. Each time
+// may fail.
 TEST_F(ObjectPoolInterleaving, ALockThatFailsWhileTwoAreTakenLosesNothing) {
   FillTo(31);
   auto& mutex = Access::CurrentBlockMutex(*m_pool);
@@ -244,7 +244,8 @@ TEST_F(ObjectPoolInterleaving, ALockThatFailsWhileTwoAreTakenLosesNothing) {
   EXPECT_EQ(GetDistinctObjects().size(), 33U);
 }
 
-// A thread that finds the creation mutex taken goes on trying, and gets the block that the other made.
+// A thread that finds the creation mutex locked tries again, until it gets an object of the block that the
+// other thread made.
 TEST_F(ObjectPoolInterleaving, OnlyTheHolderOfTheCreationMutexAllocates) {
   FillTo(32);
   PoolHandle made;
@@ -260,15 +261,15 @@ TEST_F(ObjectPoolInterleaving, OnlyTheHolderOfTheCreationMutexAllocates) {
   EXPECT_NE(made.Get(), waited.Get());
 }
 
-// Two returns see the last value of the position; the second resets it while the first has yet to try. The
-// first then claims the position after it: no entry is written twice.
+// Two returns read the last value of the position, and the second resets it first. The first return then
+// claims the next position, so no entry is written twice.
 TEST_F(ObjectPoolInterleaving, TwoReturnsThatMeetAtTheLastPositionClaimOneEach) {
   auto& position = Access::ReturnPosition(*m_first_block);
   position.store(~0UL);
   Access::TakePosition(*m_first_block).store(~0UL);
   FillTo(32);
-  PoolHandle first = LetGo(5);
-  PoolHandle second = LetGo(6);
+  PoolHandle first = Extract(5);
+  PoolHandle second = Extract(6);
   {
     Stepper stepper;
     auto const return_first = stepper.Add([&] { first = PoolHandle(); });
@@ -283,7 +284,7 @@ TEST_F(ObjectPoolInterleaving, TwoReturnsThatMeetAtTheLastPositionClaimOneEach) 
   EXPECT_EQ(Access::CurrentBlock(*m_pool), m_first_block) << "a slot of the first block is lost";
 }
 
-// The stepped mutex holds off who comes second; otherwise the tests above would show nothing.
+// The tests above rely on this: an actor blocks on a stepped mutex that another one holds.
 TEST_F(ObjectPoolInterleaving, TheStepperSeesAnActorBlock) {
   Stepper stepper;
   PoolHandle first;

@@ -1,7 +1,7 @@
-// Real threads, permuted returns. Every owner stamps its object when it takes it and must find the stamp when
-// it returns it: two owners of one slot would overwrite each other. A late access to a freed block is the
-// address sanitizer's to find, an unordered one the thread sanitizer's. A census at the end finds what was
-// left behind: the blocks made, less those freed, is one.
+// Threads take objects and return them in random order. Every owner stamps its object when it takes it, and
+// must find the stamp when it returns it: two owners of one slot would overwrite each other's stamp. The
+// address sanitizer finds accesses to freed blocks, the thread sanitizer unordered ones. At the end all
+// blocks but one are freed.
 
 #include <gtest/gtest.h>
 
@@ -34,11 +34,11 @@ struct Stamped {
   unsigned long stamp;
 };
 
-// Where threads leave objects for others to return.
-struct Mailbox {
-  // Guards `letters`.
+// Objects that one thread has taken and another will return.
+struct Exchange {
+  // Guards `objects`.
   std::mutex mutex;
-  std::vector<Stamped> letters;
+  std::vector<Stamped> objects;
 };
 
 struct Load {
@@ -66,7 +66,7 @@ class ObjectPoolStress : public testing::TestWithParam<Load> {
         }
       }
       std::shuffle(own.begin(), own.end(), random);
-      if (round % 16 == 0) Exchange(own);
+      if (round % 16 == 0) SwapWithOthers(own);
       std::size_t const kept = own.empty() ? 0 : random() % own.size();
       while (own.size() > kept) {
         Check(own.back());
@@ -83,20 +83,20 @@ class ObjectPoolStress : public testing::TestWithParam<Load> {
 
   Stamped Stamp(PoolHandle i_handle, unsigned long i_stamp) {
     i_handle->fill(i_stamp);
-    if (i_handle.GetReferenceCount() != 1) ++m_foreign_counts;
+    if (i_handle.GetReferenceCount() != 1) ++m_wrong_counts;
     return {std::move(i_handle), i_stamp};
   }
 
   void Check(Stamped const& i_stamped) {
     for (unsigned long const value : *i_stamped.handle) {
-      if (value != i_stamped.stamp) ++m_foreign_stamps;
+      if (value != i_stamped.stamp) ++m_wrong_stamps;
     }
-    if (i_stamped.handle.GetReferenceCount() != 1) ++m_foreign_counts;
+    if (i_stamped.handle.GetReferenceCount() != 1) ++m_wrong_counts;
   }
 
-  void Exchange(std::vector<Stamped>& io_own) {
-    std::lock_guard<std::mutex> const lock(m_mailbox.mutex);
-    std::swap(io_own, m_mailbox.letters);
+  void SwapWithOthers(std::vector<Stamped>& io_own) {
+    std::lock_guard<std::mutex> const lock(m_exchange.mutex);
+    std::swap(io_own, m_exchange.objects);
   }
 
   static constexpr unsigned kSeed = 20261121;
@@ -104,9 +104,9 @@ class ObjectPoolStress : public testing::TestWithParam<Load> {
   // Before the pool, so that its first block is counted.
   BlockCensus m_census{sizeof(Pool::Block)};
   Pool m_pool;
-  Mailbox m_mailbox;
-  std::atomic<std::size_t> m_foreign_stamps{0};
-  std::atomic<std::size_t> m_foreign_counts{0};
+  Exchange m_exchange;
+  std::atomic<std::size_t> m_wrong_stamps{0};
+  std::atomic<std::size_t> m_wrong_counts{0};
 };
 
 TEST_P(ObjectPoolStress, GivesEverySlotToOneOwner) {
@@ -117,10 +117,10 @@ TEST_P(ObjectPoolStress, GivesEverySlotToOneOwner) {
       workers.emplace_back([this, thread] { Work(thread); });
     }
   }
-  for (Stamped const& letter : m_mailbox.letters) Check(letter);
-  m_mailbox.letters.clear();
-  EXPECT_EQ(m_foreign_stamps, 0U);
-  EXPECT_EQ(m_foreign_counts, 0U);
+  for (Stamped const& stamped : m_exchange.objects) Check(stamped);
+  m_exchange.objects.clear();
+  EXPECT_EQ(m_wrong_stamps, 0U);
+  EXPECT_EQ(m_wrong_counts, 0U);
   EXPECT_EQ(BlockCensus::GetMade() - BlockCensus::GetFreed(), 1U);
   auto* const current = ObjectPoolTestAccess::CurrentBlock(m_pool);
   EXPECT_EQ(ObjectPoolTestAccess::UseCount(*current).load(), 0U);

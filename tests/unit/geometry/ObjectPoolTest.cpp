@@ -48,7 +48,7 @@ TEST(ObjectPool, StartsANewBlockWithTheThirtyThirdObject) {
   EXPECT_EQ(next.Get(), Access::CurrentBlock(pool)->GetObject(0));
 }
 
-TEST(ObjectPool, GivesTwoObjectsAsTwoCallsWould) {
+TEST(ObjectPool, TakesTwoObjectsAsTwoCallsWould) {
   Pool pool;
   auto const handles = pool.CreateTwoObjects();
   EXPECT_EQ(handles.first.Get(), Access::CurrentBlock(pool)->GetObject(0));
@@ -57,7 +57,7 @@ TEST(ObjectPool, GivesTwoObjectsAsTwoCallsWould) {
   EXPECT_EQ(handles.second.GetReferenceCount(), 1U);
 }
 
-TEST(ObjectPool, GivesTheLastObjectOfABlockAndTheFirstOfTheNext) {
+TEST(ObjectPool, TakesTheLastObjectOfABlockAndTheFirstOfTheNext) {
   BlockCensus const census(sizeof(Pool::Block));
   Pool pool;
   auto const earlier = CreateObjects(pool, 31);
@@ -67,7 +67,7 @@ TEST(ObjectPool, GivesTheLastObjectOfABlockAndTheFirstOfTheNext) {
   EXPECT_EQ(handles.second.Get(), Access::CurrentBlock(pool)->GetObject(0));
 }
 
-TEST(ObjectPool, TakesTwoObjectsBackAtOnce) {
+TEST(ObjectPool, ReturnsTwoObjectsTogether) {
   Pool pool;
   auto handles = CreateObjects(pool, 32);
   Object* const first = handles[7].Get();
@@ -78,11 +78,11 @@ TEST(ObjectPool, TakesTwoObjectsBackAtOnce) {
   auto const again = pool.CreateTwoObjects();
   EXPECT_EQ(again.first.Get(), first);
   EXPECT_EQ(again.second.Get(), second);
-  EXPECT_EQ(handles[7].GetReferenceCount(), 0U) << "a handle that let go counts nothing";
-  EXPECT_EQ(handles[3].GetReferenceCount(), 0U) << "a handle that let go counts nothing";
+  EXPECT_EQ(handles[7].GetReferenceCount(), 0U) << "of a released handle";
+  EXPECT_EQ(handles[3].GetReferenceCount(), 0U) << "of a released handle";
 }
 
-TEST(ObjectPool, ReleasesTogetherOnlyWhatNobodyElseHolds) {
+TEST(ObjectPool, KeepsSharedObjectsWhenReleasingTogether) {
   Pool pool;
   for (auto const shared : {&Pool::TwoObjects::first, &Pool::TwoObjects::second}) {
     auto handles = pool.CreateTwoObjects();
@@ -121,7 +121,7 @@ TEST(ObjectPool, ReleasesABoundHandleTogetherWithAnEmptyOne) {
   EXPECT_FALSE(empty || bound);
 }
 
-TEST(ObjectPool, ReleasesObjectsOfTwoBlocksEachToItsOwn) {
+TEST(ObjectPool, ReturnsObjectsOfTwoBlocksEachToItsBlock) {
   BlockCensus const census(sizeof(Pool::Block));
   Pool pool;
   auto earlier = CreateObjects(pool, 31);
@@ -154,7 +154,7 @@ TEST(ObjectPool, ReusesReturnedObjectsInTheOrderOfTheirReturn) {
   }
 }
 
-TEST(ObjectPool, LeavesTheValuesOfARecycledObject) {
+TEST(ObjectPool, KeepsTheValuesOfARecycledObject) {
   Pool pool;
   auto handles = CreateObjects(pool, 32);
   *handles[4] = {1, 2, 3, 4, 5, 6, 7, 8};
@@ -182,7 +182,7 @@ TEST(ObjectPool, KeepsItsCurrentBlockWhenTheLastObjectReturns) {
   EXPECT_EQ(pool.CreateObject().Get(), first + 1);
 }
 
-TEST(ObjectPool, FreesItsCurrentBlockAtItsEnd) {
+TEST(ObjectPool, FreesItsCurrentBlockOnDestruction) {
   BlockCensus const census(sizeof(Pool::Block));
   {
     Pool pool;
@@ -191,7 +191,7 @@ TEST(ObjectPool, FreesItsCurrentBlockAtItsEnd) {
   EXPECT_EQ(BlockCensus::GetFreed(), 1U);
 }
 
-TEST(ObjectPool, LeavesItsObjectsToTheirHandlesAtItsEnd) {
+TEST(ObjectPool, KeepsObjectsWithHandlesOnDestruction) {
   BlockCensus const census(sizeof(Pool::Block));
   PoolHandle survivor;
   {
@@ -216,9 +216,9 @@ TEST(ObjectPool, ReturnsTheObjectOnlyWithTheLastOfItsHandles) {
   EXPECT_EQ(pool.CreateObject().Get(), object);
 }
 
-// Nothing is returned, so no take can meet a return in flight and each block is superseded only when full:
-// however the threads run, the number of blocks is the number of objects divided by 32, rounded up.
-TEST(ObjectPool, MakesOneBlockForEachFullOneHoweverManyThreadsAsk) {
+// Nothing is returned, so no take can meet a return in flight, and each block is superseded only when full.
+// The number of blocks is therefore the number of objects divided by 32, rounded up, in every interleaving.
+TEST(ObjectPool, MakesNoMoreBlocksThanItsObjectsFillFromManyThreads) {
   constexpr std::size_t threads = 8;
   constexpr std::size_t objects = 500;
   BlockCensus const census(sizeof(Pool::Block));

@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "geometry/Plane.h"
+#include "tests/support/Precisions.h"
 #include "tests/support/Throws.h"
 
 namespace lum {
@@ -14,9 +15,8 @@ namespace {
 constexpr char const* message = "i_a, i_b, i_c cannot be all zeroes";
 
 template <class T>
-class PlaneOf : public testing::Test {};
-using Precisions = testing::Types<float, double>;
-TYPED_TEST_SUITE(PlaneOf, Precisions);
+class PlaneOf : public test::PrecisionTest<T> {};
+TYPED_TEST_SUITE(PlaneOf, test::Precisions);
 
 TYPED_TEST(PlaneOf, MakesItsNormalAUnitVector) {
   static_assert(sizeof(Plane<TypeParam>) == 4 * sizeof(TypeParam));
@@ -121,7 +121,7 @@ TYPED_TEST(PlaneOf, RefusesANormalWhoseSquaredLengthIsBelowTheSmallestNormalValu
 }
 
 TYPED_TEST(PlaneOf, LetsANaNThrough) {
-  constexpr TypeParam nan = std::numeric_limits<TypeParam>::quiet_NaN();
+  constexpr TypeParam nan = TestFixture::nan;
   EXPECT_TRUE(std::isnan(Plane<TypeParam>(nan, 0, 0, 1).GetD()));
   EXPECT_TRUE(std::isnan(Plane<TypeParam>(0, nan, 0, 1).GetA()));
   EXPECT_TRUE(std::isnan(Plane<TypeParam>(0, 0, nan, 1).GetB()));

@@ -12,6 +12,7 @@
 
 #include "geometry/Matrix.h"
 #include "geometry/internal/Lanes.h"
+#include "tests/support/Precisions.h"
 #include "tests/support/Throws.h"
 
 namespace lum {
@@ -29,7 +30,7 @@ bool IsSame(Value const& i_actual, Value const& i_expected) {
 }
 
 template <class T>
-class TransformArrays : public testing::Test {
+class TransformArrays : public test::PrecisionTest<T> {
  protected:
   // Of any kind of number: zeros of both signs, huge and tiny ones, infinities.
   template <class Value>
@@ -66,8 +67,7 @@ class TransformArrays : public testing::Test {
   static constexpr unsigned kSeed = 20261123;
   std::mt19937 m_random{kSeed};
 };
-using Precisions = testing::Types<float, double>;
-TYPED_TEST_SUITE(TransformArrays, Precisions);
+TYPED_TEST_SUITE(TransformArrays, test::Precisions);
 
 TYPED_TEST(TransformArrays, GiveTheBitsOfTheSingleProduct) {
   using P = Point<TypeParam, 3>;

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "geometry/Vector.h"
+#include "tests/support/Precisions.h"
 
 namespace lum {
 namespace {
@@ -34,9 +35,8 @@ static_assert(Cross(V(1, 2, 3), V(4, 5, 6)) == V(-3, 6, -3));
 static_assert(GetSquaredLength(Vector<float, 2>(3, 4)) == 25);
 
 template <class T>
-class VectorOf : public testing::Test {};
-using Precisions = testing::Types<float, double>;
-TYPED_TEST_SUITE(VectorOf, Precisions);
+class VectorOf : public test::PrecisionTest<T> {};
+TYPED_TEST_SUITE(VectorOf, test::Precisions);
 
 TEST(Vector, ConvertsToTheOtherPrecisionWhenAsked) {
   static_assert(!std::is_convertible_v<V, Vector<float, 3>> && !std::is_convertible_v<Vector<float, 3>, V>);
@@ -60,7 +60,7 @@ TYPED_TEST(VectorOf, BindsToItsComponentsInOrder) {
 }
 
 TYPED_TEST(VectorOf, ComparesNumerically) {
-  constexpr TypeParam nan = std::numeric_limits<TypeParam>::quiet_NaN();
+  constexpr TypeParam nan = TestFixture::nan;
   EXPECT_EQ((Vector<TypeParam, 2>(0, 1)), (Vector<TypeParam, 2>(-TypeParam(0), 1)));
   EXPECT_NE((Vector<TypeParam, 2>(nan, 1)), (Vector<TypeParam, 2>(nan, 1)));
 }
@@ -143,7 +143,7 @@ TYPED_TEST(VectorOf, NormalizingAZeroVectorGivesNaNs) {
 }
 
 TYPED_TEST(VectorOf, ANaNSpreadsToEveryComponent) {
-  constexpr TypeParam nan = std::numeric_limits<TypeParam>::quiet_NaN();
+  constexpr TypeParam nan = TestFixture::nan;
   for (std::size_t bad = 0; bad < 3; ++bad) {
     Vector<TypeParam, 3> vector(1, 2, 3);
     vector[bad] = nan;

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "../Comma.h"
+#include "tests/support/Comma.h"
 
 namespace {
 
