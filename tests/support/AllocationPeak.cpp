@@ -8,8 +8,8 @@
 
 namespace {
 
-// Bytes allocated and not yet freed, and the most there were. Each is counted for itself, so their order
-// among threads does not matter; the most is raised until it is no less than what was counted.
+// Bytes allocated and not yet freed, and their maximum. The two are separate atomic counters: a thread raises
+// the maximum until it is at least what that thread counted, so the order of threads does not matter.
 std::atomic<std::size_t> live_bytes{0};
 std::atomic<std::size_t> most_live_bytes{0};
 
@@ -29,7 +29,7 @@ std::size_t AllocationPeak::GetBytes() const { return most_live_bytes - m_at_sta
 
 }  // namespace lum::test
 
-// The forms that the standard library's other forms call.
+// The other forms of the standard library call these.
 void* operator new(std::size_t i_size) {
   void* const memory = std::malloc(i_size == 0 ? 1 : i_size);
   if (memory == nullptr) throw std::bad_alloc();

@@ -4,12 +4,12 @@
 
 namespace lum::test {
 
-/// Follows the bytes that all threads allocate, in a program that has AllocationPeak.cpp as a source.
+/// Measures the bytes that all threads allocate, in a program linked with AllocationPeak.cpp.
 class AllocationPeak {
  public:
   AllocationPeak();
 
-  /// The most bytes above those at the start that were allocated at once.
+  /// The maximum of the bytes allocated at one time, less those allocated at the start.
   std::size_t GetBytes() const;
 
  private:

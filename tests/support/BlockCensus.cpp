@@ -31,7 +31,7 @@ Counts& GetCounts() {
 // Set while a census counts; read by every allocation of the program.
 std::atomic<bool> is_counting{false};
 
-// Set while the counting itself allocates.
+// Set while the census itself allocates.
 thread_local bool is_inside = false;
 
 void CountNew(void* ip_memory, std::size_t i_size) {
@@ -42,7 +42,7 @@ void CountNew(void* ip_memory, std::size_t i_size) {
   counts.live.insert(static_cast<char const*>(ip_memory));
 }
 
-// True when the memory is to be kept aside.
+// Returns true if the memory must not be freed.
 bool CountDelete(void* ip_memory) {
   Counts& counts = GetCounts();
   auto* const memory = static_cast<char const*>(ip_memory);
@@ -124,7 +124,7 @@ bool BlockCensus::IsInFreedBlock(void const* ip_address) {
 
 }  // namespace lum::test
 
-// The forms that the standard library's other forms call.
+// The other forms of the standard library call these.
 void* operator new(std::size_t i_size) { return lum::test::Allocate(i_size); }
 void operator delete(void* ip_memory) noexcept { lum::test::Free(ip_memory); }
 void operator delete(void* ip_memory, std::size_t) noexcept { lum::test::Free(ip_memory); }

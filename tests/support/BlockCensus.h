@@ -4,11 +4,11 @@
 
 namespace lum::test {
 
-/// Counts what is allocated and freed in blocks of one size, through the global operators that a program
-/// linked with BlockCensus.cpp gets. One census at a time.
+/// Counts allocations of one size and their frees, in a program linked with BlockCensus.cpp, which replaces
+/// the global operators. One census at a time.
 ///
-/// While it lives, a freed block is kept aside when asked for: a late access is then seen as such instead of
-/// hitting memory that somebody else owns by now, and so is a second free.
+/// With `kKeptAside`, freed blocks are not reused while the census exists, so that a late access or a second
+/// free is recognised.
 class BlockCensus {
  public:
   enum class Freed { kToTheHeap, kKeptAside };
@@ -20,9 +20,9 @@ class BlockCensus {
 
   static std::size_t GetMade();
   static std::size_t GetFreed();
-  /// How often a block was freed that had been freed before; only where freed blocks are kept aside.
+  /// How often a block was freed again. Needs `kKeptAside`.
   static std::size_t GetFreedAgain();
-  /// Whether the address lies in a block that was freed and kept aside.
+  /// Whether the address lies in a freed block. Needs `kKeptAside`.
   static bool IsInFreedBlock(void const* ip_address);
 };
 

@@ -12,11 +12,11 @@
 
 namespace lum::test {
 
-/// An element of the unit cube in plain coordinates: 0 or 1 along each axis, or free.
+/// An element of the unit cube: its coordinate along each axis, 0 or 1, or `free_axis`.
 using Coordinates = std::array<int, 3>;
 constexpr int free_axis = 2;
 
-/// All 27.
+/// All 27 elements.
 constexpr std::array<Coordinates, 27> GetElements() {
   std::array<Coordinates, 27> elements{};
   std::size_t index = 0;
@@ -33,7 +33,7 @@ constexpr int GetDimension(Coordinates const& i_element) {
   return static_cast<int>(std::count(i_element.begin(), i_element.end(), free_axis));
 }
 
-/// The first axis that is free, or that is not.
+/// The first axis that is free, or the first that is not.
 constexpr std::size_t FindAxis(Coordinates const& i_element, bool i_is_free) {
   std::size_t axis = 0;
   while ((i_element[axis] == free_axis) != i_is_free) ++axis;
@@ -73,7 +73,7 @@ constexpr std::array<Coordinates, 6> faces = GetElementsOfDimension<6>(2);
 template <class Id, std::size_t N>
 using Ids = std::array<Id, N>;
 
-/// Vertices ordered by x, then y, then z, x changing fastest.
+/// The vertices. x changes fastest, then y.
 template <class Vertex>
 constexpr Ids<Vertex, 8> ListVertices() {
   Ids<Vertex, 8> list{};
@@ -86,8 +86,7 @@ constexpr Ids<Vertex, 8> ListVertices() {
   return list;
 }
 
-/// The edges along an axis: the coordinate along the axis that follows it cyclically changes fastest, then
-/// that along the next.
+/// The edges along an axis. The coordinate along the cyclically next axis changes fastest.
 template <class Edge>
 constexpr Ids<Edge, 4> ListEdges(std::size_t i_axis) {
   Ids<Edge, 4> list{};
@@ -104,7 +103,7 @@ constexpr Ids<Edge, 4> ListEdges(std::size_t i_axis) {
   return list;
 }
 
-/// The faces across an axis, that at coordinate 0 first.
+/// The faces across an axis: at coordinate 0, then at 1.
 template <class Face>
 constexpr Ids<Face, 2> ListFaces(std::size_t i_axis) {
   Coordinates face{free_axis, free_axis, free_axis};
@@ -114,7 +113,7 @@ constexpr Ids<Face, 2> ListFaces(std::size_t i_axis) {
   return {base, Face{Encode(face)}};
 }
 
-/// What is listed for each of the three axes, one after the other.
+/// The concatenation of the lists of the three axes.
 template <class Id, std::size_t N, class List>
 constexpr Ids<Id, 3 * N> ListForAllAxes(List const& i_list) {
   Ids<Id, 3 * N> all{};
@@ -124,7 +123,7 @@ constexpr Ids<Id, 3 * N> ListForAllAxes(List const& i_list) {
   return all;
 }
 
-/// The start of an edge, then its end.
+/// The start and the end of an edge.
 template <class Vertex>
 constexpr Ids<Vertex, 2> ListVerticesOfEdge(Coordinates i_edge) {
   std::size_t const axis = FindAxis(i_edge, true);
@@ -134,7 +133,7 @@ constexpr Ids<Vertex, 2> ListVerticesOfEdge(Coordinates i_edge) {
   return {start, Vertex{Encode(i_edge)}};
 }
 
-/// The vertices of a face: the coordinate along the axis that follows its normal changes fastest.
+/// The vertices of a face. The coordinate along the cyclically next axis after its normal changes fastest.
 template <class Vertex>
 constexpr Ids<Vertex, 4> ListVerticesOfFace(Coordinates i_face) {
   std::size_t const normal = FindAxis(i_face, false);
@@ -150,8 +149,8 @@ constexpr Ids<Vertex, 4> ListVerticesOfFace(Coordinates i_face) {
   return list;
 }
 
-/// The edges of a face: two along the axis that follows its normal, then two along the next, each time that
-/// at coordinate 0 first.
+/// The edges of a face: two along the cyclically next axis after its normal, then two along the one after. Of
+/// each two, the edge at coordinate 0 comes first.
 template <class Edge>
 constexpr Ids<Edge, 4> ListEdgesOfFace(Coordinates const& i_face) {
   std::size_t const normal = FindAxis(i_face, false);

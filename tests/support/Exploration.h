@@ -18,18 +18,18 @@
 namespace lum::test {
 
 /// Runs small programs of a few actors under every interleaving of their atomic and mutex operations, or
-/// under many random ones.
+/// under random interleavings.
 ///
-/// The actors are coroutines on one thread. Before each operation of a stepped type the explorer decides who
-/// goes on, so an execution is the list of its decisions. Depth-first search repeats a program until every
-/// list with at most so many *preemptions* has been run: switches away from an actor that could have gone on.
-/// One that fails to get a lock by try_lock would spin; it waits until another has made a step, which costs
-/// nothing.
+/// The actors are coroutines on one thread. Before each operation of a stepped type the exploration decides
+/// which actor continues, so an execution is the list of its decisions. A *preemption* is a switch away from
+/// an actor that could have continued. Depth-first search repeats a program until every list of decisions
+/// with a bounded number of preemptions has been run. An actor whose try_lock fails would spin; it waits
+/// until another actor has made a step, which does not count as a preemption.
 ///
-/// What is explored is sequentially consistent, as are all operations that pools and handles decide by.
+/// The executions are sequentially consistent, as are all operations whose results pools and handles act on.
 class Exploration {
  public:
-  /// Makes fresh actors for one execution, and looks at what they left behind when it is over.
+  /// `start` makes the actors of one execution; `finish` checks its end.
   struct Program {
     std::function<std::vector<std::function<void()>>()> start;
     std::function<void()> finish;
@@ -44,7 +44,8 @@ class Exploration {
   Exploration& operator=(Exploration const&) = delete;
   ~Exploration() { Stepper::Scheduler() = nullptr; }
 
-  /// Stops early when is_failed answers true. Returns the number of executions.
+  /// Runs every interleaving with at most `i_preemptions`, until `i_is_failed` returns true. Returns the
+  /// number of executions.
   std::size_t SearchAll(Program const& i_program, std::size_t i_preemptions,
                         std::function<bool()> const& i_is_failed) {
     m_decisions.clear();
@@ -58,7 +59,7 @@ class Exploration {
     return executions;
   }
 
-  /// Without a bound on preemptions.
+  /// Runs random interleavings, with any number of preemptions.
   std::size_t WalkRandomly(Program const& i_program, std::size_t i_executions, unsigned i_seed,
                            std::function<bool()> const& i_is_failed) {
     std::mt19937 random(i_seed);
@@ -73,11 +74,11 @@ class Exploration {
   /// Whether an execution ended in a deadlock, or did not end.
   bool IsStuck() const { return m_is_stuck; }
 
-  /// Who made each step of the last execution, to tell a failure by.
+  /// The actor of each step of the last execution, a letter each.
   std::string const& GetSchedule() const { return m_schedule; }
 
  private:
-  // More than any program takes that ends.
+  // More steps than any program needs.
   static constexpr std::size_t kStepLimit = 5000;
   static constexpr std::size_t kStackSize = std::size_t{128} * 1024;
 
@@ -87,7 +88,7 @@ class Exploration {
     std::function<void()> body;
     Operation operation{};
     bool const* is_held = nullptr;  // the state of the mutex that the next operation is on
-    unsigned waits_for = 0;         // while it spins: the actors that must make a step before, by bits
+    unsigned waits_for = 0;         // while it spins: bits of the actors that must step first
     bool is_done = false;
   };
 
@@ -126,7 +127,7 @@ class Exploration {
     if (!m_is_stuck) i_program.finish();
   }
 
-  // The actor that made the last step first, if it can go on.
+  // The actors that can continue; the actor of the last step comes first.
   std::vector<Actor*> GetChoices(Actor* ip_last) const {
     unsigned ready = 0;
     for (std::size_t index = 0; index < m_running; ++index) {
@@ -149,7 +150,7 @@ class Exploration {
     return m_decisions[m_decided++].chosen;
   }
 
-  // Sets the next list of decisions; false when there is none.
+  // Sets the next list of decisions; returns false if there is none.
   bool Backtrack() {
     while (!m_decisions.empty() && m_decisions.back().chosen + 1 == m_decisions.back().choices) {
       m_decisions.pop_back();
@@ -199,7 +200,7 @@ class Exploration {
     return index;
   }
 
-  // The exploration whose actor begins: makecontext passes no pointer along.
+  // The exploration that starts an actor: makecontext passes no pointers.
   static Exploration*& Starting() {
     static Exploration* starting = nullptr;
     return starting;

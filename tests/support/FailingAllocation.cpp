@@ -6,7 +6,7 @@
 
 namespace {
 
-// Allocations that still succeed; negative while none is to fail. Used by one thread.
+// How many allocations still succeed; negative while none fails. Used by one thread.
 int allocations_before_failure = -1;
 
 }  // namespace
@@ -20,7 +20,7 @@ FailingAllocation::~FailingAllocation() { allocations_before_failure = -1; }
 
 }  // namespace lum::test
 
-// The forms that the standard library's other forms call.
+// The other forms of the standard library call these.
 void* operator new(std::size_t i_size) {
   if (allocations_before_failure == 0) throw std::bad_alloc();
   if (allocations_before_failure > 0) --allocations_before_failure;

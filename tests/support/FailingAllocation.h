@@ -2,8 +2,8 @@
 
 namespace lum::test {
 
-/// While it lives, the N-th allocation from now on throws `std::bad_alloc`, and so do all later ones. For one
-/// thread, in a program linked with FailingAllocation.cpp.
+/// While it exists, the first `i_allocations_before` allocations succeed and all later ones throw
+/// `std::bad_alloc`. For one thread, in a program linked with FailingAllocation.cpp.
 class FailingAllocation {
  public:
   explicit FailingAllocation(int i_allocations_before);

@@ -4,11 +4,11 @@
 
 namespace lum::test {
 
-/// What is left of a value that was moved from.
+/// A moved-from value.
 template <class Value>
 Value MovedFrom(Value i_value) {
   Value const taken(std::move(i_value));
-  return i_value;  // NOLINT(bugprone-use-after-move): what is left is asked for
+  return i_value;  // NOLINT(bugprone-use-after-move): that is its purpose
 }
 
 }  // namespace lum::test

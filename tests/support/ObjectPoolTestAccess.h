@@ -4,7 +4,7 @@
 
 namespace lum {
 
-/// Lets tests see and preset what pools and blocks keep to themselves.
+/// Gives tests access to private members of pools and blocks.
 struct ObjectPoolTestAccess {
   template <class Pool>
   static auto* CurrentBlock(Pool& io_pool) {

@@ -29,11 +29,11 @@ enum class Operation {
   kUnlock
 };
 
-/// Runs actors, each on a thread of its own, one atomic or mutex operation at a time.
+/// Runs actors, each on its own thread, one atomic or mutex operation at a time.
 ///
-/// Only one actor runs at once, and only when the test steps it: every operation of the stepped types below
-/// stops before it takes effect. So a test replays an interleaving literally, and accesses of the stepped
-/// types are ordered by this class's mutex. Threads that are not actors pass through without stopping.
+/// At most one actor runs, and only when the test steps it: every operation of the stepped types below stops
+/// before it takes effect. So a test replays an exact interleaving, and the mutex of this class orders all
+/// accesses to the words of stepped types. Threads that are not actors do not stop.
 class Stepper {
  public:
   using Actor = std::size_t;
@@ -41,7 +41,7 @@ class Stepper {
   Stepper() = default;
   Stepper(Stepper const&) = delete;
   Stepper& operator=(Stepper const&) = delete;
-  /// Lets every actor finish.
+  /// Steps every actor to its end.
   ~Stepper() {
     for (std::size_t round = 0; round < kStepLimit; ++round) {
       for (auto const& state : m_actors) Step(*state);
@@ -49,7 +49,7 @@ class Stepper {
     for (auto const& state : m_actors) state->thread.join();
   }
 
-  /// Starts an actor and lets it run up to its first operation.
+  /// Starts an actor, which runs up to its first operation.
   Actor Add(std::function<void()> i_body) {
     m_actors.push_back(std::make_unique<State>());
     State& state = *m_actors.back();
@@ -68,7 +68,8 @@ class Stepper {
     return m_actors.size() - 1;
   }
 
-  /// Steps the actor until its next operation is this one; false when it ends or blocks on a lock before.
+  /// Steps the actor until its next operation is this one. Returns false if it ends or blocks on a lock
+  /// first.
   bool RunTo(Actor i_actor, Operation i_operation, void const* ip_address) {
     State& state = *m_actors[i_actor];
     for (std::size_t step = 0; step < kStepLimit; ++step) {
@@ -78,10 +79,10 @@ class Stepper {
     return false;
   }
 
-  /// Takes one step; false when the actor has ended or is blocked.
+  /// Makes one step. Returns false if the actor has ended or is blocked.
   bool Step(Actor i_actor) { return Step(*m_actors[i_actor]); }
 
-  /// Steps the actor to its end; false when it blocks on a lock before.
+  /// Steps the actor to its end. Returns false if it blocks on a lock first.
   bool Finish(Actor i_actor) {
     State& state = *m_actors[i_actor];
     for (std::size_t step = 0; step < kStepLimit && Step(state); ++step) {
@@ -89,28 +90,28 @@ class Stepper {
     return state.is_done;
   }
 
-  /// Called by the stepped types before each operation; those of a mutex show whether it is held.
+  /// The stepped types call this before each operation. `ip_is_held` is the state of a mutex.
   static void Announce(Operation i_operation, void const* ip_address, bool const* ip_is_held = nullptr) {
     if (Current() != nullptr) Current()->stepper->Stop(*Current(), i_operation, ip_address, ip_is_held);
     if (Scheduler()) Scheduler()(i_operation, ip_is_held);
     if (Observer()) Observer()(ip_address);
   }
 
-  /// Is called before every operation and returns when it may take effect: for other ways to schedule than
-  /// this class's.
+  /// Called before every operation, and returns when that may take effect: an alternative to the scheduling
+  /// of this class.
   static std::function<void(Operation, bool const*)>& Scheduler() {
     static std::function<void(Operation, bool const*)> scheduler;
     return scheduler;
   }
 
-  /// Is called with the address of every operation, at the moment it takes effect.
+  /// Called with the address of every operation, immediately before it takes effect.
   static std::function<void(void const*)>& Observer() {
     static std::function<void(void const*)> observer;
     return observer;
   }
 
  private:
-  // More than any scenario takes; a spinning actor ends here.
+  // More steps than any test needs, which bounds an actor that spins.
   static constexpr std::size_t kStepLimit = 5000;
 
   struct State {
@@ -153,12 +154,11 @@ class Stepper {
   std::vector<std::unique_ptr<State>> m_actors;
 };
 
-/// Scenarios show sequentially consistent executions, which say nothing about weaker orders: an operation
-/// that asks for one ends the program. Loads may ask for acquire and stores for release: what those order is
-/// argued where the words are declared.
+/// The replays model sequential consistency only, and abort on any weaker memory order. Acquire loads and
+/// release stores are accepted: the comments at the declarations of the words argue for them.
 inline void DemandOrder(std::memory_order i_order, std::memory_order i_weakest = std::memory_order_seq_cst) {
   if (i_order == std::memory_order_seq_cst || i_order == i_weakest) return;
-  std::fputs("a stepped operation asks for a weaker memory order than scenarios show\n", stderr);
+  std::fputs("a stepped operation has a weaker memory order than the replays model\n", stderr);
   std::abort();
 }
 
@@ -237,7 +237,7 @@ class SteppedAtomic {
   mutable Word m_word;
 };
 
-/// A mutex that a stepped actor blocks on visibly, and that can be told to fail.
+/// A mutex whose blocked actors the stepper sees, and which can fail on demand.
 class SteppedMutex {
  public:
   void lock() {
@@ -256,7 +256,7 @@ class SteppedMutex {
     m_is_held = false;
   }
 
-  /// From now on this many locks succeed and all later ones throw; a negative number lifts that.
+  /// The next `i_locks` locks succeed and all later ones throw. With a negative number, no lock throws.
   void FailAfter(int i_locks) { m_locks_before_failure = i_locks; }
 
  private:
@@ -264,7 +264,7 @@ class SteppedMutex {
   int m_locks_before_failure = -1;
 };
 
-/// Pools built from this are stepped; the code that runs is the library's own.
+/// Makes the library's own pools run on stepped words and mutexes.
 struct SteppedPolicy {
   template <class Word>
   using Atomic = SteppedAtomic<Word>;

@@ -1,5 +1,5 @@
-// Writes through the copy-on-write entry points with Eigen's widest accesses, uses the very functions of
-// Eigen that the library uses, and prints what the library then computes, bit by bit.
+// Writes objects of the library with Eigen's widest stores, calls the functions of Eigen that the library
+// calls, and prints the bits that the library computes from the objects.
 
 #include <Eigen/Geometry>
 #include <Eigen/LU>
@@ -49,7 +49,7 @@ void WriteAndCompute(char const* i_what) {
   EigenMatrix values;
   values << 2, 1, 0, 5, -1, 3, T(0.25), 6, 0, T(0.5), 4, 7, 0, 0, 0, 1;
 
-  // More than two blocks, so that every slot of one is written.
+  // More than two blocks of objects, so that every slot of a block is written.
   std::vector<lum::Matrix<T>> matrices;
   for (int i = 0; i < 80; ++i) {
     matrices.push_back(lum::Matrix<T>::Scale(static_cast<T>(i + 1)));

@@ -1,4 +1,4 @@
-# What PAGE shows below "What is shown" is what the debuggers are expected to show.
+# Every output that PAGE shows below "What is shown" is part of the expected output of a debugger.
 get_filename_component(here "${CMAKE_CURRENT_LIST_FILE}" DIRECTORY)
 file(READ "${here}/Values.gdb.txt" expected)
 file(READ "${here}/Values.lldb.txt" expected_of_lldb)

@@ -1,5 +1,5 @@
-// Values that the library made, so that no constructor of theirs is compiled here: where clang leaves out of
-// the debug information what it takes for described elsewhere.
+// No constructor of these values is compiled in this file. clang then leaves their types out of the debug
+// information, as it assumes them in another file.
 
 #include "geometry/Matrix.h"
 #include "geometry/Plane.h"

@@ -1,7 +1,7 @@
-# Runs a debugger on a program and compares what it shows with what is expected, but for addresses.
+# Runs a debugger on a program and compares its output with the expected output, except for addresses.
 #
-# DEBUGGER is gdb or lldb, at EXECUTABLE. Its commands are in the file SHOWN, what it is to show in SHOWN.txt. SCRIPT is
-# loaded by hand; where it is empty, what an installation of BUILD_DIR brings is loaded as its users have it loaded.
+# DEBUGGER is gdb or lldb, at EXECUTABLE. Its commands are in the file SHOWN, the expected output in SHOWN.txt. SCRIPT is
+# loaded explicitly. If it is empty, BUILD_DIR is installed, and the debugger loads the installed scripts by itself.
 set(ENV{HOME} "${WORK_DIR}")
 set(ENV{PYTHONDONTWRITEBYTECODE} 1) # the scripts are in the source tree
 file(REMOVE_RECURSE "${WORK_DIR}")
@@ -18,14 +18,14 @@ if(DEBUGGER STREQUAL "gdb")
   if(SCRIPT)
     set(load -ex "source ${SCRIPT}")
   else()
-    # What gdb does by itself for /usr/share/gdb/auto-load.
+    # gdb does this without options for /usr/share/gdb/auto-load.
     set(auto_load "${prefix}/${DATADIR}/gdb/auto-load")
     set(load -iex "add-auto-load-scripts-directory ${auto_load}" -iex "add-auto-load-safe-path ${auto_load}")
   endif()
   set(command "${EXECUTABLE}" -nx -batch ${load} -x "${SHOWN}" "${PROGRAM}")
   set(chatter "Breakpoint 1 |\\[Thread |Using host |\\[Inferior ")
 else()
-  # Debian's lldb 14 looks for its Python module in a folder that no package fills.
+  # lldb 14 of Debian looks for its Python module in a folder that no package provides.
   execute_process(COMMAND "${EXECUTABLE}" -P OUTPUT_VARIABLE python_dir ERROR_QUIET OUTPUT_STRIP_TRAILING_WHITESPACE)
   if(NOT IS_DIRECTORY "${python_dir}/lldb")
     file(REAL_PATH "${EXECUTABLE}" real_executable)
@@ -48,7 +48,7 @@ execute_process(
   OUTPUT_VARIABLE shown
   ERROR_VARIABLE shown)
 string(REGEX REPLACE "(^|\n)((${chatter})[^\n]*\n)+" "\\1" shown "${shown}")
-# Compilers differ in how they spell types, and lldb writes a type before each name.
+# Compilers spell types differently, and lldb writes a type before each name.
 string(REGEX REPLACE "([0-9])ul>" "\\1>" shown "${shown}")
 string(REGEX REPLACE "\n\\([^\n]*\\) ([$a-z0-9_*.]+) =" "\n\\1 =" shown "${shown}")
 set(digits "[0-9a-f][0-9a-f][0-9a-f]")

@@ -1,4 +1,4 @@
-// Values of every kind, for a debugger to show where `Stop` is called.
+// Values of every type. A debugger shows them where `Stop` is called.
 
 #include <array>
 #include <limits>
@@ -64,13 +64,13 @@ void ShowMatrices() {
   auto const& empty_handle = flattened.GetMatrixInverse();
   std::vector<Matrix<float>> const matrices{identity, translation};
   optional<Quaternionf> const perhaps = none;
-  // NOLINTBEGIN(bugprone-use-after-move): shown is what is left of them
+  // NOLINTBEGIN(bugprone-use-after-move): moved-from values are shown too
   StopWith(identity, translation, copy, flattened, own_identity, without, moved, taken, turn, none,
            moved_turn, taken_turn, handle, empty_handle, matrices, perhaps);
   // NOLINTEND(bugprone-use-after-move)
 }
 
-// What stands in the memory of a value that is not there yet.
+// The memory of a value that is not constructed yet.
 void ShowGarbage() {
   alignas(8) static std::array<unsigned char, 64> bytes;
   bytes.fill(0x5a);

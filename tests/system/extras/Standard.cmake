@@ -1,4 +1,4 @@
-# Builds lum and tests/system/extras/standard with libc++, and runs its programs.
+# Builds lum and tests/system/extras/standard with libc++, and runs the programs.
 file(REMOVE_RECURSE "${WORK_DIR}")
 execute_process(
   COMMAND "${CMAKE_COMMAND}" -S "${SOURCE_DIR}/tests/system/extras/standard" -B "${WORK_DIR}" -G "${GENERATOR}"

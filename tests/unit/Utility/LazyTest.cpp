@@ -18,10 +18,11 @@ namespace {
 
 int MakeSeven() { return 7; }
 
-// Constant initialisation is what makes a Lazy usable before main; constinit refuses anything else.
+// Constant initialisation makes a Lazy usable before main; constinit refuses any other.
 constinit Lazy<int> constant_initialised(MakeSeven);
 
-static_assert(!std::is_copy_constructible_v<Lazy<int>> && !std::is_copy_assignable_v<Lazy<int>>);
+static_assert(!std::is_copy_constructible_v<Lazy<int>>);
+static_assert(!std::is_copy_assignable_v<Lazy<int>>);
 static_assert(!std::is_convertible_v<int (*)(), Lazy<int>>);
 
 TEST(Lazy, RefusesAnEmptyFunction) {
@@ -68,7 +69,7 @@ TEST(Lazy, TriesAgainAfterAPlainFunctionThatThrew) {
   EXPECT_EQ(runs_of_plain_function, 2);
 }
 
-TEST(Lazy, ReleasesItsValueAtItsEnd) {
+TEST(Lazy, DestroysItsValue) {
   auto value = std::make_shared<int>(3);
   {
     Lazy<std::shared_ptr<int>> const lazy([&value] { return value; });
@@ -92,7 +93,7 @@ TEST(Lazy, DestroysItsFactoryBeforeItsValue) {
   EXPECT_EQ(order, (std::vector<char>{'f', 'v'}));
 }
 
-TEST(Lazy, AnUnusedOneNeverRunsItsFactory) {
+TEST(Lazy, NeverRunsItsFactoryUnlessUsed) {
   int runs = 0;
   {
     Lazy<int> const lazy([&runs] { return ++runs; });
@@ -100,9 +101,9 @@ TEST(Lazy, AnUnusedOneNeverRunsItsFactory) {
   EXPECT_EQ(runs, 0);
 }
 
-// All threads pass the barrier before any factory has run. Runs come one after the other, and the first of
-// them throws: exactly one caller gets that exception, one of the others runs the factory again, and all of
-// them read what it made.
+// All threads pass the barrier before the factory has run. Its runs exclude each other, and the first one
+// throws. So exactly one caller gets the exception, one of the others runs the factory again, and the others
+// read its value.
 TEST(Lazy, AFactoryThatThrewIsRunAgainByAWaitingThread) {
   constexpr std::size_t threads = 4;
   for (int round = 0; round < 100; ++round) {
@@ -132,9 +133,9 @@ TEST(Lazy, AFactoryThatThrewIsRunAgainByAWaitingThread) {
   }
 }
 
-// All threads pass the barrier before the value exists. The factory counts its runs; whoever did not run it
-// waits, and then reads the same object.
-TEST(Lazy, RunsItsFactoryOnceHoweverManyThreadsAsk) {
+// All threads pass the barrier before the value exists. One thread runs the factory, which counts its runs.
+// The others wait for it and read the same object.
+TEST(Lazy, RunsItsFactoryOnceForManyThreads) {
   constexpr std::size_t threads = 8;
   for (int round = 0; round < 200; ++round) {
     std::atomic<int> runs{0};
@@ -157,8 +158,8 @@ TEST(Lazy, RunsItsFactoryOnceHoweverManyThreadsAsk) {
   }
 }
 
-// The factory does not end before the second thread is about to ask, and then gives it time to reach the
-// lock. Whether it got there or came later, it reads the one value.
+// The factory ends some time after the second thread has announced its request. Whether that thread waits for
+// the lock by then or comes later, it reads the value of the one run.
 TEST(Lazy, AThreadThatWaitsForTheFactoryReadsItsValue) {
   std::atomic<bool> is_asking{false};
   int runs = 0;
@@ -174,9 +175,9 @@ TEST(Lazy, AThreadThatWaitsForTheFactoryReadsItsValue) {
   });
 }
 
-// The second thread learns by a relaxed flag that the value is there, so nothing but the Lazy itself orders
-// the making of the value before its use: under the thread sanitizer a weaker publication is a race.
-TEST(Lazy, PublishesItsValueToAThreadThatComesLater) {
+// The second thread sees by a relaxed flag that the value exists, so only the Lazy orders the construction of
+// the value before its use. The thread sanitizer reports a weaker publication as a race.
+TEST(Lazy, PublishesItsValueToALaterThread) {
   std::atomic<bool> is_made{false};
   Lazy<std::vector<int>> const lazy([] { return std::vector<int>{1, 2, 3}; });
   std::jthread const maker([&lazy, &is_made] {
@@ -189,8 +190,8 @@ TEST(Lazy, PublishesItsValueToAThreadThatComesLater) {
   });
 }
 
-// The same for a thread that looks whether the value is there and makes none.
-TEST(Lazy, PublishesItsValueToAThreadThatOnlyLooks) {
+// The same for a thread that asks whether the value exists and does not make it.
+TEST(Lazy, PublishesItsValueByGetValueIfCreated) {
   Lazy<std::vector<int>> const lazy([] { return std::vector<int>{1, 2, 3}; });
   std::jthread const maker([&lazy] { lazy.GetValue(); });
   std::jthread const reader([&lazy] {

@@ -84,7 +84,7 @@ TEST(Optional, ComparesStatesAndValues) {
   EXPECT_FALSE(O("a") == nullopt);
 }
 
-TEST(Optional, EmptyBracesEmptyIt) {
+TEST(Optional, AssignmentOfEmptyBracesEmptiesIt) {
   optional<int> number(3);
   number = {};
   EXPECT_FALSE(number.has_value());
@@ -96,7 +96,7 @@ TEST(Optional, EmptyBracesEmptyIt) {
   EXPECT_FALSE(text.has_value());
 }
 
-TEST(Optional, TakesWhateverMakesAValue) {
+TEST(Optional, ConvertsFromWhatItsValueConvertsFrom) {
   optional<std::string> text = "abc";
   EXPECT_EQ(text.value(), "abc");
   text = "other";
@@ -112,7 +112,7 @@ TEST(Optional, BuildsItsValueInPlace) {
   EXPECT_EQ(*text, "xxx");
 }
 
-TEST(Optional, AssigningAValueOverAValueMakesNoOther) {
+TEST(Optional, AssignmentOfAValueMakesNoOtherValue) {
   struct Counted {
     explicit Counted(int& io_made) : mp_made(&io_made) {}
     Counted(Counted const& i_other) : mp_made(i_other.mp_made) { ++*mp_made; }
@@ -127,7 +127,7 @@ TEST(Optional, AssigningAValueOverAValueMakesNoOther) {
   EXPECT_EQ(made, 1);
 }
 
-TEST(Optional, AssigningOverAValueAssignsToIt) {
+TEST(Optional, AssignmentAssignsToAnExistingValue) {
   optional<std::string> target("abc");
   std::string const* const address = &*target;
   target = optional<std::string>("x");

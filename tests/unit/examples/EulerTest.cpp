@@ -17,7 +17,7 @@
 
 namespace {
 
-// What a line of the table holds.
+// A line of the table.
 struct Row {
   long voxels = 0;
   long faces = 0;
@@ -38,7 +38,8 @@ struct Row {
 
 using Size = std::array<short, 3>;
 
-// A solid asked the other way round than the program asks: what cells are around each element of the grid.
+// Counts the elements of a solid by another method than the program: by the cells around each element of the
+// grid.
 class Grid {
  public:
   Grid(Size const& i_size, std::vector<std::int16_t> i_values)
@@ -64,7 +65,8 @@ class Grid {
     return m_values[static_cast<std::size_t>(index)] != 0;
   }
 
-  // At even places an element lies between two cells; at odd ones it extends through one, which counts twice.
+  // Along an axis, an element at an even place lies between two cells. One at an odd place extends through
+  // one cell, which counts twice.
   std::bitset<8> GetCellsAround(std::array<int, 3> const& i_place) const {
     std::bitset<8> cells;
     for (unsigned side = 0; side < 8; ++side) {
@@ -93,7 +95,7 @@ class Grid {
     if (dimension == 0 && is_pinched) ++io_row.pinched_vertices;
   }
 
-  // Of the set cells, where those are neighbours whose numbers differ in one bit.
+  // The number of connected sets of cells. Cells are neighbours if their numbers differ in one bit.
   static int CountPieces(std::bitset<8> i_cells) {
     int pieces = 0;
     for (unsigned cell = 0; cell < 8; ++cell) {
@@ -157,7 +159,7 @@ TEST_F(Euler, SolidsHaveTheirCharacteristics) {
 }
 
 // Two boxes of 20 x 20 x 20: each has 6 * 400 faces, twice as many edges, and two more vertices than faces.
-TEST_F(Euler, BoxesThatMeetShareWhatLiesBetweenThem) {
+TEST_F(Euler, TouchingBoxesShareTheirCommonElements) {
   ASSERT_EQ(Run("--radius 20"), 0);
   auto const table = ReadTable();
   EXPECT_EQ(table.at("boxes at an edge"), (Row{16000, 4800, 9600 - 20, 4804 - 21, 3, 1, 20, 21}));
@@ -170,7 +172,7 @@ TEST_F(Euler, OneVoxelIsACube) {
   EXPECT_EQ(CountVolume({2, 1, 1}, {0, 0}), Row());
 }
 
-TEST_F(Euler, CountsAsTheGridDoes) {
+TEST_F(Euler, AgreesWithTheCountByCells) {
   constexpr unsigned seed = 20261121;
   SCOPED_TRACE(testing::Message() << "seed " << seed);
   std::mt19937 random(seed);
@@ -179,7 +181,7 @@ TEST_F(Euler, CountsAsTheGridDoes) {
     std::vector<std::int16_t> values(120);
     for (std::int16_t& value : values) value = random() % 8 < share ? 1 : 0;
     Row const expected = Grid(size, values).Count();
-    EXPECT_GT(expected.pinched_vertices, 0) << "there is something to find";
+    EXPECT_GT(expected.pinched_vertices, 0) << "the volume has no pinched vertex";
     EXPECT_EQ(CountVolume(size, values), expected) << share << " eighths";
   }
 }

@@ -19,7 +19,7 @@
 
 namespace test {
 
-/// Runs an example program, in a folder of its own for each test, which is removed with it.
+/// Runs an example program. Each test has a folder of its own, which is removed at its end.
 class ProgramTest : public testing::Test {
  protected:
   using Affine = std::array<std::array<float, 4>, 3>;  // rows
@@ -36,7 +36,7 @@ class ProgramTest : public testing::Test {
 
   std::string In(std::string const& i_name) const { return (m_folder / i_name).string(); }
 
-  // Writes a volume of 5 x 4 x 3 voxels with values that tell every voxel apart.
+  // Writes a volume of 5 x 4 x 3 voxels, each with another value.
   template <class T>
   std::string WriteVolume(std::string const& i_name, int i_datatype, Affine const& i_affine,
                           float i_slope = 0, float i_intercept = 0) {
@@ -73,7 +73,7 @@ class ProgramTest : public testing::Test {
     return WriteBytes(i_name, bytes);
   }
 
-  // For the shell: the repository may lie in a folder of any name.
+  // Quotes a word for the shell: the path of the repository may hold any character.
   static std::string Quote(std::string const& i_word) {
     return "'" + std::regex_replace(i_word, std::regex("'"), R"('\'')") + "'";
   }
@@ -95,14 +95,14 @@ class ProgramTest : public testing::Test {
     return {bytes.begin(), bytes.end()};
   }
 
-  // Runs the program; its two streams are in the files "out" and "err".
+  // Runs the program, with its output streams in the files "out" and "err".
   int Run(std::string const& i_arguments) const {
     std::string const command = m_program + " " + i_arguments + " >" + In("out") + " 2>" + In("err");
     int const status = std::system(command.c_str());  // NOLINT(concurrency-mt-unsafe): one thread
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
   }
 
-  // Expects one line on standard error that holds the text, a failure, and none of the outputs.
+  // Expects a failure, one line on standard error that contains the text, and none of the outputs.
   void ExpectRefusal(std::string const& i_arguments, std::string const& i_text,
                      std::vector<std::string> const& i_outputs) const {
     SCOPED_TRACE(i_arguments);

@@ -18,7 +18,7 @@ void ExpectNear(Point const& i_point, Point const& i_expected) {
       << i_point[0] << ", " << i_point[1] << ", " << i_point[2];
 }
 
-TEST(Quadric, OnOnePlaneItIsTheMassPoint) {
+TEST(Quadric, OnePlaneGivesTheMassPoint) {
   Quadric quadric;
   quadric.Add({0.2, 0.1, 0.5}, {0, 0, 1});
   quadric.Add({0.6, 0.3, 0.5}, {0, 0, 1});
@@ -49,9 +49,8 @@ TEST(Quadric, ThreePlanesMeetInACorner) {
   EXPECT_FALSE(is_off);
 }
 
-// The edge is x - y = 0.9, z = 0.5, which cuts a corner of the cell; its point next to the mass point has x
-// > 1.
-TEST(Quadric, AnEdgeThatLeavesTheCellIsFollowedBackIntoIt) {
+// The edge x - y = 0.9, z = 0.5 cuts a corner of the cell. Its point closest to the mass point has x > 1.
+TEST(Quadric, AnEdgeOutsideAtItsMinimumIsFollowedIntoTheCell) {
   double const root = std::sqrt(0.5);
   Quadric quadric;
   quadric.Add({0.95, 0.05, 0.7}, {root, -root, 0});
@@ -119,7 +118,7 @@ TEST(Quadric, TheMinimumIsInTheCellAndNoPointOfTheCellIsBetter) {
       ASSERT_LE(get_cost(point), get_cost({in_cell(random), in_cell(random), in_cell(random)}) + 1e-3);
     }
   }
-  EXPECT_GT(moved, 100) << "some minima are to lie outside";
+  EXPECT_GT(moved, 100) << "too few minima on the border of the cell";
 }
 
 }  // namespace

@@ -41,7 +41,7 @@ class Registration : public test::ProgramTest {
     double y;
   };
 
-  // The lines of a plot, as points of the picture.
+  // The lines of a plot, in the coordinates of the picture.
   static std::vector<std::vector<Place>> ReadLines(std::string const& i_path) {
     std::vector<std::vector<Place>> lines;
     std::string const text = ReadText(i_path);
@@ -57,7 +57,7 @@ class Registration : public test::ProgramTest {
   }
 };
 
-TEST_F(Registration, BringsTheCloudsTogether) {
+TEST_F(Registration, FindsTheTransform) {
   Printed const printed = Register("");
   EXPECT_EQ(ReadText(In("err")), "");
   EXPECT_GT(printed.iterations, 10U);
@@ -67,7 +67,7 @@ TEST_F(Registration, BringsTheCloudsTogether) {
   EXPECT_LT(printed.apart, 0.05) << "of 4000 points on a surface of about 4 pi";
 }
 
-TEST_F(Registration, EndsAtTheSamePlaceFromAnyAngleThatIsNotTooLarge) {
+TEST_F(Registration, GivesTheSameResultFromAnyModerateAngle) {
   Printed const straight = Register(" --angle 0");
   for (char const* const angle : {"-30", "20", "390"}) {
     Printed const turned = Register(std::string(" --angle ") + angle);
@@ -76,14 +76,14 @@ TEST_F(Registration, EndsAtTheSamePlaceFromAnyAngleThatIsNotTooLarge) {
   }
 }
 
-TEST_F(Registration, MorePointsComeCloser) {
+TEST_F(Registration, MorePointsGiveASmallerError) {
   Printed const few = Register(" --points 1000 --angle 20");
   Printed const many = Register(" --points 16000 --angle 20");
   EXPECT_LT(many.apart, 0.5 * few.apart);
   EXPECT_LT(many.degrees, few.degrees);
 }
 
-TEST_F(Registration, SeedsGiveOtherClouds) {
+TEST_F(Registration, OtherSeedsGiveOtherClouds) {
   for (char const* const seed : {"2", "3", "4", "5"}) {
     Printed const printed = Register(std::string(" --seed ") + seed);
     EXPECT_LT(printed.degrees, 1) << seed;
@@ -98,12 +98,12 @@ TEST_F(Registration, PlotsEveryIteration) {
   ASSERT_EQ(lines.size(), 2U);
   for (auto const& line : lines) {
     ASSERT_EQ(line.size(), printed.iterations + 1);
-    EXPECT_LT(line.front().y, line.back().y) << "it falls";
+    EXPECT_LT(line.front().y, line.back().y) << "the distance decreases";
   }
-  EXPECT_LT(lines[0].back().y, lines[1].back().y) << "pairs stay as far apart as points lie";
+  EXPECT_LT(lines[0].back().y, lines[1].back().y) << "pairs stay as far apart as the points of a cloud";
 }
 
-TEST_F(Registration, SaysWhenItSettlesInAWrongPlaceAndShowsHow) {
+TEST_F(Registration, ReportsAWrongResultAndPlotsIt) {
   Printed const printed = Register(" --angle 120", 1);
   EXPECT_GT(printed.degrees, 1);
   EXPECT_EQ(ReadText(In("err")), "registration: the clouds settle in a wrong place\n");

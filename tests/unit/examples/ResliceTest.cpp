@@ -35,7 +35,6 @@ class Reslice : public test::ProgramTest {
  protected:
   Reslice() : ProgramTest("reslice", RESLICE_PROGRAM) {}
 
-  // With an output behind the arguments, unless they hold one.
   void ExpectRefusal(std::string const& i_arguments, std::string const& i_text) const {
     ProgramTest::ExpectRefusal(i_arguments, i_text, {In("refused.png")});
   }
@@ -80,7 +79,7 @@ TEST_F(Reslice, AnOffsetMovesAlongTheNormal) {
   EXPECT_EQ(samples[(216 - 100) * 181 + 80], head.At(80, 100, 110));
 }
 
-TEST_F(Reslice, PixelsGoToVoxelsAndBack) {
+TEST_F(Reslice, TransformsPixelsToVoxelsAndBack) {
   Volume const& head = GetHead();
   Slice const slice = PlaceSlice(head, {.axis = {1, 0.3F, -0.2F}, .angle = 1.1, .offset = -7.5});
   lum::Matrix<double> const pixel_to_voxel = head.voxel_to_world.GetInverse() * slice.pixel_to_world;
@@ -90,19 +89,19 @@ TEST_F(Reslice, PixelsGoToVoxelsAndBack) {
       lum::Point<double, 3> const pixel(static_cast<double>(column), static_cast<double>(row), 0);
       lum::Point<double, 3> const voxel = pixel_to_voxel * pixel;
       largest = std::max(largest, lum::GetLength(pixel_to_voxel.GetInverse() * voxel - pixel));
-      EXPECT_GT(lum::GetLength(voxel - pixel), 1e-3) << "the transform is not meant to do nothing";
+      EXPECT_GT(lum::GetLength(voxel - pixel), 1e-3) << "the transform is not the identity";
     }
   }
   EXPECT_LT(largest, 1e-9);
 }
 
-TEST_F(Reslice, ASliceThereAndBackFindsTheSameSamples) {
+TEST_F(Reslice, ASliceByTheInverseOfTheInverseHasTheSameSamples) {
   Volume const& head = GetHead();
   Slice const slice = PlaceSlice(head, {.axis = {0.2F, 1, 0}, .angle = 0.7});
   lum::Matrix<double> const there = head.voxel_to_world.GetInverse() * slice.pixel_to_world;
   Slice again = slice;
   lum::Matrix<double> const back = there.GetInverse();
-  // Built from the values of the inverse alone, whose own inverse is then computed anew.
+  // Made from the values of the inverse only, so that its inverse is computed anew.
   again.pixel_to_world = head.voxel_to_world * lum::Matrix<double>(back.GetAsPtr()).GetInverse();
   Samples const first = Resample(head, slice);
   Samples const second = Resample(head, again);
@@ -122,7 +121,7 @@ TEST_F(Reslice, ReadsInt16) {
   EXPECT_EQ(volume.At(3, 2, 1), ValueOf(3 + 5 * (2 + 4 * 1)));
   Samples const samples = Resample(volume, PlaceSlice(volume, {}));
   ASSERT_EQ(samples.size(), 20U);
-  EXPECT_EQ(samples[0], volume.At(0, 3, 1)) << "row 0 is on top";
+  EXPECT_EQ(samples[0], volume.At(0, 3, 1)) << "row 0 is the top row";
   EXPECT_EQ(samples[19], volume.At(4, 0, 1));
 }
 
@@ -140,7 +139,7 @@ TEST_F(Reslice, AMirroredAffineShowsTheWorldNotTheVoxelOrder) {
   for (std::size_t column = 0; column < 5; ++column) EXPECT_EQ(samples[column], volume.At(4 - column, 3, 1));
 }
 
-TEST_F(Reslice, LargerVoxelsAreBlended) {
+TEST_F(Reslice, InterpolatesLargerVoxels) {
   Volume const volume =
       ReadVolume(WriteVolume<std::int16_t>("a.nii", DT_INT16, {{{2, 0, 0, 0}, {0, 2, 0, 0}, {0, 0, 2, 0}}}));
   Slice const slice = PlaceSlice(volume, {});
@@ -150,7 +149,7 @@ TEST_F(Reslice, LargerVoxelsAreBlended) {
   EXPECT_EQ(samples[6 * 9 + 1], (volume.At(0, 0, 1) + volume.At(1, 0, 1)) / 2);
 }
 
-TEST_F(Reslice, OutsideTheVolumeIsNothing) {
+TEST_F(Reslice, SamplesOutsideTheVolumeAreNaN) {
   Volume const volume = ReadVolume(WriteVolume<float>("a.nii", DT_FLOAT32, m_straight));
   EXPECT_TRUE(std::isnan(volume.Sample({-0.51, 0, 0})));
   EXPECT_EQ(volume.Sample({-0.5, 0, 0}), volume.At(0, 0, 0));
@@ -166,7 +165,7 @@ TEST_F(Reslice, StretchesTheContrastAndLeavesOutsideBlack) {
   EXPECT_EQ(picture.pixels, (std::vector<std::uint8_t>{0, 255, 0, 128}));
 }
 
-TEST_F(Reslice, WritesAPictureAndSaysSo) {
+TEST_F(Reslice, WritesAPicture) {
   std::string const input = WriteVolume<float>("a.nii", DT_FLOAT32, m_straight);
   ASSERT_EQ(Run(input + " " + In("a.png") + " --axis 0,0,2 --angle 90 --size 6"), 0);
   std::vector<char> const picture = ReadBytes(In("a.png"));
@@ -198,7 +197,7 @@ TEST_F(Reslice, RefusesATruncatedFile) {
   ExpectRefusal(WriteBytes("short.nii.gz", bytes) + output, "truncated or damaged");
 }
 
-// 32767 x 32767 x 32767 voxels of int16: no memory is taken for what is not there.
+// The header claims 32767 x 32767 x 32767 voxels of int16, for which no memory is allocated.
 TEST_F(Reslice, RefusesAHeaderThatClaimsMoreThanTheFileHolds) {
   std::vector<char> bytes = ReadBytes(WriteVolume<std::int16_t>("a.nii", DT_INT16, m_straight));
   for (std::size_t const dimension : {42U, 44U, 46U}) {
@@ -278,7 +277,7 @@ TEST_F(Reslice, RefusesAnOutputThatCannotBeWritten) {
   EXPECT_FALSE(fs::exists(In("folder.png.part")));
 }
 
-TEST_F(Reslice, AFailureLeavesAnOlderPictureAlone) {
+TEST_F(Reslice, AFailureKeepsAnOlderPicture) {
   WriteBytes("old.png", {'o', 'l', 'd'});
   EXPECT_EQ(Run(In("missing.nii") + " " + In("old.png")), 1);
   EXPECT_EQ(ReadBytes(In("old.png")), (std::vector<char>{'o', 'l', 'd'}));

@@ -77,10 +77,10 @@ class Scene : public test::ProgramTest {
   static constexpr Pixel background = {24, 24, 28};
 };
 
-TEST_F(Scene, PicksAmongTenThousandNodesAsWithoutInverses) {
+TEST_F(Scene, PicksTheSameOfTenThousandNodesAsWithoutInverses) {
   Printed const printed = Draw("");
   EXPECT_EQ(printed.nodes, 10000U);
-  EXPECT_EQ(printed.depth, 6U) << "1 + 6 (1 + 5 + 25 + 125 + 625) are less than 10000";
+  EXPECT_EQ(printed.depth, 6U) << "1 + 6 (1 + 5 + 25 + 125 + 625) is less than 10000";
   EXPECT_EQ(printed.frames, 60U);
   EXPECT_GT(printed.time, 0);
   EXPECT_LT(printed.deviation, 5e-6);
@@ -113,7 +113,8 @@ TEST_F(Scene, OneBoxCoversItsOutline) {
     double const scale = 2.3 * 600 / (6 - towards);
     corners.push_back({right * scale, up * scale});
   }
-  // The area of the convex hull: of the triangles from the origin to the edges with everything on their left.
+  // The area of the convex hull: the triangles from the origin to the edges that have all corners on their
+  // left.
   double area = 0;
   for (Corner const& p : corners) {
     for (Corner const& q : corners) {
@@ -129,7 +130,7 @@ TEST_F(Scene, OneBoxCoversItsOutline) {
   EXPECT_NEAR(static_cast<double>(CountHits(picture)), area, 0.01 * area);
 }
 
-TEST_F(Scene, ManyBoxesReachFurtherThanOne) {
+TEST_F(Scene, ManyBoxesCoverMoreThanOne) {
   Draw(" --nodes 1");
   std::size_t const one = CountHits(ReadPicture());
   Pixel const middle = GetPixel(ReadPicture(), 400, 300);

@@ -8,7 +8,8 @@
 namespace surface {
 namespace {
 
-// A small ball in a large grid: its mesh is small, and so are a few layers; a table of all cells is not.
+// A small ball in a large grid: its mesh is small, and so are some layers of cells, but not a table of all
+// cells.
 class Ball : public Field {
  public:
   explicit Ball(std::size_t i_layers) : Field({{cells + 1, cells + 1, i_layers + 1}, {}, 1e-9, 1e-3}) {}
@@ -23,17 +24,17 @@ class Ball : public Field {
 std::size_t GetPeak(std::size_t i_layers, std::size_t i_threads) {
   Ball const ball(i_layers);
   lum::test::AllocationPeak const peak;
-  Mesh const mesh = Contour(
-      ball, [](double) {}, i_threads);
+  auto const ignore_progress = [](double) {};
+  Mesh const mesh = Contour(ball, ignore_progress, i_threads);
   EXPECT_GT(mesh.triangles.size(), 100U);
   return peak.GetBytes();
 }
 
-TEST(SurfaceMemory, GrowsWithASliceNotWithTheVolume) {
+TEST(SurfaceMemory, GrowsWithALayerNotWithTheVolume) {
   for (std::size_t const threads : {1U, 3U}) {
     std::size_t const peak = GetPeak(100, threads);
     EXPECT_LT(GetPeak(400, threads), peak + peak / 20);
-    EXPECT_LT(peak, 100 * Ball::cells * Ball::cells * threads) << "a hundred bytes for each cell of a slice";
+    EXPECT_LT(peak, 100 * Ball::cells * Ball::cells * threads) << "100 bytes for each cell of a layer";
   }
 }
 

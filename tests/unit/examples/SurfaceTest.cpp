@@ -40,7 +40,7 @@ Mesh ContourSolid(std::string const& i_name, std::size_t i_cells) {
   return Contour(*MakeSolid(i_name, i_cells), &IgnoreProgress);
 }
 
-// Contoured once for all tests that look at it.
+// Contoured once for all tests that use it.
 Mesh const& GetDie() {
   static Mesh const die = ContourSolid("die", 128);
   return die;
@@ -48,7 +48,7 @@ Mesh const& GetDie() {
 
 constexpr double cell = 2.0 / 128;
 
-// The radius of the circles in which bites meet a face.
+// The radius of the circles where bites meet a face.
 double const rim_radius =
     std::sqrt(Die::bite_radius * Die::bite_radius - Die::bite_height * Die::bite_height);
 
@@ -64,7 +64,7 @@ double GetRelativeError(std::string const& i_name, std::size_t i_cells) {
   return ContourSolid(i_name, i_cells).GetVolume() / GetExactVolume(i_name) - 1;
 }
 
-// Whether every edge is used an even number of times, and as often one way as the other.
+// Expects that every edge is used equally often in both directions.
 void ExpectClosed(Mesh const& i_mesh) {
   std::map<std::pair<std::uint32_t, std::uint32_t>, std::array<int, 2>> uses;
   for (auto const& triangle : i_mesh.triangles) {
@@ -101,7 +101,7 @@ common::Volume MakeVolume(std::array<std::size_t, 3> const& i_size, lum::Matrix<
   return volume;
 }
 
-// The distance from the middle of a world of 20 x 20 x 20, through an affine.
+// The distance from the centre of a world of 20 x 20 x 20, sampled at voxels placed by an affine.
 common::Volume MakeBall(std::array<std::size_t, 3> const& i_size, lum::Matrix<double> const& i_affine) {
   return MakeVolume(i_size, i_affine, [&](std::size_t i_i, std::size_t i_j, std::size_t i_k) {
     Point const voxel(static_cast<double>(i_i), static_cast<double>(i_j), static_cast<double>(i_k));
@@ -139,7 +139,7 @@ TEST(Contour, SolidsAreClosed) {
   }
 }
 
-// Every kind of cell, ambiguous ones too.
+// Noise has every kind of cell, including the ambiguous ones.
 TEST(Contour, NoiseIsClosed) {
   constexpr unsigned seed = 20261121;
   SCOPED_TRACE(testing::Message() << "seed " << seed);
@@ -165,7 +165,7 @@ TEST(Contour, VolumesConvergeAtSecondOrder) {
   double const at_128 = GetRelativeError("sphere", 128);
   EXPECT_NEAR(at_32 / at_64, 4, 0.5);
   EXPECT_NEAR(at_64 / at_128, 4, 0.5);
-  // Where cells are coarse they see two edges at once, which makes the die's first errors larger.
+  // Coarse cells contain two edges at once, which makes the error at 32 cells larger.
   EXPECT_GT(GetRelativeError("die", 32) / (GetDie().GetVolume() / GetExactVolume("die") - 1), 16);
 }
 
@@ -196,12 +196,11 @@ TEST(Contour, TheDiesEdgesAreFound) {
     if (vertex.rank != 2) continue;
     double const distance = DistanceToEdge(world_to_die * vertex.position);
     (vertex.is_off ? off : on) += 1;
-    // Where the edge passes by a cell whose grid edges it makes the surface cross, the vertex stays in the
-    // cell.
+    // An edge may pass beside a cell whose grid edges its faces cross. The vertex then stays in the cell.
     ASSERT_LT(distance, (vertex.is_off ? 0.5 : 0.02) * cell);
   }
   double const length = 12 * 2 * Die::half_edge + 21 * 2 * std::numbers::pi * rim_radius;
-  EXPECT_GT(on, length / cell) << "more than one for each cell's length of edge";
+  EXPECT_GT(on, length / cell) << "more than one vertex per cell of length";
   EXPECT_LT(off, on / 10);
 }
 
@@ -214,7 +213,7 @@ TEST(Contour, TheSphereIsSmoothWithNormalsToADegree) {
   }
 }
 
-TEST(Contour, TheHeadEnclosesItsVoxels) {
+TEST(Contour, TheVolumeOfTheHeadIsThatOfItsVoxels) {
   common::Volume const head = common::ReadVolume(HEAD_VOLUME);
   constexpr double level = 40;
   Mesh const mesh = ContourVolume(head, level);
@@ -226,7 +225,7 @@ TEST(Contour, TheHeadEnclosesItsVoxels) {
   ExpectUnitNormals(mesh);
 }
 
-TEST(Contour, MirroredAndUnevenAffinesTurnNothingInsideOut) {
+TEST(Contour, MirroredAndUnevenAffinesKeepTheOrientation) {
   double const exact = 4 * std::numbers::pi / 3 * std::pow(7, 3);
   for (auto const& [size, affine] : {
            std::pair{std::array<std::size_t, 3>{21, 21, 21}, lum::Matrix<double>()},
@@ -249,7 +248,7 @@ TEST(Contour, MirroredAndUnevenAffinesTurnNothingInsideOut) {
   }
 }
 
-TEST(Contour, WhatReachesTheBorderIsClosedThere) {
+TEST(Contour, ASurfaceIsClosedAtTheBorder) {
   common::Volume const volume = MakeVolume(
       {4, 5, 6}, {},
       [](std::size_t i_i, std::size_t i_j, std::size_t i_k) { return i_i + i_j + i_k == 0 ? 0.0 : 1.0; });
@@ -291,7 +290,7 @@ TEST(Contour, RefusesALevelThatIsNeverCrossed) {
                                                        "none of the volume's values is finite"));
 }
 
-TEST(Contour, SaysTheRangeInAllItsDigits) {
+TEST(Contour, ReportsTheRangeInAllItsDigits) {
   common::Volume const volume = MakeVolume(
       {3, 3, 3}, {}, [](std::size_t i_i, auto...) { return 123456789.0 + static_cast<double>(i_i); });
   EXPECT_TRUE(lum::test::Throws<std::invalid_argument>(
@@ -312,8 +311,8 @@ TEST(Contour, TheLeastRangeIsContoured) {
   ExpectClosed(ContourVolume(volume, 5e-321));
 }
 
-TEST(Inside, ShowsTheVolumesGreysWhereTheyLie) {
-  // Values grow along the second voxel axis, which the affine turns to the world's first.
+TEST(Inside, ShowsTheGreysOfTheVolumeAtTheirPlaces) {
+  // Values increase along the second voxel axis, which is the first axis of the world.
   lum::Matrix<double> const affine =
       lum::Matrix<double>::Translate(5, 0, 0) *
       lum::Matrix<double>(Point(), Vector(0, 1, 0), Vector(2, 0, 0), Vector(0, 0, 1));
@@ -342,22 +341,17 @@ TEST(Contour, IsTheSameWithAnyNumberOfThreads) {
   }
 }
 
-TEST(Contour, WhatProgressThrowsEndsTheWork) {
+TEST(Contour, AnExceptionOfTheProgressFunctionEndsTheWork) {
   for (std::size_t const threads : {1U, 3U}) {
-    EXPECT_TRUE(lum::test::Throws<std::runtime_error>(
-        [&] {
-          Contour(
-              *MakeSolid("sphere", 32),
-              [](double i_part) {
-                if (i_part > 0.2) throw std::runtime_error("enough");
-              },
-              threads);
-        },
-        "enough"));
+    auto const stop = [](double i_part) {
+      if (i_part > 0.2) throw std::runtime_error("enough");
+    };
+    auto const contour = [&] { Contour(*MakeSolid("sphere", 32), stop, threads); };
+    EXPECT_TRUE(lum::test::Throws<std::runtime_error>(contour, "enough"));
   }
 }
 
-// Fails in the upper half of the grid only.
+// A field that throws in the upper half of the grid.
 class HalfAField : public Field {
  public:
   HalfAField() : Field({{33, 33, 33}, {}, 1e-9, 1e-3}) {}
@@ -368,7 +362,7 @@ class HalfAField : public Field {
   }
 };
 
-TEST(Contour, WhatAFieldThrowsOnAnyThreadEndsTheWork) {
+TEST(Contour, AnExceptionOfAFieldOnAnyThreadEndsTheWork) {
   for (std::size_t const threads : {1U, 2U, 4U}) {
     EXPECT_TRUE(lum::test::Throws<std::out_of_range>([&] { Contour(HalfAField(), &IgnoreProgress, threads); },
                                                      "there is no upper half"));
@@ -427,7 +421,7 @@ TEST(Draw, AClipPlaneShowsTheInside) {
   common::Picture const cut = Draw(mesh, view, &IgnoreProgress);
   EXPECT_EQ((std::array{cut.pixels[middle], cut.pixels[middle + 1], cut.pixels[middle + 2]}),
             (std::array<std::uint8_t, 3>{10, 20, 30}));
-  // Less than the sphere's own disc, which reaches the border but for a margin.
+  // The disc of the cut is smaller than that of the sphere, which fills the picture up to a margin.
   auto const is_inside = [&](std::size_t i_x) { return cut.pixels[3 * (60 * view.size + i_x)] == 10; };
   std::size_t width = 0;
   for (std::size_t x = 0; x < view.size; ++x) width += is_inside(x) ? 1U : 0U;
@@ -435,7 +429,7 @@ TEST(Draw, AClipPlaneShowsTheInside) {
   EXPECT_NEAR(static_cast<double>(width), expected, 3);
 }
 
-TEST(Draw, TheInsideIsAskedForWhereThePlaneCuts) {
+TEST(Draw, AsksForTheInsideOnTheClipPlane) {
   Mesh const mesh = ContourSolid("die", 32);
   View view = MakeView();
   view.clip.emplace(-0.6, 0.5, 0.7, 0.1);
@@ -449,12 +443,12 @@ TEST(Draw, TheInsideIsAskedForWhereThePlaneCuts) {
   EXPECT_GT(asked, 1000U);
 }
 
-TEST(Draw, WhatProgressThrowsEndsTheWork) {
+TEST(Draw, AnExceptionOfTheProgressFunctionEndsTheWork) {
   EXPECT_TRUE(lum::test::Throws<std::runtime_error>(
       [] { Draw(GetDie(), MakeView(), [](double) { throw std::runtime_error("enough"); }); }, "enough"));
 }
 
-TEST(Draw, ATurnGoesAllTheWayRound) {
+TEST(Draw, StepsOfATurnAddUpToAFullTurn) {
   for (std::size_t const steps : {1U, 2U, 5U, 12U}) {
     for (std::size_t step = 0; step < steps; ++step) {
       double const angle =
@@ -523,7 +517,7 @@ TEST_F(Surface, WritesAMeshThatCanBeRead) {
   }
 }
 
-TEST_F(Surface, SaysWhatItMadeAndHowLongThatTook) {
+TEST_F(Surface, ReportsItsOutputsAndTimes) {
   ASSERT_EQ(Run("--solid sphere --mesh " + In("a.ply") + " --picture " + In("a.png")), 0);
   std::string const out = ReadText(In("out"));
   EXPECT_TRUE(out.starts_with(In("a.ply") + ": ")) << out;
@@ -531,7 +525,7 @@ TEST_F(Surface, SaysWhatItMadeAndHowLongThatTook) {
        {" vertices, ", " triangles\nreading ", " s, contouring ", " s, writing ", " s, drawing ", " s\n"}) {
     EXPECT_NE(out.find(text), std::string::npos) << text << " in " << out;
   }
-  EXPECT_EQ(ReadText(In("err")), "") << "no progress where nobody looks";
+  EXPECT_EQ(ReadText(In("err")), "") << "progress is shown on terminals only";
   common::Picture const picture = ReadPng(In("a.png"));
   EXPECT_EQ(picture.width, 900U);
   EXPECT_EQ(picture.height, 900U);
@@ -539,7 +533,7 @@ TEST_F(Surface, SaysWhatItMadeAndHowLongThatTook) {
   EXPECT_FALSE(fs::exists(In("a.png.part")));
 }
 
-TEST_F(Surface, QuietIsQuiet) {
+TEST_F(Surface, QuietPrintsNothing) {
   ASSERT_EQ(Run("--solid sphere --quiet --mesh " + In("a.ply")), 0);
   EXPECT_EQ(ReadText(In("out")), "");
   EXPECT_EQ(ReadText(In("err")), "");
@@ -554,7 +548,7 @@ TEST_F(Surface, ShowsProgressOnATerminal) {
     return ReadText(In("typescript"));
   };
   std::string const shown = run_on_terminal("");
-  // Which percentages it comes to show, only the load of the machine knows.
+  // The percentages that it shows depend on the load of the machine.
   EXPECT_TRUE(std::regex_search(shown, std::regex("\rcontouring  [1-9][0-9] %"))) << shown;
   EXPECT_NE(shown.find("a.ply: "), std::string::npos);
   EXPECT_EQ(run_on_terminal(" --quiet").find("contouring"), std::string::npos);
@@ -587,7 +581,7 @@ TEST_F(Surface, ReadsVolumes) {
   EXPECT_TRUE(fs::exists(In("a.png")));
 }
 
-// The mesh is written, but not yet in its place, while the table turns.
+// While the turntable is drawn, the mesh is written but not yet renamed.
 TEST_F(Surface, CtrlCLeavesNoHalfWrittenFile) {
   for (std::string const signal : {"INT", "TERM"}) {
     std::string const command = m_program + " --solid sphere --mesh " + In("a.ply") + " --turntable 5000 " +
@@ -626,7 +620,7 @@ TEST_F(Surface, RefusesALevelThatIsNeverCrossed) {
                 "the volume never crosses the level 500: its values range from -100 to 313");
 }
 
-TEST_F(Surface, RefusesASolidThatThereIsNot) {
+TEST_F(Surface, RefusesAnUnknownSolid) {
   ExpectRefusal("--solid cone" + Outputs(), "there is no solid \"cone\", but die, sphere");
 }
 
@@ -662,7 +656,7 @@ TEST_F(Surface, RefusesOutputsThatCannotBeWrittenAndKeepsOlderOnes) {
   ExpectRefusal("--solid sphere --mesh " + twice + " --picture " + twice, "is named twice");
   WriteBytes("other.ply.part", {'x'});
   EXPECT_EQ(Run("--solid cone --mesh " + In("other.ply")), 1);
-  EXPECT_TRUE(fs::exists(In("other.ply.part"))) << "not ours";
+  EXPECT_TRUE(fs::exists(In("other.ply.part"))) << "it belongs to another run";
   WriteBytes("old.ply", {'o', 'l', 'd'});
   EXPECT_EQ(Run("--solid sphere --mesh " + In("old.ply") + " --picture " + no_folder), 1);
   EXPECT_EQ(ReadText(In("old.ply")), "old");

@@ -25,11 +25,14 @@ template <class Value>
 concept IsMapped = requires {
   AsEigen(std::declval<Value>());
 };
-static_assert(IsMapped<Vector<float, 3>&> && IsMapped<Point<double, 2> const&> &&
-              IsMapped<Matrix<float> const&>);
-static_assert(!IsMapped<Vector<float, 3>> && !IsMapped<Vector<float, 3> const> &&
-                  !IsMapped<Point<double, 2>> && !IsMapped<Matrix<float>> && !IsMapped<Matrix<double> const>,
-              "nothing maps a temporary");
+static_assert(IsMapped<Vector<float, 3>&>);
+static_assert(IsMapped<Point<double, 2> const&>);
+static_assert(IsMapped<Matrix<float> const&>);
+static_assert(!IsMapped<Vector<float, 3>>, "no temporary is mapped");
+static_assert(!IsMapped<Vector<float, 3> const>, "no temporary is mapped");
+static_assert(!IsMapped<Point<double, 2>>, "no temporary is mapped");
+static_assert(!IsMapped<Matrix<float>>, "no temporary is mapped");
+static_assert(!IsMapped<Matrix<double> const>, "no temporary is mapped");
 
 template <class Value>
 using MapOf = decltype(AsEigen(std::declval<Value&>()));
@@ -44,21 +47,28 @@ template <class Expression>
 concept IsVector = requires(Expression const& i_expression) {
   ToVector(i_expression);
 };
-static_assert(IsVector<Eigen::Vector3f> && IsVector<Eigen::RowVector2d>);
-static_assert(!IsVector<Eigen::Vector4f> && !IsVector<Eigen::VectorXf> && !IsVector<Eigen::Vector3i> &&
-              !IsVector<Eigen::Matrix<long double, 3, 1>> && !IsVector<Eigen::Matrix2f>);
+static_assert(IsVector<Eigen::Vector3f>);
+static_assert(IsVector<Eigen::RowVector2d>);
+static_assert(!IsVector<Eigen::Vector4f>);
+static_assert(!IsVector<Eigen::VectorXf>);
+static_assert(!IsVector<Eigen::Vector3i>);
+static_assert(!IsVector<Eigen::Matrix<long double, 3, 1>>);
+static_assert(!IsVector<Eigen::Matrix2f>);
 
 template <class Source>
 concept IsTransform = requires(Source const& i_source) {
   FromEigen(i_source);
 };
-static_assert(IsTransform<Eigen::Matrix4f> && IsTransform<Eigen::Affine3d> &&
-              IsTransform<Eigen::Isometry3f> && IsTransform<Eigen::Projective3d> &&
-              IsTransform<Eigen::AffineCompact3f>);
-static_assert(!IsTransform<Eigen::Matrix3f> && !IsTransform<Eigen::MatrixXf> &&
-                  !IsTransform<Eigen::Matrix4i> && !IsTransform<Eigen::Affine2f> &&
-                  !IsTransform<Eigen::Quaterniond>,
-              "a quaternion in double precision would be rounded");
+static_assert(IsTransform<Eigen::Matrix4f>);
+static_assert(IsTransform<Eigen::Affine3d>);
+static_assert(IsTransform<Eigen::Isometry3f>);
+static_assert(IsTransform<Eigen::Projective3d>);
+static_assert(IsTransform<Eigen::AffineCompact3f>);
+static_assert(!IsTransform<Eigen::Matrix3f>, "a quaternion in double precision would be rounded");
+static_assert(!IsTransform<Eigen::MatrixXf>, "a quaternion in double precision would be rounded");
+static_assert(!IsTransform<Eigen::Matrix4i>, "a quaternion in double precision would be rounded");
+static_assert(!IsTransform<Eigen::Affine2f>, "a quaternion in double precision would be rounded");
+static_assert(!IsTransform<Eigen::Quaterniond>, "a quaternion in double precision would be rounded");
 
 TEST(EigenMap, OfAVectorOrPointIsTheValueItself) {
   Vector<float, 3> vector(1, 2, 3);
@@ -95,7 +105,7 @@ TEST(EigenMap, OfATransformIsItsObject) {
   auto const matrix = Matrix<double>::Translate(5, 6, 7);
   auto const map = AsEigen(matrix);
   EXPECT_EQ(map.data(), matrix.GetAsPtr());
-  EXPECT_EQ(matrix.GetMatrix().GetReferenceCount(), 1U) << "a map is no owner";
+  EXPECT_EQ(matrix.GetMatrix().GetReferenceCount(), 1U) << "a map does not own the object";
   for (int row = 0; row < 4; ++row) {
     for (int column = 0; column < 4; ++column) EXPECT_EQ(map(row, column), matrix(row, column));
   }
@@ -120,7 +130,7 @@ TEST(EigenMap, ShowsWhatIsWrittenToItsObject) {
   auto matrix = Matrix<double>::Translate(1, 2, 3);
   auto const map = AsEigen(matrix);
   matrix.GetMutableInternal()->translation().y() = 8;
-  EXPECT_EQ(map(1, 3), 8) << "nobody shares it, so it stays the matrix's own";
+  EXPECT_EQ(map(1, 3), 8) << "the matrix is not shared, so it keeps its object";
 }
 
 TEST(EigenMap, VectorsAndPointsComeFromExpressions) {
@@ -167,7 +177,7 @@ TEST(EigenMap, TransformsComeFromEitherOrder) {
   RowMajor const rows = (RowMajor() << 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 17).finished();
   auto const matrix = FromEigen(rows);
   EXPECT_EQ(matrix(0, 1), 2);
-  EXPECT_EQ(matrix(3, 0), 13) << "row 3 too";
+  EXPECT_EQ(matrix(3, 0), 13) << "row 3 is copied too";
   EXPECT_EQ(FromEigen(rows.transpose())(0, 1), 5);
   Eigen::Transform<float, 3, Eigen::Affine, Eigen::RowMajor> transform;
   transform = Eigen::Translation3f(5, 6, 7);
@@ -196,7 +206,7 @@ TEST(EigenMap, AMatrixWithoutInverseComesBackWithOneThatIsNotFinite) {
   EXPECT_FALSE(std::isfinite(InverseValuesOf(back)[10]));
 }
 
-TEST(EigenMap, AnInverseThatIsGivenIsKept) {
+TEST(EigenMap, AGivenInverseIsKept) {
   Eigen::Isometry3f const motion =
       Eigen::Translation3f(1, 2, 3) * Eigen::AngleAxisf(0.3F, Eigen::Vector3f::UnitY());
   Eigen::Isometry3f const inverse = motion.inverse();

@@ -16,11 +16,14 @@ namespace {
 struct Unprintable {};
 template <class Value>
 concept Formattable = fmt::is_formattable<Value>::value;
-static_assert(Formattable<Vector<float, 3>> && Formattable<optional<int>>);
-static_assert(!Formattable<Unprintable> && !Formattable<optional<Unprintable>>);
+static_assert(Formattable<Vector<float, 3>>);
+static_assert(Formattable<optional<int>>);
+static_assert(!Formattable<Unprintable>);
+static_assert(!Formattable<optional<Unprintable>>);
 
 TEST(FmtFormat, WritesEveryKindOfValue) {
-  EXPECT_EQ(fmt::format("{}", Vector<float, 2>(0.1F, -2.5F)), "(0.1, -2.5)") << "shortest text of a float";
+  EXPECT_EQ(fmt::format("{}", Vector<float, 2>(0.1F, -2.5F)), "(0.1, -2.5)")
+      << "the shortest text of a float";
   EXPECT_EQ(fmt::format("{}", Vector<double, 3>(1, 2, 3)), "(1, 2, 3)");
   EXPECT_EQ(fmt::format("{}", Point<float, 3>(4, 5, 6)), "(4, 5, 6)");
   EXPECT_EQ(fmt::format("{}", Plane<double>(0, 3, 4, 10)), "(0, 0.6, 0.8, 2)");
@@ -55,10 +58,10 @@ TEST(FmtFormat, SeparatesBySemicolonsInTheFormOfALocale) {
   EXPECT_EQ(fmt::format(comma, "{:.1Lf}", vector), "(1,5; 2,0)");
   EXPECT_EQ(fmt::format(comma, "{:.1f}", vector), "(1.5, 2.0)");
   EXPECT_EQ(fmt::format(comma, "{:L}", Range<int>(1000, 2000)), "[1.000; 2.000]");
-  EXPECT_EQ(fmt::format(std::locale::classic(), "{:L}", vector), "(1.5; 2)") << "whatever the locale writes";
+  EXPECT_EQ(fmt::format(std::locale::classic(), "{:L}", vector), "(1.5; 2)") << "in the form of any locale";
 }
 
-TEST(FmtFormat, TellsAnLThatFillsFromOneThatAsksForALocale) {
+TEST(FmtFormat, DistinguishesLAsFillFromLForLocale) {
   std::locale const comma = test::MakeCommaLocale();
   Vector<double, 2> const vector(1.5, 2);
   EXPECT_EQ(fmt::format(comma, "{:L<4}", vector), "(1.5L, 2LLL)");
@@ -110,15 +113,15 @@ TEST(FmtFormat, WritesIntoWhatTheCallerGives) {
   EXPECT_EQ(fmt::format("{}", std::vector<Point<float, 2>>{{1, 2}, {3, 4}}), "[(1, 2), (3, 4)]");
 }
 
+template <class Identifier>
+void ExpectTextOfStream(Identifier i_identifier) {
+  std::ostringstream stream;
+  stream << i_identifier;
+  EXPECT_EQ(fmt::format("{}", i_identifier), stream.str());
+}
 template <class... Identifiers>
 void ExpectTextOfStreams(Identifiers... i_identifiers) {
-  (
-      [&] {
-        std::ostringstream stream;
-        stream << i_identifiers;
-        EXPECT_EQ(fmt::format("{}", i_identifiers), stream.str());
-      }(),
-      ...);
+  (ExpectTextOfStream(i_identifiers), ...);
 }
 
 TEST(FmtFormat, WritesIdentifiersAsStreamsDo) {

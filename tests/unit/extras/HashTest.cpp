@@ -26,13 +26,17 @@ std::size_t HashOf(Value const& i_value) {
 }
 
 struct Unhashable {};
-static_assert(!internal::Hashable<Unhashable> && !internal::Hashable<optional<Unhashable>> &&
-              !internal::Hashable<Range<Unhashable>>);
-static_assert(internal::Hashable<CubeElementIds::Vertex> && internal::Hashable<CubeElementIds::Edge> &&
-              internal::Hashable<CubeElementIds::Face> && internal::Hashable<CubeElementIds::Cube> &&
-              internal::Hashable<CubeSpaceIds::Orientation> && internal::Hashable<CubeSpaceIds::Plane> &&
-              internal::Hashable<CubeSpaceIds::Volume> &&
-              internal::Hashable<CanonicalCubeElementIds::CanonicalEdge>);
+static_assert(!internal::Hashable<Unhashable>);
+static_assert(!internal::Hashable<optional<Unhashable>>);
+static_assert(!internal::Hashable<Range<Unhashable>>);
+static_assert(internal::Hashable<CubeElementIds::Vertex>);
+static_assert(internal::Hashable<CubeElementIds::Edge>);
+static_assert(internal::Hashable<CubeElementIds::Face>);
+static_assert(internal::Hashable<CubeElementIds::Cube>);
+static_assert(internal::Hashable<CubeSpaceIds::Orientation>);
+static_assert(internal::Hashable<CubeSpaceIds::Plane>);
+static_assert(internal::Hashable<CubeSpaceIds::Volume>);
+static_assert(internal::Hashable<CanonicalCubeElementIds::CanonicalEdge>);
 
 TEST(Hash, OfEqualValuesIsEqual) {
   EXPECT_EQ(HashOf(Vector<float, 3>(1, 2, 3)), HashOf(Vector<float, 3>(1, 2, 3)));
@@ -43,7 +47,7 @@ TEST(Hash, OfEqualValuesIsEqual) {
   EXPECT_EQ(HashOf(Quaternionf()), HashOf(Quaternionf({1, 0, 0}, 0)));
 }
 
-TEST(Hash, OfZerosOfEitherSignIsEqualWhereTheyAre) {
+TEST(Hash, OfZerosOfEitherSignIsEqualWhereZerosAreEqual) {
   EXPECT_EQ(HashOf(Vector<float, 2>(0, 0)), HashOf(Vector<float, 2>(-0.0F, -0.0F)));
   EXPECT_EQ(HashOf(Point<double, 3>(0, 1, 0)), HashOf(Point<double, 3>(-0.0, 1, -0.0)));
   EXPECT_EQ(HashOf(Plane<double>(1, 0, 0, 0)), HashOf(Plane<double>(1, -0.0, -0.0, -0.0)));
@@ -82,7 +86,7 @@ TEST(Hash, DependsOnEveryNumberAndOnItsPlace) {
   EXPECT_EQ(matrices.size(), 16U);
 }
 
-TEST(Hash, OfAMatrixLeavesItsInverseOut) {
+TEST(Hash, OfAMatrixIgnoresItsInverse) {
   Matrix<double> const with_inverse = Matrix<double>::Scale(2);
   Matrix<double> const without(with_inverse.GetMatrix(), {});
   ASSERT_TRUE(with_inverse == without);
@@ -96,13 +100,13 @@ TEST(Hash, OfAnOptionalIsThatOfItsValue) {
   EXPECT_NE(HashOf(optional<int>()), HashOf(optional<int>(0)));
 }
 
-TEST(Hash, TakesNaNs) {
+TEST(Hash, AcceptsNaNs) {
   constexpr double nan = std::numeric_limits<double>::quiet_NaN();
   Vector<double, 2> const vector(nan, 1);
   EXPECT_EQ(HashOf(vector), HashOf(vector));
   Matrix<double> const matrix = Matrix<double>::Translate(nan, 0, 0);
   std::unordered_set<Matrix<double>> const matrices = {matrix};
-  EXPECT_TRUE(matrices.contains(matrix)) << "bytes of a NaN compare";
+  EXPECT_TRUE(matrices.contains(matrix)) << "matrices compare their bytes";
   std::unordered_set<Vector<double, 2>> const vectors = {vector};
   EXPECT_FALSE(vectors.contains(vector)) << "a NaN equals nothing";
 }
@@ -117,7 +121,7 @@ TEST(Hash, OfQuaternionsTellsOppositeCoefficientsApart) {
   EXPECT_FALSE(EqualCoefficients()(nan, nan));
 }
 
-TEST(Hash, MakesValuesKeys) {
+TEST(Hash, MakesValuesKeysOfContainers) {
   std::unordered_map<Point<float, 3>, int> corners;
   for (int i = 0; i < 8; ++i) {
     auto const bit = [i](int i_axis) { return static_cast<float>((i >> i_axis) & 1); };
@@ -143,8 +147,7 @@ TEST(Hash, MakesValuesKeys) {
   EXPECT_EQ(canonical.size(), 1U);
 }
 
-// Of 2^16 hashes on 2^16 buckets by the low bits, about 1 - 1/e of the buckets are met: 41,400 of a random
-// function, give or take some hundred.
+// 2^16 random hashes would occupy about 1 - 1/e of 2^16 buckets: 41,400, with a deviation of some hundreds.
 TEST(Hash, SpreadsAGridOverTheLowBits) {
   std::unordered_set<std::size_t> low_bits;
   std::unordered_set<std::size_t> hashes;
@@ -159,7 +162,7 @@ TEST(Hash, SpreadsAGridOverTheLowBits) {
   EXPECT_GT(low_bits.size(), 40000U);
 }
 
-TEST(Hash, ChangesHalfItsBitsWithOneOfANumber) {
+TEST(Hash, OneBitOfANumberChangesHalfOfItsBits) {
   constexpr unsigned seed = 31;
   std::mt19937 random(seed);
   int changed = 0;

@@ -27,9 +27,14 @@ template <class Source>
 concept MakesAMatrix = requires(Source const& i_source) {
   FromRowMajor(i_source);
 };
-static_assert(MakesAMatrix<std::array<float, 16>> && MakesAMatrix<double[16]> && MakesAMatrix<float[4][4]>);
-static_assert(!MakesAMatrix<std::array<float, 12>> && !MakesAMatrix<float[12]> && !MakesAMatrix<float[3][4]>);
-static_assert(!MakesAMatrix<std::vector<float>> && !MakesAMatrix<float const*>, "16 values must be there");
+static_assert(MakesAMatrix<std::array<float, 16>>);
+static_assert(MakesAMatrix<double[16]>);
+static_assert(MakesAMatrix<float[4][4]>);
+static_assert(!MakesAMatrix<std::array<float, 12>>);
+static_assert(!MakesAMatrix<float[12]>);
+static_assert(!MakesAMatrix<float[3][4]>);
+static_assert(!MakesAMatrix<std::vector<float>>, "only arrays of 16 values");
+static_assert(!MakesAMatrix<float const*>, "only arrays of 16 values");
 static_assert(std::is_same_v<decltype(FromRowMajor(std::array<double, 16>())), Matrix<double>>);
 
 Values<float> MakeTranslationByRows() {
@@ -67,7 +72,7 @@ TEST(Layout, TakesRowsOfRows) {
   }
 }
 
-TEST(Layout, TakesValuesFromWhereverTheyAre) {
+TEST(Layout, TakesValuesOfASpan) {
   std::vector<float> numbers(20, 0.0F);
   auto const values = MakeTranslationByRows();
   std::copy(values.begin(), values.end(), numbers.begin() + 3);
@@ -105,12 +110,12 @@ TEST(Layout, QuaternionsPassInEitherOrder) {
   EXPECT_EQ(ToWLast(QuaternionFromWFirst(wxyz)), xyzw);
 }
 
-TEST(Layout, AQuaternionFromTheIdentitysNumbersIsFresh) {
+TEST(Layout, AQuaternionWithTheIdentitysCoefficientsIsNotKnown) {
   EXPECT_FALSE(QuaternionFromWFirst(1, 0, 0, 0).IsKnownIdentity());
   EXPECT_EQ(ToWFirst(Quaternionf()), (std::array<float, 4>{1, 0, 0, 0}));
 }
 
-TEST(Layout, AMatrixFromTheIdentitysNumbersIsFresh) {
+TEST(Layout, AMatrixWithTheIdentitysValuesIsNotKnown) {
   auto const matrix = FromRowMajor(ToRowMajor(Matrix<float>()));
   EXPECT_EQ(matrix, Matrix<float>());
   EXPECT_FALSE(matrix.IsKnownIdentity());

@@ -8,10 +8,10 @@
 #include <utility>
 
 #include "extras/Stream.h"
-#include "tests/support/MovedFrom.h"
 #include "tests/support/Comma.h"
+#include "tests/support/MovedFrom.h"
 
-// Outside lum, so that only the arguments lead to the operators.
+// Outside namespace lum, so that argument-dependent lookup finds the operators.
 namespace callers {
 namespace {
 
@@ -37,8 +37,10 @@ using callers::Printable;
 using callers::TextOf;
 
 struct Unprintable {};
-static_assert(Printable<optional<double>> && Printable<optional<Vector<float, 2>>>);
-static_assert(!Printable<Unprintable> && !Printable<optional<Unprintable>>);
+static_assert(Printable<optional<double>>);
+static_assert(Printable<optional<Vector<float, 2>>>);
+static_assert(!Printable<Unprintable>);
+static_assert(!Printable<optional<Unprintable>>);
 
 TEST(Stream, WritesEveryKindOfValue) {
   EXPECT_EQ(TextOf(Vector<float, 2>(1, -2.5F)), "(1, -2.5)");
@@ -69,7 +71,7 @@ TEST(Stream, WritesAnOptionalAsItsValue) {
   EXPECT_EQ(TextOf(Range<Range<int>>({1, 2}, {3, 4})), "[[1, 2], [3, 4]]");
 }
 
-TEST(Stream, WritesTheIdentifiersThatTheLibraryDoesNot) {
+TEST(Stream, WritesTheIdentifiersThatTheLibraryDoesNotWrite) {
   EXPECT_EQ(TextOf(CubeElement(17)), "CubeElement with value: 17");
   EXPECT_EQ(TextOf(CubeSpace(6)), "CubeSpace with value: 6");
   EXPECT_EQ(TextOf(CanonicalCubeElement(7)), "CanonicalCubeElement with value: 7");
@@ -80,11 +82,11 @@ TEST(Stream, WritesTheIdentifiersThatTheLibraryDoesNot) {
   EXPECT_EQ(TextOf(CanonicalCube{7}), "CanonicalCubeElementIds::CanonicalCube with value: 7");
 }
 
-TEST(Stream, LeavesTheLibrarysOwnInsertionAlone) {
+TEST(Stream, KeepsTheOperatorsOfTheLibrary) {
   using namespace CubeElementIds;
   std::ostringstream stream;
   stream << std::setw(40) << Edge13;
-  EXPECT_EQ(stream.str(), "       CubeElementIds::Edge with value: 17") << "its width goes to the prefix";
+  EXPECT_EQ(stream.str(), "       CubeElementIds::Edge with value: 17") << "the width applies to the prefix";
 }
 
 TEST(Stream, FollowsNotationPrecisionSignAndCase) {

@@ -1,4 +1,4 @@
-// Memory runs out while a value takes an object from its pool: the operands stay as they were, no slot is
+// An allocation fails while a value takes an object from its pool: the operands do not change, no slot is
 // lost, and the same call succeeds afterwards.
 
 #include <gtest/gtest.h>
@@ -40,8 +40,8 @@ class FullPool {
   std::vector<typename PoolTypes<Object>::ObjectHandle> m_handles;
 };
 
-// Runs the call with 0, 1, ... objects left in the block and no memory for another, until it succeeds.
-// Returns how often it failed, and so how many objects it takes.
+// Runs the call with 0, 1, ... objects left in the block and no memory for another block, until it succeeds.
+// Returns how often it failed, which is the number of objects that it takes.
 template <class Object>
 unsigned long CountFailures(std::function<void()> const& i_call) {
   for (unsigned long left = 0;; ++left) {
@@ -57,9 +57,9 @@ unsigned long CountFailures(std::function<void()> const& i_call) {
   }
 }
 
-// The first allocation is the pool's, the second its block's. Each fails once; the third attempt finds
-// nothing in the way. It comes first in the file: nothing may have made the pool before.
-TEST(AllocationFailure, AnIdentityThatCouldNotBeMadeIsMadeLater) {
+// The first allocation is that of the pool, the second that of its block. Each fails once, and the third
+// attempt succeeds. This test comes first in the file, as the pool must not exist before.
+TEST(AllocationFailure, AnIdentityWhoseFactoryThrewIsMadeLater) {
   for (int allocations = 0; allocations < 2; ++allocations) {
     FailingAllocation const no_memory(allocations);
     EXPECT_THROW(Matrix<double>{}, std::bad_alloc);
@@ -71,7 +71,7 @@ template <class T>
 class AllocationFailure : public test::PrecisionTest<T> {};
 TYPED_TEST_SUITE(AllocationFailure, test::Precisions);
 
-TYPED_TEST(AllocationFailure, LosesNothingInWhatMakesMatrices) {
+TYPED_TEST(AllocationFailure, LosesNoSlotWhereMatricesAreMade) {
   using M = Matrix<TypeParam>;
   using Object = typename MatrixPoolTypes<TypeParam>::Object;
   M const identity;  // made now, while there is memory
@@ -98,7 +98,7 @@ TYPED_TEST(AllocationFailure, LosesNothingInWhatMakesMatrices) {
   EXPECT_EQ(CountFailures<Object>([] { M{}; }), 0U);
   EXPECT_EQ(CountFailures<Object>([&] { M{a}; }), 0U);
   EXPECT_EQ(CountFailures<Object>([&] { M(M(a)) = b; }), 0U);
-  EXPECT_EQ(CountFailures<Object>([&] { other.GetMutableInternal(); }), 0U) << "nothing shares it";
+  EXPECT_EQ(CountFailures<Object>([&] { other.GetMutableInternal(); }), 0U) << "it is not shared";
   EXPECT_EQ(CountFailures<Object>([&] { other.GetMutableInverseInternal(); }), 0U);
   EXPECT_EQ(CountFailures<Object>([&] { (void)(a * Vector<TypeParam, 3>(1, 2, 3)); }), 0U);
   EXPECT_EQ(CountFailures<Object>([&] { (void)(a * Point<TypeParam, 3>(1, 2, 3)); }), 0U);
@@ -110,7 +110,7 @@ TYPED_TEST(AllocationFailure, LosesNothingInWhatMakesMatrices) {
   EXPECT_EQ(a.GetMatrixInverse().GetReferenceCount(), 1U);
 }
 
-TYPED_TEST(AllocationFailure, LeavesTheLeftFactorOfAProductInPlaceAsItWas) {
+TYPED_TEST(AllocationFailure, DoesNotChangeTheLeftFactorOfAProductInPlace) {
   using M = Matrix<TypeParam>;
   M a = M::Translate(1, 2, 3);
   M const copy = a;
@@ -126,7 +126,7 @@ TYPED_TEST(AllocationFailure, LeavesTheLeftFactorOfAProductInPlaceAsItWas) {
   EXPECT_TRUE(a == copy * b);
 }
 
-TYPED_TEST(AllocationFailure, LeavesASharedMatrixShared) {
+TYPED_TEST(AllocationFailure, KeepsASharedMatrixShared) {
   using M = Matrix<TypeParam>;
   M const original = M::Translate(1, 2, 3);
   M copy = original;
@@ -162,12 +162,12 @@ void ExpectConversionStepByStep() {
   EXPECT_EQ((CountFailures<typename MatrixPoolTypes<T>::Object>([&] { Matrix<T>{source}; })), 2U);
 }
 
-TEST(AllocationFailure, AConversionKeepsTheStepsThatSucceeded) {
+TEST(AllocationFailure, AConversionKeepsItsCompletedSteps) {
   ExpectConversionStepByStep<float, double>();
   ExpectConversionStepByStep<double, float>();
 }
 
-TEST(AllocationFailure, LosesNothingInWhatMakesQuaternions) {
+TEST(AllocationFailure, LosesNoSlotWhereQuaternionsAreMade) {
   Matrix<float> const identity;  // made now, while there is memory
   Quaternionf const q({0, 0, 1}, 1);
   std::array<float, 4> const coefficients = q.GetCoefficients();

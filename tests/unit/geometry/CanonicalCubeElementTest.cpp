@@ -24,9 +24,11 @@ static_assert(std::is_same_v<std::underlying_type_t<CanonicalVertex>, unsigned i
 static_assert(std::is_same_v<std::underlying_type_t<CanonicalEdge>, unsigned int>);
 static_assert(std::is_same_v<std::underlying_type_t<CanonicalFace>, unsigned int>);
 static_assert(std::is_same_v<std::underlying_type_t<CanonicalCube>, unsigned int>);
-static_assert(sizeof(CanonicalCubeElement) == 4 && std::is_trivially_copyable_v<CanonicalCubeElement>);
+static_assert(sizeof(CanonicalCubeElement) == 4);
+static_assert(std::is_trivially_copyable_v<CanonicalCubeElement>);
 
-static_assert(CanonicalEdgeIterable::size() == 3 && CanonicalFaceIterable::size() == 3);
+static_assert(CanonicalEdgeIterable::size() == 3);
+static_assert(CanonicalFaceIterable::size() == 3);
 static_assert(CanonicalEdgeIterable::IndexOf(CanonicalEdge{4}) == 2);
 static_assert(CanonicalFaceIterable::IndexOf(CanonicalFace{6}) == 0);
 

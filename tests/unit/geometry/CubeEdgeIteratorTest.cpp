@@ -22,12 +22,14 @@ using namespace CubeElementIds;
 using CubeSpaceIds::Orientation;
 
 template <class Container>
-constexpr bool is_small_value = std::is_trivially_copyable_v<CubeEdgeIterator<Container>>&&
-                                    std::is_trivially_copyable_v<CubeEdgeIterable<Container>> &&
-                                sizeof(CubeEdgeIterator<Container>) == 8 &&
-                                sizeof(CubeEdgeIterable<Container>) == 4;
-static_assert(is_small_value<Cube>);
-static_assert(is_small_value<Face>);
+struct CheckSize {
+  static_assert(std::is_trivially_copyable_v<CubeEdgeIterator<Container>>);
+  static_assert(std::is_trivially_copyable_v<CubeEdgeIterable<Container>>);
+  static_assert(sizeof(CubeEdgeIterator<Container>) == 8);
+  static_assert(sizeof(CubeEdgeIterable<Container>) == 4);
+};
+template struct CheckSize<Cube>;
+template struct CheckSize<Face>;
 static_assert(CubeEdgeIterable<Face>::size() == 4);
 static_assert(std::is_same_v<decltype(CubeEdgeIterable<Cube>().IndexOf(Edge01)), unsigned long>);
 

@@ -11,7 +11,8 @@ namespace {
 
 using namespace CubeElementIds;
 
-static_assert(sizeof(CubeElement) == 4 && std::is_trivially_copyable_v<CubeElement>);
+static_assert(sizeof(CubeElement) == 4);
+static_assert(std::is_trivially_copyable_v<CubeElement>);
 static_assert(!std::convertible_to<unsigned int, CubeElement>, "no implicit conversion from a number");
 
 TEST(CubeElement, KeepsTheValueOfAnyIdentifier) {

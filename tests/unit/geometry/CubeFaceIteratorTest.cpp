@@ -25,8 +25,10 @@ using CubeSpaceIds::Plane;
 char const* const invalid_space = "[CubeFaceIterator] CubeFaceIterable has invalid space";
 char const* const no_orientation = "[CubeSpace] Cannot return space as orientation.";
 
-static_assert(std::is_trivially_copyable_v<CubeFaceIterator<Cube>> && sizeof(CubeFaceIterator<Cube>) == 8 &&
-              std::is_trivially_copyable_v<CubeFaceIterable<Cube>> && sizeof(CubeFaceIterable<Cube>) == 4);
+static_assert(std::is_trivially_copyable_v<CubeFaceIterator<Cube>>);
+static_assert(sizeof(CubeFaceIterator<Cube>) == 8);
+static_assert(std::is_trivially_copyable_v<CubeFaceIterable<Cube>>);
+static_assert(sizeof(CubeFaceIterable<Cube>) == 4);
 static_assert(std::is_same_v<decltype(CubeFaceIterable<Cube>().IndexOf(FaceX0)), unsigned long>);
 
 constexpr auto all_faces = test::ListForAllAxes<Face, 2>(&test::ListFaces<Face>);

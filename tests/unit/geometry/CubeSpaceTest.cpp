@@ -19,7 +19,8 @@ using namespace CubeSpaceIds;
 char const* const no_orientation = "[CubeSpace] Cannot return space as orientation.";
 char const* const no_plane = "[CubeSpace] Cannot return space as plane.";
 
-static_assert(sizeof(CubeSpace) == 4 && std::is_trivially_copyable_v<CubeSpace>);
+static_assert(sizeof(CubeSpace) == 4);
+static_assert(std::is_trivially_copyable_v<CubeSpace>);
 static_assert(!std::convertible_to<unsigned int, CubeSpace>, "no implicit conversion from a number");
 static_assert(CubeSpace(1).GetAsOrientation() == AxisX);
 static_assert(CubeSpace(2).GetAsOrientation() == AxisY);

@@ -19,18 +19,22 @@ namespace {
 using namespace CubeElementIds;
 
 template <class Container>
-constexpr bool is_small_value = std::is_trivially_copyable_v<CubeVertexIterator<Container>>&&
-                                    std::is_trivially_copyable_v<CubeVertexIterable<Container>> &&
-                                sizeof(CubeVertexIterator<Container>) <= 8;
-static_assert(is_small_value<Cube>);
-static_assert(is_small_value<Face>);
-static_assert(is_small_value<Edge>);
+struct CheckSize {
+  static_assert(std::is_trivially_copyable_v<CubeVertexIterator<Container>>);
+  static_assert(std::is_trivially_copyable_v<CubeVertexIterable<Container>>);
+  static_assert(sizeof(CubeVertexIterator<Container>) <= 8);
+};
+template struct CheckSize<Cube>;
+template struct CheckSize<Face>;
+template struct CheckSize<Edge>;
 static_assert(sizeof(CubeVertexIterator<Cube>) == 4, "the index alone");
 static_assert(std::is_empty_v<CubeVertexIterable<Cube>>);
 
 // Sizes, and the index in the cube, need no object.
-static_assert(CubeVertexIterable<Cube>::size() == 8 && CubeVertexIterable<Face>::size() == 4 &&
-              CubeVertexIterable<Edge>::size() == 2 && CubeVertexIterable<Cube>::IndexOf(Vertex6) == 6);
+static_assert(CubeVertexIterable<Cube>::size() == 8);
+static_assert(CubeVertexIterable<Face>::size() == 4);
+static_assert(CubeVertexIterable<Edge>::size() == 2);
+static_assert(CubeVertexIterable<Cube>::IndexOf(Vertex6) == 6);
 static_assert(std::is_same_v<decltype(CubeVertexIterable<Cube>::IndexOf(Vertex0)), unsigned long>);
 
 template <Face face>

@@ -27,7 +27,7 @@ static_assert(
 static_assert(
     std::is_same_v<MatrixPoolTypes<float>::ObjectPool::ObjectHandle, MatrixPoolTypes<float>::ObjectHandle>);
 
-// ctest runs each case in a process of its own, so nothing has used the library before.
+// ctest runs each test in a process of its own, so nothing has used the library before.
 TEST(GlobalObjectPool, TheFirstDefaultMatrixMakesThePoolItsBlockAndTheIdentity) {
   using Types = MatrixPoolTypes<float>;
   BlockCensus const census(sizeof(Types::ObjectPool::Block));
@@ -39,7 +39,7 @@ TEST(GlobalObjectPool, TheFirstDefaultMatrixMakesThePoolItsBlockAndTheIdentity) 
   EXPECT_EQ(Matrix<float>::Scale(2).GetMatrix().Get(), block->GetObject(1));
 }
 
-TEST(GlobalObjectPool, APoolThatIsNotUsedIsNotMade) {
+TEST(GlobalObjectPool, MakesNoPoolThatIsNotUsed) {
   BlockCensus const census(sizeof(QuaternionPoolTypes::ObjectPool::Block));
   Matrix<float> const matrix = Matrix<float>::Scale(2) * Matrix<float>();
   EXPECT_EQ(BlockCensus::GetMade(), 0U);
@@ -47,9 +47,10 @@ TEST(GlobalObjectPool, APoolThatIsNotUsedIsNotMade) {
   EXPECT_EQ(BlockCensus::GetMade(), 1U);
 }
 
-// All threads pass the barrier before the pool or the identity exists. One of them makes both, in the
-// factory of the identity, while the others wait for it; all get the same object, and only one block is made.
-TEST(GlobalObjectPool, ThreadsThatAskAtOnceGetTheSameIdentity) {
+// All threads pass the barrier before the pool or the identity exists. One thread makes both, in the factory
+// of the identity, while the others wait for its lock. So all get the same object, and only one block is
+// made.
+TEST(GlobalObjectPool, ThreadsGetTheSameIdentity) {
   constexpr std::size_t threads = 8;
   BlockCensus const census(sizeof(MatrixPoolTypes<double>::ObjectPool::Block));
   std::barrier start(threads);
@@ -66,14 +67,14 @@ TEST(GlobalObjectPool, ThreadsThatAskAtOnceGetTheSameIdentity) {
   }
   for (auto const* const object : objects) EXPECT_EQ(object, objects[0]);
   EXPECT_EQ(BlockCensus::GetMade(), 1U);
-  EXPECT_EQ(Matrix<double>::mgh_identity.GetValue().GetReferenceCount(), 1U) << "all values are gone";
+  EXPECT_EQ(Matrix<double>::mgh_identity.GetValue().GetReferenceCount(), 1U) << "all values are destroyed";
 }
 
-TEST(GlobalObjectPool, HandsOutTheSamePoolEveryTime) {
+TEST(GlobalObjectPool, ReturnsTheSamePoolEveryTime) {
   EXPECT_EQ(QuaternionPoolTypes::Global::m_pool.GetValue(), QuaternionPoolTypes::Global::m_pool.GetValue());
 }
 
-TEST(GlobalObjectPool, IdentitiesOfTheTwoPrecisionsAreApart) {
+TEST(GlobalObjectPool, EachPrecisionHasAnIdentityOfItsOwn) {
   EXPECT_NE(static_cast<void const*>(Matrix<float>().GetAsPtr()),
             static_cast<void const*>(Matrix<double>().GetAsPtr()));
   EXPECT_EQ(Matrix<float>::mgh_identity.GetValue()->matrix(), Eigen::Matrix4f::Identity());
@@ -96,8 +97,9 @@ TEST(GlobalObjectPool, PlacesMatricesOnTheirOwnCacheLines) {
   ExpectPlacement<QuaternionPoolTypes::Object>(16);
 }
 
-// Threads share values only by copying them: each copies the same matrix, multiplies, inverts and drops, and
-// finds the same bits. The counts are back where they began.
+// Threads may share values by copying them. Each thread copies the same matrix, multiplies, inverts and
+// destroys copies, and gets the same bits. No thread writes a shared object, and all changes of counts are
+// atomic, so the counts are 1 again at the end.
 TEST(GlobalObjectPool, ValuesMayBeSharedBetweenThreads) {
   Matrix<double> const shared = Matrix<double>::Translate(1, 2, 3) * Matrix<double>::Rotate({0, 0, 1}, 1);
   Matrix<double> const expected = shared * shared.GetInverse() * shared;

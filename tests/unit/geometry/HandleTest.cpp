@@ -18,7 +18,7 @@
 namespace lum {
 namespace {
 
-// What a test's deleter does, and the object that it was called with last.
+// What the deleter of a test does, and its last argument.
 struct Pool {
   std::function<void()> on_return = [] {};
   int* last_returned = nullptr;
@@ -104,7 +104,7 @@ TEST_F(HandleOnObjects, CountsItsCopies) {
   EXPECT_EQ(m_pool.last_returned, &m_first);
 }
 
-TEST_F(HandleOnObjects, SwapsWhatTwoAreBoundTo) {
+TEST_F(HandleOnObjects, Swaps) {
   TestHandle bound = Bind(m_first, m_first_count);
   TestHandle empty;
   bound.Swap(empty);
@@ -116,7 +116,7 @@ TEST_F(HandleOnObjects, SwapsWhatTwoAreBoundTo) {
   EXPECT_EQ(bound.Get(), &m_first);
   EXPECT_EQ(m_pool.returns, 0);
   bound = TestHandle();
-  EXPECT_EQ(m_pool.last_returned, &m_first) << "the deleter came along";
+  EXPECT_EQ(m_pool.last_returned, &m_first) << "the deleter is swapped too";
 }
 
 TEST_F(HandleOnObjects, AnEmptyHandleOwnsNothing) {
@@ -130,16 +130,16 @@ TEST_F(HandleOnObjects, AnEmptyHandleOwnsNothing) {
   EXPECT_EQ(m_pool.returns, 0);
 }
 
-TEST_F(HandleOnObjects, MovingLeavesTheSourceEmptyAndTheCountAlone) {
+TEST_F(HandleOnObjects, AMovedFromHandleIsEmptyAndTheCountUnchanged) {
   TestHandle source = Bind(m_first, m_first_count);
   TestHandle target = std::move(source);
-  EXPECT_FALSE(source);  // NOLINT(bugprone-use-after-move): the state after it is what is tested
+  EXPECT_FALSE(source);  // NOLINT(bugprone-use-after-move): the test is about it
   EXPECT_EQ(target.GetReferenceCount(), 1U);
   source = Bind(m_second, m_second_count);
   EXPECT_EQ(*source, 2);
 }
 
-TEST_F(HandleOnObjects, SelfAssignmentLeavesTheCountAlone) {
+TEST_F(HandleOnObjects, SelfAssignmentDoesNotChangeTheCount) {
   TestHandle handle = Bind(m_first, m_first_count);
   TestHandle& alias = handle;
   handle = alias;
@@ -150,8 +150,8 @@ TEST_F(HandleOnObjects, SelfAssignmentLeavesTheCountAlone) {
   EXPECT_EQ(m_pool.returns, 0);
 }
 
-// It is the object that is compared, not the count.
-TEST_F(HandleOnObjects, AssigningAHandleOntoTheSameObjectByAnotherCountKeepsTheOwn) {
+// Assignment compares the objects, not their counts.
+TEST_F(HandleOnObjects, AssignmentOfTheSameObjectWithAnotherCountKeepsTheCount) {
   m_second_count = 1;
   TestHandle handle = Bind(m_first, m_first_count);
   TestHandle other = Bind(m_first, m_second_count);
@@ -164,13 +164,13 @@ TEST_F(HandleOnObjects, AssigningAHandleOntoTheSameObjectByAnotherCountKeepsTheO
   EXPECT_EQ(m_pool.returns, 0);
 }
 
-TEST_F(HandleOnObjects, AssigningAnotherHandleOntoTheSameObjectLeavesTheCountAlone) {
+TEST_F(HandleOnObjects, AssignmentOfTheSameObjectDoesNotChangeTheCount) {
   TestHandle first = Bind(m_first, m_first_count);
   TestHandle second = first;
   first = second;
   EXPECT_EQ(m_first_count, 2U);
   first = std::move(second);
-  EXPECT_EQ(m_first_count, 1U) << "the object loses the source's reference";
+  EXPECT_EQ(m_first_count, 1U) << "the reference of the source is dropped";
   EXPECT_FALSE(second);  // NOLINT(bugprone-use-after-move)
   EXPECT_EQ(first.Get(), &m_first);
 }
@@ -186,7 +186,7 @@ TEST_F(HandleOnObjects, AssignmentReleasesTheOldObject) {
   EXPECT_EQ(m_second_count, 1U);
 }
 
-TEST_F(HandleOnObjects, AssigningOverAMovedFromHandleReturnsNothing) {
+TEST_F(HandleOnObjects, AssignmentToAMovedFromHandleReturnsNothing) {
   TestHandle target = Bind(m_first, m_first_count);
   TestHandle const holder = std::move(target);
   target = Bind(m_second, m_second_count);
@@ -194,8 +194,8 @@ TEST_F(HandleOnObjects, AssigningOverAMovedFromHandleReturnsNothing) {
   EXPECT_EQ(m_first_count, 1U);
 }
 
-// Were the fields still bound while the old object goes, an exception would leave them on a slot that is
-// already returned.
+// If the target were still bound while its old object returns, an exception would leave it bound to a
+// returned slot.
 TEST_F(HandleOnObjects, AReleaseThatThrowsLeavesTheTargetEmptyAndTheSourceAsItWas) {
   TestHandle const source = Bind(m_second, m_second_count);
   TestHandle target = Bind(m_first, m_first_count);
@@ -216,8 +216,8 @@ TEST_F(HandleOnObjects, AReleaseThatThrowsWhileMovingLosesNoReference) {
   EXPECT_TRUE(test::Throws<std::runtime_error>([&] { target = std::move(source); }, "cannot return"));
   m_pool.on_return = [] {};
   EXPECT_FALSE(target);
-  EXPECT_FALSE(source);  // NOLINT(bugprone-use-after-move): the state after it is what is tested
-  EXPECT_EQ(m_second_count, 1U) << "the reference that was on its way is dropped";
+  EXPECT_FALSE(source);  // NOLINT(bugprone-use-after-move): the test is about it
+  EXPECT_EQ(m_second_count, 1U) << "the moved reference is dropped";
   EXPECT_EQ(m_pool.returns, 1);
 }
 
@@ -234,10 +234,10 @@ TEST_F(HandleOnObjects, TheTargetIsEmptyWhileItsOldObjectReturns) {
   m_pool.on_return = [] {};
 }
 
-// Two threads at a time hold a copy of their own and drop it; the last copy of all goes on one of them. The
-// count is changed by atomic steps only, so exactly one drop sees the 1, and by then no other copy is left:
-// the object returns once in each round.
-TEST_F(HandleOnObjects, ReturnsTheObjectOnceHoweverItsHoldersEnd) {
+// Two threads hold a copy each and drop it, and one of them drops the last. The count changes by atomic
+// operations only, so exactly one drop reads 1, when no other copy is left: the object returns once in each
+// round.
+TEST_F(HandleOnObjects, ReturnsTheObjectOnceFromConcurrentDrops) {
   constexpr int rounds = 2000;
   std::barrier meeting(2);
   std::array<TestHandle, 2> copies;
@@ -245,10 +245,10 @@ TEST_F(HandleOnObjects, ReturnsTheObjectOnceHoweverItsHoldersEnd) {
     copies[0] = Bind(m_first, m_first_count);
     copies[1] = copies[0];
     {
-      std::vector<std::jthread> holders;
-      holders.reserve(copies.size());
+      std::vector<std::jthread> threads;
+      threads.reserve(copies.size());
       for (TestHandle& copy : copies) {
-        holders.emplace_back([&copy, &meeting] {
+        threads.emplace_back([&copy, &meeting] {
           meeting.arrive_and_wait();
           TestHandle const another = copy;
           copy = TestHandle();
@@ -274,7 +274,7 @@ struct RecordingCount {
   std::memory_order order = std::memory_order_relaxed;
 };
 
-// A count of 1 lets the caller write the object: what its former holders read has to come before.
+// A caller that reads a count of 1 may write the object, so the reads of former owners must happen before.
 TEST_F(HandleOnObjects, ReadsTheCountWithAcquire) {
   RecordingCount count;
   Handle<int, RecordingCount, Deleter> const handle(&m_first, &count, Deleter{&m_pool});

@@ -26,7 +26,7 @@ TEST(LinearInterpolation, ExtrapolatesVectorsAndPoints) {
   EXPECT_EQ(LinearInterpolation(P(0, 1, 2), P(1, 3, 5), -1), P(-1, -1, -1));
 }
 
-TEST(LinearInterpolation, WeighsEachEnd) {
+TEST(LinearInterpolation, SumsTheWeightedEnds) {
   std::mt19937 random(22);
   std::uniform_real_distribution<double> number(-2, 2);
   int differences_of_order = 0;

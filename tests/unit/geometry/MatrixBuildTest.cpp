@@ -86,7 +86,7 @@ TYPED_TEST(MatrixBuild, TurnsCounterclockwise) {
   EXPECT_NEAR(image[1], 1, rounding);
 }
 
-// The table of a rotation, one product and one sum at a time.
+// The documented matrix of a rotation, with its operations in their order.
 template <class T>
 Values<T> MakeRotation(T x, T y, T z, T s, T c) {
   T const t = 1 - c;
@@ -106,7 +106,7 @@ Values<T> MakeRotation(T x, T y, T z, T s, T c) {
           ys + zxt, zyt - xs, zzt + c,  0, 0,        0,       0,        1};
 }
 
-TYPED_TEST(MatrixBuild, RotatesByTheTableAndBackByTheNegatedAngle) {
+TYPED_TEST(MatrixBuild, RotatesByTheFormulaAndBackByTheNegatedAngle) {
   std::mt19937 random(8);
   std::uniform_real_distribution<TypeParam> number(-2, 2);
   for (int i = 0; i < 500; ++i) {
@@ -128,7 +128,7 @@ TYPED_TEST(MatrixBuild, ALongerAxisScales) {
   auto const image = turn * Vector<TypeParam, 3>(0, 0, 1);
   EXPECT_GT(image[2], TypeParam(1.5));
   EXPECT_NE(ValuesOf(turn * turn.GetInverse()), (Diagonal<TypeParam>(1, 1, 1)))
-      << "the inverse turns back about the same axis; it is not made to fit";
+      << "the inverse rotates back about the same axis, but does not undo the scale";
 }
 
 TYPED_TEST(MatrixBuild, NormalizesABox) {

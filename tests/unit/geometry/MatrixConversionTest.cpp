@@ -23,7 +23,7 @@ static_assert(std::is_same_v<decltype(std::declval<Matrix<float>&>() = std::decl
 static_assert(std::is_same_v<decltype(std::declval<Matrix<double>&>() = std::declval<Matrix<float> const&>()),
                              Matrix<double> const&>);
 
-TEST(MatrixConversion, OfTheKnownIdentityIsFresh) {
+TEST(MatrixConversion, OfTheKnownIdentityMakesNewObjects) {
   Matrix<float> const converted{Matrix<double>()};
   EXPECT_TRUE(converted == Matrix<float>());
   EXPECT_FALSE(converted.IsKnownIdentity());
@@ -68,7 +68,7 @@ TEST(MatrixConversion, AssignmentReplacesBothObjects) {
   EXPECT_EQ(sharer.GetMatrix().GetReferenceCount(), 1U);
 }
 
-TEST(MatrixConversion, AssignmentTakesFreshObjectsEvenForAnOnlyHolder) {
+TEST(MatrixConversion, AssignmentMakesNewObjectsForAnUnsharedMatrix) {
   Matrix<double> target = Matrix<double>::Scale(5);
   auto const* const transform = target.GetMatrix().Get();
   auto const* const inverse = target.GetMatrixInverse().Get();
@@ -78,7 +78,7 @@ TEST(MatrixConversion, AssignmentTakesFreshObjectsEvenForAnOnlyHolder) {
   EXPECT_EQ(target(0, 0), 4);
 }
 
-TEST(MatrixConversion, KeepsZerosAndWhatIsNotFinite) {
+TEST(MatrixConversion, KeepsSignedZerosInfinitiesAndNaNs) {
   constexpr double infinity = std::numeric_limits<double>::infinity();
   test::Values<double> values = test::Diagonal<double>(1, 1, 1);
   values[1] = -0.0;
@@ -92,7 +92,7 @@ TEST(MatrixConversion, KeepsZerosAndWhatIsNotFinite) {
   EXPECT_TRUE(std::isnan(converted(2, 1)));
 }
 
-TEST(MatrixConversion, OfAMovedFromHandleRevivesTheTarget) {
+TEST(MatrixConversion, AssignmentToAMovedFromMatrixMakesItValid) {
   Matrix<float> target = Matrix<float>::Scale(2);
   Matrix<float> const taken = std::move(target);
   target = Matrix<double>::Scale(3);

@@ -1,4 +1,4 @@
-// What is derived from a Matrix: inverse, transpose, determinant, normal transform.
+// The inverse, transpose, determinant and normal transform of a Matrix.
 
 #include <gtest/gtest.h>
 
@@ -42,7 +42,7 @@ TYPED_TEST(MatrixInverse, SwapsTheHandles) {
   EXPECT_EQ(matrix.GetMatrix().GetReferenceCount(), 3U);
 }
 
-TYPED_TEST(MatrixInverse, OfATemporaryTakesTheHandles) {
+TYPED_TEST(MatrixInverse, OfATemporaryMovesTheHandles) {
   auto matrix = Matrix<TypeParam>::Translate(1, 2, 3);
   auto const* const transform = matrix.GetMatrix().Get();
   auto const* const inverse = matrix.GetMatrixInverse().Get();
@@ -53,11 +53,11 @@ TYPED_TEST(MatrixInverse, OfATemporaryTakesTheHandles) {
   EXPECT_EQ(taken.GetMatrixInverse().GetReferenceCount(), 1U);
 }
 
-TYPED_TEST(MatrixInverse, ThatIsAbsentLeavesATemporaryAsItWas) {
+TYPED_TEST(MatrixInverse, ThatIsAbsentDoesNotChangeATemporary) {
   auto matrix = Matrix<TypeParam>::Scale(0);
   EXPECT_TRUE(test::Throws<std::domain_error>([&] { (void)std::move(matrix).GetInverse(); },
                                               "attempt to get inverse of non-invertible matrix"));
-  EXPECT_EQ(matrix, Matrix<TypeParam>::Scale(0));  // NOLINT(bugprone-use-after-move): nothing was taken
+  EXPECT_EQ(matrix, Matrix<TypeParam>::Scale(0));  // NOLINT(bugprone-use-after-move): nothing was moved
 }
 
 TYPED_TEST(MatrixInverse, OfTheKnownIdentityIsKnown) {
@@ -72,7 +72,7 @@ TYPED_TEST(MatrixInverse, ThatIsAbsentThrows) {
                                               "attempt to get inverse of non-invertible matrix"));
 }
 
-TYPED_TEST(MatrixInverse, EveryMatrixIsTakenToBeAffine) {
+TYPED_TEST(MatrixInverse, EveryMatrixIsAssumedToBeAffine) {
   EXPECT_TRUE(Matrix<TypeParam>(counting<TypeParam>.data()).IsAffine());
   EXPECT_TRUE(Matrix<TypeParam>().IsAffine());
 }
@@ -130,7 +130,7 @@ TYPED_TEST(MatrixInverse, TheDeterminantOfSimpleMatrices) {
   EXPECT_EQ(Matrix<TypeParam>(exchange.data()).GetDeterminant(), -1) << "row 3 counts";
 }
 
-// The six products of complementary minors, one operation at a time, and their sum in its grouping.
+// The six products of complementary minors, and their sum in the documented grouping.
 template <class T>
 T GetDeterminant(Values<T> const& m) {
   auto const minor = [&m](std::size_t a, std::size_t b, std::size_t c, std::size_t d) {
@@ -159,7 +159,7 @@ TYPED_TEST(MatrixInverse, TheDeterminantKeepsItsOrder) {
   }
 }
 
-TYPED_TEST(MatrixInverse, TheDeterminantDoesNotDecideAboutTheInverse) {
+TYPED_TEST(MatrixInverse, TheDeterminantDoesNotDefineWhetherThereIsAnInverse) {
   Values<TypeParam> const singular = Diagonal<TypeParam>(0, 1, 1);
   EXPECT_TRUE(Matrix<TypeParam>(singular.data()).HasInverse());
   Matrix<TypeParam> const regular(Matrix<TypeParam>::Scale(2).GetMatrix(), {});
@@ -167,7 +167,7 @@ TYPED_TEST(MatrixInverse, TheDeterminantDoesNotDecideAboutTheInverse) {
   EXPECT_FALSE(regular.HasInverse());
 }
 
-TYPED_TEST(MatrixInverse, OfAMatrixThatWasGivenOneIsReturnedUnchecked) {
+TYPED_TEST(MatrixInverse, GivenToAMatrixIsNotChecked) {
   auto const a = Matrix<TypeParam>::Scale(2);
   auto const b = Matrix<TypeParam>::Translate(1, 2, 3);
   Matrix<TypeParam> const both(a.GetMatrix(), b.GetMatrix());

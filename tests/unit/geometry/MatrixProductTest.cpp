@@ -5,6 +5,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <cstdio>
 #include <cstdlib>
 #include <limits>
 #include <random>
@@ -30,7 +31,7 @@ template <class T>
 class MatrixProductDeathTest : public test::PrecisionTest<T> {};
 TYPED_TEST_SUITE(MatrixProductDeathTest, test::Precisions);
 
-// Column j is B(0,j) A0 + B(1,j) A1 + B(2,j) A2 + B(3,j) A3, one operation at a time.
+// Column j is B(0,j) A0 + B(1,j) A1 + B(2,j) A2 + B(3,j) A3, summed in this order.
 template <class T>
 Values<T> Multiply(Values<T> const& a, Values<T> const& b) {
   Values<T> product;
@@ -135,7 +136,7 @@ TYPED_TEST(MatrixProduct, AppliesInOrderToVectorsAndPoints) {
   }
 }
 
-TYPED_TEST(MatrixProduct, TheKnownIdentityReturnsWhatItIsAppliedTo) {
+TYPED_TEST(MatrixProduct, TheKnownIdentityReturnsItsOperand) {
   Matrix<TypeParam> const identity;
   TypeParam const negative_zero = -TypeParam(0);
   auto const vector = identity * Vector<TypeParam, 3>(negative_zero, this->infinity, 1);
@@ -146,7 +147,7 @@ TYPED_TEST(MatrixProduct, TheKnownIdentityReturnsWhatItIsAppliedTo) {
   EXPECT_TRUE(std::isnan((identity * plane).GetA()));
 }
 
-// Numbers that a needless product with the identity's zeros would turn into NaNs.
+// A product with the identity's zeros would turn infinities into NaNs.
 TYPED_TEST(MatrixProduct, TheKnownIdentityIsNotMultiplied) {
   Matrix<TypeParam> const identity;
   Point<TypeParam, 3> const point(this->infinity, 1, 2);
@@ -156,7 +157,7 @@ TYPED_TEST(MatrixProduct, TheKnownIdentityIsNotMultiplied) {
   Plane<TypeParam> const plane(1, 2, 3, this->infinity);
   EXPECT_EQ((identity * plane), plane);
   Matrix<TypeParam> const identity_without_inverse(identity.GetMatrix(), {});
-  EXPECT_EQ((identity_without_inverse * plane), plane) << "not even the inverse is looked at";
+  EXPECT_EQ((identity_without_inverse * plane), plane) << "the inverse is not needed";
 }
 
 TYPED_TEST(MatrixProduct, SharesTheMissingInverseOfTheOtherFactor) {
@@ -177,14 +178,14 @@ TYPED_TEST(MatrixProduct, InPlaceReleasesWhatItReplaces) {
   EXPECT_EQ(matrix.GetMatrix().GetReferenceCount(), 1U);
 }
 
-TYPED_TEST(MatrixProduct, KeepsRowThreeOfItsFactors) {
+TYPED_TEST(MatrixProduct, UsesRowThreeOfItsFactors) {
   Values<TypeParam> values = test::Diagonal<TypeParam>(1, 1, 1);
   values[11] = 2;
   Matrix<TypeParam> const projective(values.data());
   EXPECT_EQ((projective * Matrix<TypeParam>::Translate(0, 0, 3))(3, 3), 7);
 }
 
-TYPED_TEST(MatrixProduct, RowThreeNeitherCountsNorDivides) {
+TYPED_TEST(MatrixProduct, IgnoresRowThreeForPoints) {
   Values<TypeParam> values = test::Diagonal<TypeParam>(2, 3, 4);
   values[11] = 1;
   values[15] = 0;
@@ -192,7 +193,7 @@ TYPED_TEST(MatrixProduct, RowThreeNeitherCountsNorDivides) {
   EXPECT_EQ((matrix * Point<TypeParam, 3>(1, 1, 1)), (Point<TypeParam, 3>(2, 3, 4)));
 }
 
-TYPED_TEST(MatrixProduct, ATranslationThatIsNotFiniteShowsInVectors) {
+TYPED_TEST(MatrixProduct, ANonFiniteTranslationGivesNaNForVectors) {
   auto const matrix = Matrix<TypeParam>::Translate(this->infinity, 2, 3);
   auto const image = matrix * Vector<TypeParam, 3>(1, 1, 1);
   EXPECT_TRUE(std::isnan(image[0]));
@@ -204,14 +205,14 @@ TYPED_TEST(MatrixProduct, ATranslationThatIsNotFiniteShowsInVectors) {
   EXPECT_TRUE(std::isnan((others * Vector<TypeParam, 3>(1, 1, 1))[2]));
 }
 
-TYPED_TEST(MatrixProduct, CarriesPlanes) {
+TYPED_TEST(MatrixProduct, TransformsPlanes) {
   auto const moved = Matrix<TypeParam>::Translate(0, 0, 5) * Plane<TypeParam>(0, 0, 1, 0);
   EXPECT_EQ(moved, Plane<TypeParam>(0, 0, 1, 5));
   auto const scaled = Matrix<TypeParam>::Scale(2, 1, 1) * Plane<TypeParam>(1, 0, 0, 1);
   EXPECT_EQ(scaled, Plane<TypeParam>(1, 0, 0, 2));
 }
 
-TYPED_TEST(MatrixProduct, CarriesPlanesInOrder) {
+TYPED_TEST(MatrixProduct, TransformsPlanesInOrder) {
   std::mt19937 random(12);
   std::uniform_real_distribution<TypeParam> number(-1, 1);
   for (int i = 0; i < 1000; ++i) {
@@ -232,7 +233,7 @@ TYPED_TEST(MatrixProduct, CarriesPlanesInOrder) {
   }
 }
 
-TYPED_TEST(MatrixProduct, ThePointsOfAPlaneGoToItsImage) {
+TYPED_TEST(MatrixProduct, TransformsThePointsOfAPlaneIntoItsImage) {
   auto const matrix = Matrix<TypeParam>::Translate(1, -2, 3) *
                       Matrix<TypeParam>::Rotate({0, 1, 0}, TypeParam(0.7)) *
                       Matrix<TypeParam>::Scale(2, 3, TypeParam(0.5));
@@ -240,36 +241,41 @@ TYPED_TEST(MatrixProduct, ThePointsOfAPlaneGoToItsImage) {
   auto const image = matrix * plane;
   for (auto const& point :
        {Point<TypeParam, 3>(1, 1, 1), Point<TypeParam, 3>(6, 0, 0), Point<TypeParam, 3>(0, 0, 2)}) {
-    auto const carried = matrix * point;
-    EXPECT_NEAR(Dot(image.GetNormal(), carried - Origin), image.GetD(),
+    auto const transformed = matrix * point;
+    EXPECT_NEAR(Dot(image.GetNormal(), transformed - Origin), image.GetD(),
                 30 * std::numeric_limits<TypeParam>::epsilon());
   }
 }
 
-TYPED_TEST(MatrixProduct, APlaneNeedsAnInverse) {
+TYPED_TEST(MatrixProduct, NeedsAnInverseForPlanes) {
   auto const matrix = Matrix<TypeParam>::Scale(0, 1, 1);
   EXPECT_TRUE(test::Throws<std::domain_error>([&] { matrix* Plane<TypeParam>(1, 0, 0, 1); },
                                               "attempt to get inverse of non-invertible matrix"));
 }
 
-TYPED_TEST(MatrixProduct, APlaneWhoseImageNormalVanishesThrows) {
+TYPED_TEST(MatrixProduct, ThrowsWhereTheNormalOfAnImageVanishes) {
   TypeParam const huge = std::sqrt(std::numeric_limits<TypeParam>::max()) * 8;
   auto const matrix = Matrix<TypeParam>::Scale(huge);
   EXPECT_TRUE(test::Throws<std::invalid_argument>([&] { matrix* Plane<TypeParam>(1, 0, 0, 1); },
                                                   "i_a, i_b, i_c cannot be all zeroes"));
 }
 
-// NOLINTNEXTLINE(concurrency-mt-unsafe): the process that ends has one thread
-[[noreturn]] void ExitWith(bool i_is_right) { std::exit(i_is_right ? 0 : 1); }
+// Prints a vector or point as the only output of a process.
+template <class Value>
+[[noreturn]] void PrintAndExit(Value const& i_value) {
+  std::fprintf(stderr, "%g %g %g", static_cast<double>(i_value[0]), static_cast<double>(i_value[1]),
+               static_cast<double>(i_value[2]));
+  std::exit(0);  // NOLINT(concurrency-mt-unsafe): the process has one thread
+}
 
-// Each in a process of its own, where nothing has asked for the identity before.
-TYPED_TEST(MatrixProductDeathTest, TheFirstApplicationOfAProcessIsAsAnyOther) {
+// Each product runs in a process of its own, in which nothing has made the identity before.
+TYPED_TEST(MatrixProductDeathTest, TheFirstProductOfAProcessIsRight) {
   using M = Matrix<TypeParam>;
   using V = Vector<TypeParam, 3>;
   using P = Point<TypeParam, 3>;
   testing::FLAGS_gtest_death_test_style = "threadsafe";
-  EXPECT_EXIT(ExitWith(M::Translate(1, 2, 3) * V(4, 5, 6) == V(4, 5, 6)), testing::ExitedWithCode(0), "");
-  EXPECT_EXIT(ExitWith(M::Translate(1, 2, 3) * P(4, 5, 6) == P(5, 7, 9)), testing::ExitedWithCode(0), "");
+  EXPECT_EXIT(PrintAndExit(M::Translate(1, 2, 3) * V(4, 5, 6)), testing::ExitedWithCode(0), "^4 5 6$");
+  EXPECT_EXIT(PrintAndExit(M::Translate(1, 2, 3) * P(4, 5, 6)), testing::ExitedWithCode(0), "^5 7 9$");
 }
 
 }  // namespace

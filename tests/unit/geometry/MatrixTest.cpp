@@ -71,13 +71,13 @@ TYPED_TEST(MatrixOf, CopiesShareBothObjects) {
   EXPECT_EQ(matrix.GetMatrix().GetReferenceCount(), 1U);
 }
 
-TYPED_TEST(MatrixOf, MovingTakesBothHandlesAndLeavesNone) {
+TYPED_TEST(MatrixOf, AMovedFromMatrixHoldsNoHandles) {
   Matrix<TypeParam> source = Matrix<TypeParam>::Translate(1, 2, 3);
   auto* const object = source.GetMatrix().Get();
   Matrix<TypeParam> target = std::move(source);
   EXPECT_EQ(target.GetMatrix().Get(), object);
   EXPECT_EQ(target.GetMatrix().GetReferenceCount(), 1U);
-  EXPECT_FALSE(source.GetMatrix());  // NOLINT(bugprone-use-after-move): the state after it is what is tested
+  EXPECT_FALSE(source.GetMatrix());  // NOLINT(bugprone-use-after-move): the test is about it
   EXPECT_FALSE(source.GetMatrixInverse());
   source = target;
   EXPECT_EQ(target.GetMatrix().GetReferenceCount(), 2U);
@@ -93,20 +93,20 @@ TYPED_TEST(MatrixOf, AssignmentToItselfChangesNoCount) {
   EXPECT_EQ(matrix.GetMatrixInverse().GetReferenceCount(), 1U);
 }
 
-// It is the object that is compared, not the count.
+// Assignment compares the objects, not their counts.
 TYPED_TEST(MatrixOf, AssignmentKeepsHandlesOntoTheSameObjectByAnotherCount) {
   using Types = MatrixPoolTypes<TypeParam>;
   using Block = typename Types::ObjectPool::Block;
+  using Deleter = ObjectPoolDeleter<typename Types::Object, typename Types::ObjectPool, Block>;
   Matrix<TypeParam> const owner = Matrix<TypeParam>::Translate(1, 2, 3);
   Matrix<TypeParam> const other = Matrix<TypeParam>::Scale(2);
   typename Types::ObjectPool pool;
   Block block;
-  std::atomic<unsigned long> count = 1;  // never the last, as the owner has a count of its own
+  std::atomic<unsigned long> count = 1;  // never reaches 0: the owner returns the objects
   {
-    ObjectPoolDeleter<typename Types::Object, typename Types::ObjectPool, Block> const returned{&pool,
-                                                                                                &block};
-    typename Types::ObjectHandle const transform(owner.GetMatrix().Get(), &count, returned);
-    typename Types::ObjectHandle const inverse(owner.GetMatrixInverse().Get(), &count, returned);
+    Deleter const deleter{&pool, &block};
+    typename Types::ObjectHandle const transform(owner.GetMatrix().Get(), &count, deleter);
+    typename Types::ObjectHandle const inverse(owner.GetMatrixInverse().Get(), &count, deleter);
     Matrix<TypeParam> first(owner.GetMatrix(), owner.GetMatrixInverse());
     first = Matrix<TypeParam>(transform, other.GetMatrixInverse());
     EXPECT_EQ(owner.GetMatrix().GetReferenceCount(), 2U);
@@ -122,7 +122,7 @@ TYPED_TEST(MatrixOf, AssignmentKeepsHandlesOntoTheSameObjectByAnotherCount) {
   EXPECT_EQ(count, 1U);
 }
 
-TYPED_TEST(MatrixOf, AssignmentCanTakeTheInverseAway) {
+TYPED_TEST(MatrixOf, AssignmentMayRemoveTheInverse) {
   Matrix<TypeParam> matrix = Matrix<TypeParam>::Translate(1, 2, 3);
   matrix = this->MakeWithoutInverse();
   EXPECT_FALSE(matrix.HasInverse());
@@ -174,11 +174,11 @@ TYPED_TEST(MatrixOf, FromSingularValuesHoldsAnInverseThatIsNotFinite) {
   EXPECT_FALSE(test::AreFinite(InverseValuesOf(matrix)));
 }
 
-// Column 2 is the sum of columns 0 and 1, exactly. Inverse and determinant are summed in other orders, so
-// that rounding makes zeros of some of their sums and not of others.
-TYPED_TEST(MatrixOf, FromSingularValuesMayHoldAFiniteInverseThatMeansNothing) {
+// Column 2 is exactly the sum of columns 0 and 1. The inverse and the determinant are summed in different
+// orders, so rounding may make one zero and the other not.
+TYPED_TEST(MatrixOf, FromSingularValuesMayHoldAFiniteInverse) {
   std::mt19937 random(11);
-  // So many digits that products of three are rounded in double precision too.
+  // Products of three such numbers are rounded in double precision too.
   std::uniform_int_distribution<int> digits(-4194304, 4194303);
   int finite = 0;
   int with_determinant = 0;
@@ -226,8 +226,8 @@ TYPED_TEST(MatrixOf, FromASingularFrameHoldsAnInverseThatIsNotFinite) {
   EXPECT_FALSE(test::AreFinite(InverseValuesOf(frame)));
 }
 
-// One reciprocal of the determinant, times cofactors. So an exact reciprocal gives an exact inverse, and a
-// determinant that underflows gives an inverse that is not finite although pivoting would find one.
+// The inverse is the reciprocal of the determinant times the cofactors. So it is exact where the reciprocal
+// is, and not finite where the determinant underflows, although pivoting would find a finite one.
 TYPED_TEST(MatrixOf, InvertsByCofactorsAndTheReciprocalOfTheDeterminant) {
   Values<TypeParam> const values = {2, 0, 0, 0, 1, 4, 0, 0, 3, 5, 8, 0, 6, 7, 9, 1};
   Matrix<TypeParam> const exact(values.data());
@@ -284,7 +284,7 @@ TYPED_TEST(MatrixOf, ComparisonIgnoresTheInverse) {
   EXPECT_TRUE(with == Matrix<TypeParam>(with.GetMatrix(), {}));
 }
 
-TYPED_TEST(MatrixOf, MakingACopyMutableLeavesTheOriginalAlone) {
+TYPED_TEST(MatrixOf, WritingACopyDoesNotChangeTheOriginal) {
   Matrix<TypeParam> const original = Matrix<TypeParam>::Translate(1, 2, 3);
   Matrix<TypeParam> copy = original;
   (*copy.GetMutableInternal())(0, 3) = 9;
@@ -296,7 +296,7 @@ TYPED_TEST(MatrixOf, MakingACopyMutableLeavesTheOriginalAlone) {
   EXPECT_EQ(copy.GetMatrixInverse().Get(), original.GetMatrixInverse().Get());
 }
 
-TYPED_TEST(MatrixOf, MakingTheInverseMutableLeavesTheTransformAlone) {
+TYPED_TEST(MatrixOf, WritingTheInverseDoesNotChangeTheTransform) {
   Matrix<TypeParam> const original = Matrix<TypeParam>::Translate(1, 2, 3);
   Matrix<TypeParam> copy = original;
   (*copy.GetMutableInverseInternal())(0, 3) = 9;
@@ -305,7 +305,7 @@ TYPED_TEST(MatrixOf, MakingTheInverseMutableLeavesTheTransformAlone) {
   EXPECT_EQ(copy.GetMatrix().Get(), original.GetMatrix().Get());
 }
 
-TYPED_TEST(MatrixOf, AMatrixThatNobodySharesIsMutableAsItIs) {
+TYPED_TEST(MatrixOf, AnUnsharedMatrixIsWrittenInPlace) {
   Matrix<TypeParam> matrix = Matrix<TypeParam>::Translate(1, 2, 3);
   auto* const object = matrix.GetMatrix().Get();
   EXPECT_EQ(matrix.GetMutableInternal(), object);
@@ -313,16 +313,16 @@ TYPED_TEST(MatrixOf, AMatrixThatNobodySharesIsMutableAsItIs) {
   EXPECT_EQ(matrix.GetMutableInverseInternal(), inverse);
 }
 
-TYPED_TEST(MatrixOf, AHandleKeptOutsideCountsAsAHolder) {
+TYPED_TEST(MatrixOf, AHandleOutsideTheMatrixCountsAsAnOwner) {
   Matrix<TypeParam> matrix = Matrix<TypeParam>::Translate(1, 2, 3);
   auto const kept = matrix.GetMatrix();
   auto* const written = matrix.GetMutableInternal();
   EXPECT_NE(written, kept.Get());
   EXPECT_EQ(kept.GetReferenceCount(), 1U);
-  EXPECT_EQ(matrix.GetMutableInternal(), written) << "now it is the only holder";
+  EXPECT_EQ(matrix.GetMutableInternal(), written) << "now it is the only owner";
 }
 
-TYPED_TEST(MatrixOf, WithOneObjectInBothHandlesIsNotItsOnlyHolder) {
+TYPED_TEST(MatrixOf, WithOneObjectInBothHandlesSharesItWithItself) {
   Matrix<TypeParam> const mirror = Matrix<TypeParam>::Scale(-1, 1, 1);
   auto const& object = mirror.GetMatrix();
   Matrix<TypeParam> both(object, object);
@@ -331,7 +331,7 @@ TYPED_TEST(MatrixOf, WithOneObjectInBothHandlesIsNotItsOnlyHolder) {
   EXPECT_EQ(both(0, 0), 5);
 }
 
-TYPED_TEST(MatrixOf, MakingTheIdentityMutableMovesOffIt) {
+TYPED_TEST(MatrixOf, WritingTheKnownIdentityWritesACopy) {
   Matrix<TypeParam> matrix;
   (*matrix.GetMutableInternal())(0, 0) = 5;
   EXPECT_FALSE(matrix.IsKnownIdentity());
@@ -354,8 +354,8 @@ TYPED_TEST(MatrixOf, AssignmentReleasesWhatItReplaces) {
   EXPECT_EQ(transform.GetReferenceCount(), 3U);
 }
 
-// Whether of two objects that have gone back to the current block the first came first: they are handed out
-// in that order.
+// Whether the first of two objects returned to the current block before the second. The block reuses objects
+// in the order of their return.
 template <class T>
 bool WasReturnedFirst(typename MatrixPoolTypes<T>::Object const* ip_first,
                       typename MatrixPoolTypes<T>::Object const* ip_second) {
@@ -365,11 +365,11 @@ bool WasReturnedFirst(typename MatrixPoolTypes<T>::Object const* ip_first,
     if (taken.back().Get() == ip_first) return true;
     if (taken.back().Get() == ip_second) return false;
   }
-  ADD_FAILURE() << "neither has gone back";
+  ADD_FAILURE() << "neither has returned";
   return false;
 }
 
-TYPED_TEST(MatrixOf, ReturnsItsInverseThenItsTransformAtItsEnd) {
+TYPED_TEST(MatrixOf, ReturnsItsInverseThenItsTransformOnDestruction) {
   auto matrix = std::make_unique<Matrix<TypeParam>>(Matrix<TypeParam>::Translate(1, 2, 3));
   auto const* const transform = matrix->GetMatrix().Get();
   auto const* const inverse = matrix->GetMatrixInverse().Get();
@@ -392,7 +392,7 @@ TYPED_TEST(MatrixOf, ReturnsItsTransformThenItsInverseWhenAssigned) {
   }
 }
 
-TYPED_TEST(MatrixOf, MayBeAssignedWhatSharesItsObjects) {
+TYPED_TEST(MatrixOf, MayBeAssignedAMatrixThatSharesItsObjects) {
   Matrix<TypeParam> matrix = Matrix<TypeParam>::Translate(1, 2, 3);
   Matrix<TypeParam> const original = matrix;
   auto const expect_original = [&] {
@@ -413,7 +413,7 @@ TYPED_TEST(MatrixOf, MayBeAssignedWhatSharesItsObjects) {
   matrix = std::move(matrix).GetInverse();
   expect_original();
 
-  // One object in common only.
+  // Only one object is shared.
   matrix = Matrix<TypeParam>(original.GetMatrix(), {});
   EXPECT_FALSE(matrix.HasInverse());
   EXPECT_EQ(original.GetMatrixInverse().GetReferenceCount(), 1U);
@@ -429,7 +429,7 @@ TYPED_TEST(MatrixOf, MayBeAssignedWhatSharesItsObjects) {
 TEST(MatrixDeathTest, AssertionsCatchTheUseOfAMovedFromMatrix) {
   Matrix<float> source = Matrix<float>::Scale(2);
   Matrix<float> target = std::move(source);
-  // NOLINTBEGIN(bugprone-use-after-move): that is what is tested
+  // NOLINTBEGIN(bugprone-use-after-move): the test is about it
   EXPECT_DEATH(source.GetAsPtr(), "Assertion");
   EXPECT_DEATH(source(0, 0), "Assertion");
   EXPECT_DEATH(source.IsKnownIdentity(), "Assertion");
@@ -451,7 +451,7 @@ TEST(MatrixDeathTest, AssertionsCatchTheUseOfAMovedFromMatrix) {
   // NOLINTEND(bugprone-use-after-move)
 }
 
-TEST(MatrixDeathTest, AnAssertionCatchesTheWritingOfAnAbsentInverse) {
+TEST(MatrixDeathTest, AnAssertionCatchesWritingAnAbsentInverse) {
   Matrix<float> matrix = Matrix<float>::Scale(0);
   EXPECT_DEATH(matrix.GetMutableInverseInternal(), "Assertion");
 }

@@ -73,7 +73,8 @@ TEST(ObjectPool, ReturnsTwoObjectsTogether) {
   Object* const first = handles[7].Get();
   Object* const second = handles[3].Get();
   PoolHandle::ReleaseTogether(handles[7], handles[3]);
-  EXPECT_FALSE(handles[7] || handles[3]);
+  EXPECT_FALSE(handles[7]);
+  EXPECT_FALSE(handles[3]);
   EXPECT_EQ(Access::UseCount(*Access::CurrentBlock(pool)).load(), 30U);
   auto const again = pool.CreateTwoObjects();
   EXPECT_EQ(again.first.Get(), first);
@@ -88,7 +89,8 @@ TEST(ObjectPool, KeepsSharedObjectsWhenReleasingTogether) {
     auto handles = pool.CreateTwoObjects();
     PoolHandle const other = handles.*shared;
     PoolHandle::ReleaseTogether(handles.first, handles.second);
-    EXPECT_FALSE(handles.first || handles.second);
+    EXPECT_FALSE(handles.first);
+    EXPECT_FALSE(handles.second);
     EXPECT_EQ(other.GetReferenceCount(), 1U);
     EXPECT_EQ(Access::UseCount(*Access::CurrentBlock(pool)).load(), 1U);
   }
@@ -104,7 +106,8 @@ TEST(ObjectPool, ReleasesTwoHandlesOntoOneObject) {
   EXPECT_EQ(Access::UseCount(*Access::CurrentBlock(pool)).load(), 1U);
   PoolHandle fourth = third;
   PoolHandle::ReleaseTogether(third, fourth);
-  EXPECT_FALSE(third || fourth);
+  EXPECT_FALSE(third);
+  EXPECT_FALSE(fourth);
   EXPECT_EQ(Access::UseCount(*Access::CurrentBlock(pool)).load(), 0U);
 }
 
@@ -118,7 +121,8 @@ TEST(ObjectPool, ReleasesABoundHandleTogetherWithAnEmptyOne) {
   PoolHandle::ReleaseTogether(empty, bound);
   EXPECT_EQ(Access::UseCount(*Access::CurrentBlock(pool)).load(), 0U);
   PoolHandle::ReleaseTogether(empty, bound);
-  EXPECT_FALSE(empty || bound);
+  EXPECT_FALSE(empty);
+  EXPECT_FALSE(bound);
 }
 
 TEST(ObjectPool, ReturnsObjectsOfTwoBlocksEachToItsBlock) {

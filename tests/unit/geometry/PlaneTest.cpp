@@ -87,7 +87,7 @@ TYPED_TEST(PlaneOf, KeepsTheOrderOfItsSum) {
   EXPECT_GT(differences_of_order, 0) << "the inputs do not tell the orders apart";
 }
 
-// The smallest normal values are even powers of two, so their roots are exact.
+// The smallest normal number is an even power of two, so its root is exact.
 TYPED_TEST(PlaneOf, AcceptsASquaredLengthOfExactlyTheSmallestNormalValue) {
   constexpr TypeParam least = std::numeric_limits<TypeParam>::min();
   TypeParam const root = std::sqrt(least);
@@ -102,11 +102,10 @@ TYPED_TEST(PlaneOf, AnInfiniteSquaredLengthGivesZerosAndNaNs) {
   Plane<TypeParam> const plane(huge, 0, 0, 1);
   EXPECT_EQ(plane.GetA(), 0);
   EXPECT_EQ(plane.GetD(), 0);
-  TypeParam const infinity = std::numeric_limits<TypeParam>::infinity();
-  Plane<TypeParam> const infinite(infinity, 1, 0, 1);
+  Plane<TypeParam> const infinite(this->infinity, 1, 0, 1);
   EXPECT_TRUE(std::isnan(infinite.GetA()));
   EXPECT_EQ(infinite.GetB(), 0);
-  EXPECT_TRUE(std::isnan(Plane<TypeParam>(huge, 0, 0, infinity).GetD()));
+  EXPECT_TRUE(std::isnan(Plane<TypeParam>(huge, 0, 0, this->infinity).GetD()));
 }
 
 TYPED_TEST(PlaneOf, RefusesANormalOfZeros) {
@@ -120,12 +119,11 @@ TYPED_TEST(PlaneOf, RefusesANormalWhoseSquaredLengthIsBelowTheSmallestNormalValu
       [root] { Plane<TypeParam>(root * TypeParam(0.99), 0, 0, 1); }, message));
 }
 
-TYPED_TEST(PlaneOf, LetsANaNThrough) {
-  constexpr TypeParam nan = TestFixture::nan;
-  EXPECT_TRUE(std::isnan(Plane<TypeParam>(nan, 0, 0, 1).GetD()));
-  EXPECT_TRUE(std::isnan(Plane<TypeParam>(0, nan, 0, 1).GetA()));
-  EXPECT_TRUE(std::isnan(Plane<TypeParam>(0, 0, nan, 1).GetB()));
-  Plane<TypeParam> const only_d(0, 3, 4, nan);
+TYPED_TEST(PlaneOf, AcceptsNaNs) {
+  EXPECT_TRUE(std::isnan(Plane<TypeParam>(this->nan, 0, 0, 1).GetD()));
+  EXPECT_TRUE(std::isnan(Plane<TypeParam>(0, this->nan, 0, 1).GetA()));
+  EXPECT_TRUE(std::isnan(Plane<TypeParam>(0, 0, this->nan, 1).GetB()));
+  Plane<TypeParam> const only_d(0, 3, 4, this->nan);
   EXPECT_EQ(only_d.GetNormal(), (Vector<TypeParam, 3>(0, TypeParam(3) / 5, TypeParam(4) / 5)));
   EXPECT_TRUE(std::isnan(only_d.GetD()));
 }

@@ -14,8 +14,11 @@ static_assert(sizeof(Point<double, 2>) == 2 * sizeof(double));
 static_assert(std::is_trivially_copyable_v<Point<float, 3>>);
 static_assert(!std::is_convertible_v<V, P>, "a direction is not a position");
 static_assert(sizeof(Origin) == 1);
-static_assert(P() == P(Origin) && P(Origin) == P(0, 0, 0));
-static_assert(P(1, 2, 3).GetX() == 1 && P(1, 2, 3).GetY() == 2 && P(1, 2, 3).GetZ() == 3);
+static_assert(P() == P(Origin));
+static_assert(P(Origin) == P(0, 0, 0));
+static_assert(P(1, 2, 3).GetX() == 1);
+static_assert(P(1, 2, 3).GetY() == 2);
+static_assert(P(1, 2, 3).GetZ() == 3);
 static_assert(P(1, 2, 3) - P(1, 1, 1) == V(0, 1, 2));
 static_assert(P(1, 2, 3) + V(1, 1, 1) == P(2, 3, 4));
 static_assert(P(1, 2, 3) - V(1, 1, 1) == P(0, 1, 2));
@@ -50,7 +53,8 @@ TEST(Point, ComparesEveryCoordinate) {
 }
 
 TEST(Point, ConvertsToTheOtherPrecisionWhenAsked) {
-  static_assert(!std::is_convertible_v<P, Point<float, 3>> && !std::is_convertible_v<Point<float, 3>, P>);
+  static_assert(!std::is_convertible_v<P, Point<float, 3>>);
+  static_assert(!std::is_convertible_v<Point<float, 3>, P>);
   EXPECT_EQ((Point<float, 3>(P(0.1, 2, -3))), (Point<float, 3>(0.1F, 2, -3)));
   EXPECT_EQ((Point<double, 2>(Point<float, 2>(0.1F, 2))), (Point<double, 2>(double{0.1F}, 2)));
 }

@@ -37,7 +37,7 @@ class Random {
     Eigen::Quaterniond const quaternion(Number(-1, 1), Number(-1, 1), Number(-1, 1), Number(-1, 1));
     return quaternion.normalized().toRotationMatrix();
   }
-  // With singular values between 1/2 and 2, as many as the rank says and the others 0 but for rounding.
+  // `i_rank` singular values are between 1/2 and 2, the others 0 up to rounding.
   Matrix3d OfRank(int i_rank) {
     Eigen::Vector3d values(0, 0, 0);
     for (int i = 0; i < i_rank; ++i) values[i] = Number(0.5, 2);
@@ -48,7 +48,7 @@ class Random {
   std::mt19937 m_random;
 };
 
-// By the same decomposition, in 64 bits of mantissa.
+// The same decomposition with a mantissa of 64 bits.
 Matrix3d PseudoInverseInExtendedPrecision(Matrix3d const& i_matrix, double i_tolerance) {
   Eigen::JacobiSVD<Extended> const svd(i_matrix.cast<long double>(),
                                        Eigen::ComputeFullU | Eigen::ComputeFullV);
@@ -81,13 +81,14 @@ TEST(PseudoInverse, OfAMatrixWithAZeroRow) {
   PseudoInverseResult const full_rows = CalculatePseudoInverse(matrix, 1e-9);
   EXPECT_EQ(full_rows.rank, 2);
   Matrix3d const projection = Diagonal(1, 0, 1);
-  EXPECT_LT((matrix * full_rows.pseudoInverse - projection).norm(), 1e-14) << "a right inverse on its rows";
+  EXPECT_LT((matrix * full_rows.pseudoInverse - projection).norm(), 1e-14)
+      << "a right inverse on the rows that are not zero";
 }
 
-TEST(PseudoInverse, TheTwoTestsAnswerDifferently) {
+TEST(PseudoInverse, InversionAndRankUseDifferentThresholds) {
   auto const [inverse, rank] = CalculatePseudoInverse(Diagonal(100, 0.5, 0.001), 0.01);
-  EXPECT_EQ(inverse, Diagonal(1 / 100.0, 2, 0)) << "100 and 0.5 reach 0.01";
-  EXPECT_EQ(rank, 1) << "0.5 and 0.001 do not reach 100 times 0.01";
+  EXPECT_EQ(inverse, Diagonal(1 / 100.0, 2, 0)) << "100 and 0.5 are at least 0.01";
+  EXPECT_EQ(rank, 1) << "0.5 and 0.001 are less than 100 times 0.01";
 }
 
 TEST(PseudoInverse, AValueOfExactlyTheToleranceIsInvertedAndCounts) {
@@ -104,7 +105,7 @@ TEST(PseudoInverse, OfZeroIsZero) {
   }
 }
 
-TEST(PseudoInverse, WithoutAToleranceZeroIsInvertedToo) {
+TEST(PseudoInverse, WithoutAPositiveToleranceZeroIsInvertedToo) {
   for (double const tolerance : {0.0, -1.0}) {
     auto const [inverse, rank] = CalculatePseudoInverse(Diagonal(2, 1, 0), tolerance);
     EXPECT_FALSE(inverse.allFinite());
@@ -113,7 +114,7 @@ TEST(PseudoInverse, WithoutAToleranceZeroIsInvertedToo) {
   }
 }
 
-// A newer Eigen raises the rank's threshold to the smallest normal number.
+// The threshold of the rank has no lower bound; newer versions of Eigen use the smallest normal number.
 TEST(PseudoInverse, SmallMatricesKeepTheirRank) {
   double const least = std::numeric_limits<double>::min();
   EXPECT_EQ(CalculatePseudoInverse(Diagonal(least / 2, least / 4, least / 8), 1e-9).rank, 3);
@@ -128,7 +129,7 @@ TEST(PseudoInverse, ANaNToleranceInvertsNothingAndCountsWhatIsNotZero) {
   EXPECT_EQ(rank, 2);
 }
 
-TEST(PseudoInverse, WhatIsNotFiniteGivesNaNsAndRankZero) {
+TEST(PseudoInverse, AMatrixThatIsNotFiniteGivesNaNsAndRankZero) {
   for (double const value : {std::nan(""), infinity, -infinity}) {
     for (int place = 0; place < 9; ++place) {
       Matrix3d matrix = Matrix3d::Identity();
@@ -143,7 +144,8 @@ TEST(PseudoInverse, WhatIsNotFiniteGivesNaNsAndRankZero) {
 TEST(PseudoInverse, HugeAndTinyMatricesAreInverted) {
   for (double const scale : {1e300, 1e-300}) {
     auto const [inverse, rank] = CalculatePseudoInverse(Diagonal(2 * scale, scale, -scale), scale / 10);
-    EXPECT_EQ(rank, scale > 1 ? 0 : 3) << "relative to the largest value, a tolerance of 1e299 is nothing";
+    EXPECT_EQ(rank, scale > 1 ? 0 : 3)
+        << "the tolerance is relative to the largest singular value for the rank";
     EXPECT_LT((inverse * scale - Diagonal(0.5, 1, -1)).norm(), 1e-14);
   }
 }
@@ -179,8 +181,8 @@ TEST(PseudoInverse, AgreesWithExtendedPrecision) {
   }
 }
 
-// Badly conditioned: the error grows with the square of the largest inverted value, as perturbation theory
-// says.
+// The matrices are badly conditioned. By perturbation theory the error grows with the square of the largest
+// inverted singular value.
 TEST(PseudoInverse, AgreesWithExtendedPrecisionWhereSingularValuesSpread) {
   constexpr unsigned seed = 815;
   SCOPED_TRACE(testing::Message() << "seed " << seed);

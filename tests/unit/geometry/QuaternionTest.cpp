@@ -78,7 +78,7 @@ TEST(Quaternion, WithTheIdentitysCoefficientsIsNotKnown) {
   EXPECT_FALSE(product.IsKnownIdentity());
 }
 
-TEST(Quaternion, TurnsAboutAnAxis) {
+TEST(Quaternion, RotatesAboutAnAxis) {
   Quaternionf const turn(V(0, 0, 1), pi / 2);
   ExpectNear(turn.Transform(V(1, 0, 0)), V(0, 1, 0));
   ExpectNear(turn.InverseTransform(V(0, 1, 0)), V(1, 0, 0));
@@ -141,7 +141,7 @@ TEST(Quaternion, RotatesArraysToTheBitsOfTheSingleRotation) {
   }
 }
 
-TEST(Quaternion, RotatesArraysThatNoCacheHolds) {
+TEST(Quaternion, RotatesArraysWithNonTemporalStores) {
   constexpr std::size_t count = internal::kStreamedBytes / sizeof(V) + 1;
   Quaternionf const rotation(V(1, 2, 3), 5);
   std::vector<V> const vectors(count, V(3, -1, 2));
@@ -177,8 +177,8 @@ TEST(Quaternion, FromAMatrixDropsScaleAndTranslation) {
   }
 }
 
-// A rotation times a symmetric stretch: the polar decomposition finds the rotation again, although the
-// stretched columns are neither of one length nor perpendicular to each other.
+// The matrix is a rotation times a symmetric stretch. The polar decomposition finds the rotation, although
+// the columns are neither of equal length nor perpendicular.
 TEST(Quaternion, FromAMatrixDropsStretchAlongAnyAxes) {
   Coefficients const expected = Quaternionf(GetNormalized(V(3, -1, 2)), 1.1F).GetCoefficients();
   auto const rotation = Matrix<float>::Rotate(GetNormalized(V(3, -1, 2)), 1.1F);
@@ -188,7 +188,7 @@ TEST(Quaternion, FromAMatrixDropsStretchAlongAnyAxes) {
   for (std::size_t i = 0; i < 4; ++i) EXPECT_NEAR(actual[i], expected[i], 4 * rounding);
 }
 
-// Rounding takes the determinant of the rotation to either side of 1.
+// Rounding makes the determinant of a rotation less or greater than 1.
 TEST(Quaternion, FromAMatrixFindsAnyRotation) {
   constexpr unsigned seed = 20261122;
   std::mt19937 random(seed);
@@ -209,7 +209,7 @@ TEST(Quaternion, FromAMirroringMatrixIsStillARotation) {
                         Matrix<float>::Scale(2 * mirror[0], 3 * mirror[1], mirror[2]);
     Coefficients const actual = Quaternionf(matrix).GetCoefficients();
     EXPECT_NEAR(DotInPairs(actual, actual), 1, 2 * rounding);
-    // The smallest scale is that along z: what is left of the mirror turns z back.
+    // The smallest scale is that along z, so z is mirrored once more to make a rotation.
     auto const expected = Matrix<float>::Rotate(V(0, 0, 1), 0.5F) *
                           Matrix<float>::Scale(mirror[0], mirror[1], mirror[0] * mirror[1]);
     Matrix<float> const rotation = Quaternionf(matrix).GetAsMatrix();
@@ -220,7 +220,7 @@ TEST(Quaternion, FromAMirroringMatrixIsStillARotation) {
   }
 }
 
-TEST(Quaternion, FromAnAxisLetsWhatIsNotFiniteThrough) {
+TEST(Quaternion, FromANonFiniteAxisOrAngleIsNotFinite) {
   constexpr float nan = std::numeric_limits<float>::quiet_NaN();
   for (float const angle : {nan, std::numeric_limits<float>::infinity()}) {
     for (float const coefficient : Quaternionf(V(0, 0, 1), angle).GetCoefficients()) {
@@ -233,7 +233,8 @@ TEST(Quaternion, FromAnAxisLetsWhatIsNotFiniteThrough) {
   EXPECT_EQ(Quaternionf(V(), 1).GetCoefficients(), (Coefficients{0, 0, 0, std::cos(0.5F)}));
 }
 
-// The trace is positive below 120 degrees; beyond, each of the three axes can be the largest.
+// The trace is positive for angles below 120 degrees. For larger angles each of the three diagonal elements
+// may be the largest.
 TEST(Quaternion, FromAMatrixTakesEveryBranch) {
   for (V const& axis : {V(1, 0, 0), V(0, 1, 0), V(0, 0, 1)}) {
     for (float const angle : {0.5F, 3.0F, pi}) {
@@ -266,11 +267,11 @@ TEST(Quaternion, FromAMatrixThatIsNotFiniteIsNotANumber) {
     test::Values<float> values = test::Diagonal<float>(1, 1, 1);
     values[12] = values[3] = bad;
     EXPECT_EQ(Quaternionf(Matrix<float>(values.data())).GetCoefficients(), (Coefficients{0, 0, 0, 1}))
-        << "translation and row 3 do not count";
+        << "translation and row 3 are ignored";
   }
 }
 
-TEST(Quaternion, CopiesShareAndMovesTakeOver) {
+TEST(Quaternion, CopiesAndMovesKeepTheCoefficients) {
   Quaternionf source(V(0, 0, 1), 1);
   Coefficients const coefficients = source.GetCoefficients();
   Quaternionf const copy = source;
@@ -281,7 +282,7 @@ TEST(Quaternion, CopiesShareAndMovesTakeOver) {
   EXPECT_EQ(copy.GetCoefficients(), coefficients);
 }
 
-TEST(Quaternion, DefaultValuesTakeNoObject) {
+TEST(Quaternion, DefaultValuesShareTheIdentity) {
   Quaternionf const first;
   unsigned long const before = Quaternionf::mgh_identity.GetValue().GetReferenceCount();
   Quaternionf const second;
@@ -333,14 +334,14 @@ TEST(Quaternion, MultipliesInOrder) {
   }
 }
 
-TEST(Quaternion, TheRightFactorTurnsFirst) {
+TEST(Quaternion, TheRightFactorRotatesFirst) {
   Quaternionf const about_z(V(0, 0, 1), pi / 2);
   Quaternionf const about_x(V(1, 0, 0), pi / 2);
   ExpectNear((about_x * about_z).Transform(V(1, 0, 0)), V(0, 0, 1));
   ExpectNear((about_z * about_x).Transform(V(1, 0, 0)), V(0, 1, 0));
 }
 
-TEST(Quaternion, ItsMatrixTurnsLikeIt) {
+TEST(Quaternion, ItsMatrixIsTheSameRotation) {
   Quaternionf const rotation(GetNormalized(V(1, -2, 0.5F)), 1.3F);
   Matrix<float> const matrix = rotation.GetAsMatrix();
   ExpectNear(matrix * V(1, 2, -1), rotation.Transform(V(1, 2, -1)));
@@ -367,22 +368,13 @@ TEST(Quaternion, ItsMatrixFollowsTheFormulaEvenWithoutUnitLength) {
     float const wX = X * w;
     float const wY = Y * w;
     float const wZ = w * Z;
-    test::Values<float> const expected = {1 - (yY + zZ),
-                                          xY + wZ,
-                                          xZ - wY,
-                                          0,
-                                          xY - wZ,
-                                          1 - (zZ + xX),
-                                          yZ + wX,
-                                          0,
-                                          xZ + wY,
-                                          yZ - wX,
-                                          1 - (yY + xX),
-                                          0,
-                                          0,
-                                          0,
-                                          0,
-                                          1};
+    test::Values<float> expected = test::Diagonal<float>(1 - (yY + zZ), 1 - (zZ + xX), 1 - (yY + xX));
+    expected[1] = xY + wZ;
+    expected[2] = xZ - wY;
+    expected[4] = xY - wZ;
+    expected[6] = yZ + wX;
+    expected[8] = xZ + wY;
+    expected[9] = yZ - wX;
     EXPECT_EQ(test::ValuesOf(Make(q).GetAsMatrix()), expected) << "seed 15";
   }
   Matrix<float> const of_zero = Make({0, 0, 0, 0}).GetAsMatrix();
@@ -403,7 +395,7 @@ TEST(Quaternion, TransformsInOrder) {
   }
 }
 
-TEST(Quaternion, TheWayBackIsThroughTheInverseMatrix) {
+TEST(Quaternion, InverseTransformUsesTheInverseMatrix) {
   std::mt19937 random(24);
   for (int i = 0; i < 200; ++i) {
     Quaternionf const q = Make(MakeRandom(random));
@@ -412,19 +404,19 @@ TEST(Quaternion, TheWayBackIsThroughTheInverseMatrix) {
   }
 }
 
-// The cross products turn an infinite component into NaNs: the identity takes no shortcut on the way out.
-TEST(Quaternion, TransformsByTheKnownIdentityLikeByAnyOther) {
+// The known identity is not handled specially here: the cross products turn an infinite component into NaNs.
+TEST(Quaternion, TransformsByTheKnownIdentityAsByAnyOther) {
   V const image = Quaternionf().Transform(V(std::numeric_limits<float>::infinity(), 1, 2));
   EXPECT_TRUE(std::isnan(image[1]));
   EXPECT_EQ(Quaternionf().Transform(V(1, 2, 3)), V(1, 2, 3));
 }
 
-TEST(Quaternion, TheKnownIdentityReturnsTheVectorOnTheWayBack) {
+TEST(Quaternion, InverseTransformByTheKnownIdentityReturnsTheVector) {
   float const infinity = std::numeric_limits<float>::infinity();
   EXPECT_EQ(Quaternionf().InverseTransform(V(infinity, 1, 2)), V(infinity, 1, 2));
 }
 
-TEST(Quaternion, TheWayBackThroughASingularMatrixIsNotFinite) {
+TEST(Quaternion, InverseTransformByASingularMatrixIsNotFinite) {
   V const back = Make({0.5F, 0.5F, 0, 0}).InverseTransform(V(1, 2, 3));
   EXPECT_EQ(Make({0.5F, 0.5F, 0, 0}).GetAsMatrix().GetDeterminant(), 0);
   EXPECT_FALSE(test::AreFinite(back));
@@ -462,7 +454,7 @@ TEST(Quaternion, ComparesRelativelyToTheShorter) {
   EXPECT_FALSE(shorter.IsApproximately(shorter, std::numeric_limits<float>::quiet_NaN()));
 }
 
-// A tolerance at which the two sides are equal in this order of the sums, and are not in another.
+// With these tolerances the two sides are equal for this order of the sums, and differ for another.
 TEST(Quaternion, ComparesWithSumsInPairs) {
   std::mt19937 random(17);
   std::uniform_real_distribution<float> number(0.5F, 1.5F);
@@ -491,7 +483,8 @@ TEST(Quaternion, SlerpReachesItsEnds) {
   EXPECT_EQ(a.Slerp(1, Make(opposite)).GetCoefficients(), b.GetCoefficients()) << "the shorter arc";
 }
 
-// Quaternions at a right angle have no shorter arc: the other one keeps its sign, whatever the zero's.
+// For quaternions at a right angle neither arc is shorter. The second keeps its sign, for a zero of either
+// sign.
 TEST(Quaternion, SlerpAtARightAngleKeepsTheSign) {
   for (float const zero : {0.0F, -0.0F}) {
     Coefficients const end = Make({zero, 0, 0, 1}).Slerp(1, Make({1, 0, 0, zero})).GetCoefficients();
@@ -499,7 +492,7 @@ TEST(Quaternion, SlerpAtARightAngleKeepsTheSign) {
   }
 }
 
-TEST(Quaternion, SlerpOfLongQuaternionsIsTheBlend) {
+TEST(Quaternion, SlerpOfLongQuaternionsIsTheLinearBlend) {
   EXPECT_EQ(Make({0, 0, 0, 2}).Slerp(0.5F, Make({0, 0, 0, 3})).GetCoefficients(),
             (Coefficients{0, 0, 0, 2.5F}));
   EXPECT_EQ(Make({0, 0, 0, 2}).Slerp(0.5F, Make({0, 0, 0, -3})).GetCoefficients(),
@@ -508,9 +501,9 @@ TEST(Quaternion, SlerpOfLongQuaternionsIsTheBlend) {
       << "it extrapolates";
 }
 
-// The blend starts at exactly this cosine. Both formulas are so close there that it takes many steps of t to
-// see which one was used.
-TEST(Quaternion, SlerpBlendsFromTheThresholdOn) {
+// The linear blend starts at exactly this cosine. The formulas nearly agree there: only some values of t tell
+// them apart.
+TEST(Quaternion, SlerpBlendsLinearlyFromTheThresholdOn) {
   constexpr float one = 0.99999988F;
   float const below = std::nextafter(one, 0.0F);
   int differences = 0;
@@ -555,7 +548,7 @@ TEST(Quaternion, SlerpFollowsTheFormula) {
   for (int i = 0; i < 2000; ++i) {
     V const axis(number(random), number(random), number(random));
     Coefficients const a = Quaternionf(GetNormalized(axis), 1).GetCoefficients();
-    // Every fourth pair is too close for an angle, every second on the far side.
+    // Every fourth pair is above the threshold; in every second, one quaternion is negated.
     Coefficients b =
         Quaternionf(GetNormalized(axis), i % 4 == 0 ? 1.0F : 2 * number(random)).GetCoefficients();
     for (float& coefficient : b) coefficient = i % 2 == 0 ? -coefficient : coefficient;
@@ -587,7 +580,7 @@ TEST(Quaternion, SlerpFollowsTheFormula) {
 TEST(QuaternionDeathTest, AssertionsCatchTheUseOfAMovedFromValue) {
   Quaternionf source(V(0, 0, 1), 1);
   Quaternionf const target = std::move(source);
-  // NOLINTBEGIN(bugprone-use-after-move): that is what is tested
+  // NOLINTBEGIN(bugprone-use-after-move): the test is about it
   EXPECT_DEATH(source.GetCoefficients(), "Assertion");
   EXPECT_DEATH(source.IsKnownIdentity(), "Assertion");
   EXPECT_DEATH(source.GetAsMatrix(), "Assertion");

@@ -7,13 +7,14 @@
 namespace lum {
 namespace {
 
-static_assert(Range<double>(1, 2).GetLower() == 1 && Range<double>(1, 2).GetUpper() == 2);
+static_assert(Range<double>(1, 2).GetLower() == 1);
+static_assert(Range<double>(1, 2).GetUpper() == 2);
 static_assert(!Range<double>(1, 2).IsEmpty());
 static_assert(sizeof(Range<double>) == 2 * sizeof(double));
 static_assert(Range<float>(2, 1) != Range<float>(3, 1), "empty ranges with other ends differ");
 static_assert(Range<double>(1, 2) != Range<double>(1, 3));
 
-TEST(Range, WithEqualEndsHoldsOneValue) {
+TEST(Range, WithEqualEndsContainsOneValue) {
   Range<double> const range(3, 3);
   EXPECT_FALSE(range.IsEmpty());
   EXPECT_TRUE(range.Contains(3));
@@ -34,7 +35,7 @@ TEST(Range, ContainsItsEnds) {
   EXPECT_FALSE(range.Contains(std::numeric_limits<float>::quiet_NaN()));
 }
 
-TEST(Range, WithAnEndOfNaNIsNotEmptyAndHoldsNothing) {
+TEST(Range, WithANaNAsAnEndIsNotEmptyAndContainsNothing) {
   constexpr float nan = std::numeric_limits<float>::quiet_NaN();
   for (Range<float> const range : {Range<float>(nan, 1), Range<float>(1, nan)}) {
     EXPECT_FALSE(range.IsEmpty());

@@ -15,8 +15,8 @@ namespace {
 
 using Counter = std::atomic<unsigned long>;
 
-// The first test has to run before any other starts a thread.
-TEST(SingleThread, IsWhatTheCLibrarySaysForStandardTypesOnly) {
+// This test must run first, before any other starts a thread.
+TEST(SingleThread, IsTheVariableOfTheCLibraryForStandardTypesOnly) {
   EXPECT_EQ(IsSingleThreaded<Counter>(), static_cast<bool>(__libc_single_threaded));
   EXPECT_EQ(IsSingleThreaded<std::mutex>(), static_cast<bool>(__libc_single_threaded));
   EXPECT_FALSE(IsSingleThreaded<test::SteppedAtomic<unsigned long>>());
@@ -29,7 +29,7 @@ TEST(SingleThread, IsWhatTheCLibrarySaysForStandardTypesOnly) {
   {
     ThreadLock const lock(mutex);
     if (__libc_single_threaded) {
-      EXPECT_TRUE(mutex.try_lock()) << "one thread needs no lock";
+      EXPECT_TRUE(mutex.try_lock()) << "the lock is elided while there is one thread";
       mutex.unlock();
     }
   }
@@ -41,8 +41,9 @@ TEST(SingleThread, EndsWithTheFirstThread) {
   std::thread([] { EXPECT_FALSE(IsSingleThreaded<Counter>()); }).join();
 }
 
-// Every addition and subtraction of every thread counts, and no two threads see the same value before.
-TEST(SingleThread, ThreadsCountTogether) {
+// With a second thread, the operations are atomic: no addition or subtraction is lost, and no two additions
+// read the same value.
+TEST(SingleThread, CountsOfThreadsAreAtomic) {
   constexpr unsigned long rounds = 20000;
   Counter counter{0};
   std::vector<unsigned char> seen(2 * rounds, 0);
@@ -67,8 +68,9 @@ TEST(SingleThread, ThreadsCountTogether) {
   EXPECT_EQ(counter, 0U);
 }
 
-// The second thread is there before the lock is made, and tries the mutex while it is held and after.
-TEST(SingleThread, TheLockKeepsThreadsOut) {
+// The second thread exists before the lock is made, so the lock is not elided. It fails to lock the mutex
+// while the first thread holds it.
+TEST(SingleThread, TheLockExcludesOtherThreads) {
   std::mutex mutex;
   std::atomic<bool> is_held{false};
   std::atomic<bool> has_tried{false};

@@ -20,7 +20,7 @@ namespace {
 
 constexpr char const* message = "arrays to transform from and to must be of the same size";
 
-// The bits and every NaN among them; signs of NaNs are the processor's choice of operand.
+// Whether the bits are the same, and NaNs in the same places: the processor chooses the sign of a NaN.
 template <class Value>
 bool IsSame(Value const& i_actual, Value const& i_expected) {
   return std::equal(i_actual.begin(), i_actual.end(), i_expected.begin(), [](auto i_one, auto i_other) {
@@ -32,12 +32,12 @@ bool IsSame(Value const& i_actual, Value const& i_expected) {
 template <class T>
 class TransformArrays : public test::PrecisionTest<T> {
  protected:
-  // Of any kind of number: zeros of both signs, huge and tiny ones, infinities.
+  // Random numbers, among them zeros of both signs, infinities, the largest and the least positive number.
   template <class Value>
   std::vector<Value> Make(std::size_t i_count) {
-    constexpr T infinity = std::numeric_limits<T>::infinity();
     constexpr T huge = std::numeric_limits<T>::max();
-    constexpr std::array<T, 6> special = {0, -T(0), infinity, huge, std::numeric_limits<T>::denorm_min(), 1};
+    constexpr std::array<T, 6> special = {
+        0, -T(0), test::PrecisionTest<T>::infinity, huge, std::numeric_limits<T>::denorm_min(), 1};
     std::uniform_real_distribution<T> uniform(-10, 10);
     auto const number = [&] {
       auto const choice = m_random() % 40;
@@ -52,8 +52,8 @@ class TransformArrays : public test::PrecisionTest<T> {
     std::array<T, 16> values{};
     std::uniform_real_distribution<T> uniform(-2, 2);
     for (T& value : values) value = uniform(m_random);
-    T const infinity = std::numeric_limits<T>::infinity();
-    return {Matrix<T>(values.data()), Matrix<T>::Translate(1, -2, infinity), Matrix<T>::Scale(-T(0), 2, 3),
+    return {Matrix<T>(values.data()), Matrix<T>::Translate(1, -2, this->infinity),
+            Matrix<T>::Scale(-T(0), 2, 3),
             Matrix<T>::Rotate(Vector<T, 3>(0, 0, 1), T(0.3)) * Matrix<T>::Translate(1, 2, 3), Matrix<T>()};
   }
 
@@ -86,7 +86,7 @@ TYPED_TEST(TransformArrays, GiveTheBitsOfTheSingleProduct) {
   }
 }
 
-TYPED_TEST(TransformArrays, MayBeOneAndTheSame) {
+TYPED_TEST(TransformArrays, MayBeTransformedInPlace) {
   using P = Point<TypeParam, 3>;
   using V = Vector<TypeParam, 3>;
   for (Matrix<TypeParam> const& matrix : this->MakeMatrices()) {
@@ -114,8 +114,8 @@ TYPED_TEST(TransformArrays, WriteNothingBeyondTheirEnds) {
   }
 }
 
-// Arrays that no cache holds are written past the caches, from the first aligned triple on.
-TYPED_TEST(TransformArrays, GiveTheSameBitsWhereNoCacheHoldsThem) {
+// Arrays larger than the caches are written by non-temporal stores, from the first aligned element on.
+TYPED_TEST(TransformArrays, GiveTheSameBitsWithNonTemporalStores) {
   using P = Point<TypeParam, 3>;
   constexpr std::size_t count = internal::kStreamedBytes / sizeof(P) + 1;
   auto const matrix = this->MakeMatrices().front();

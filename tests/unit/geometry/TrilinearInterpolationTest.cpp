@@ -31,11 +31,11 @@ TEST(TrilinearInterpolation, ExtrapolatesOutside) {
   EXPECT_EQ(TrilinearInterpolation({3, 0, 0, 0, 5, 0, 0, 0}, {0, 0, 3}), 9);
 }
 
-TEST(TrilinearInterpolation, ACornerThatIsNotFiniteShowsEverywhere) {
+TEST(TrilinearInterpolation, ANonFiniteCornerGivesANonFiniteResult) {
   constexpr double infinity = std::numeric_limits<double>::infinity();
   EXPECT_EQ(TrilinearInterpolation({0, 0, 0, infinity, 0, 0, 0, 0}, {0.5, 0.5, 0.5}), infinity);
   EXPECT_TRUE(std::isnan(TrilinearInterpolation({0, 0, 0, infinity, 0, 0, 0, 0}, {0, 0, 0})))
-      << "its weight of zero is multiplied all the same";
+      << "a weight of zero is multiplied too";
 }
 
 TEST(TrilinearInterpolation, AddsTheTermsInTheOrderOfTheirIndices) {

@@ -21,11 +21,15 @@ static_assert(std::is_trivially_copyable_v<Vector<float, 3>>);
 
 using V = Vector<double, 3>;
 static_assert(V() == V(0, 0, 0));
-static_assert(V(1, 2, 3).GetX() == 1 && V(1, 2, 3).GetY() == 2 && V(1, 2, 3).GetZ() == 3);
-static_assert(V(1, 2, 3)[2] == 3 && V::size() == 3);
+static_assert(V(1, 2, 3).GetX() == 1);
+static_assert(V(1, 2, 3).GetY() == 2);
+static_assert(V(1, 2, 3).GetZ() == 3);
+static_assert(V(1, 2, 3)[2] == 3);
+static_assert(V::size() == 3);
 static_assert(V(1, 2, 3) + V(10, 20, 30) == V(11, 22, 33));
 static_assert(V(1, 2, 3) - V(10, 20, 30) == V(-9, -18, -27));
-static_assert(V(1, 2, 3) * 2 == V(2, 4, 6) && 2 * V(1, 2, 3) == V(2, 4, 6));
+static_assert(V(1, 2, 3) * 2 == V(2, 4, 6));
+static_assert(2 * V(1, 2, 3) == V(2, 4, 6));
 static_assert(V(1, 2, 3) / 2 == V(0.5, 1, 1.5));
 static_assert(-V(1, 2, 3) == V(-1, -2, -3));
 static_assert(V(1, 2, 3) != V(1, 2, 4));
@@ -39,7 +43,8 @@ class VectorOf : public test::PrecisionTest<T> {};
 TYPED_TEST_SUITE(VectorOf, test::Precisions);
 
 TEST(Vector, ConvertsToTheOtherPrecisionWhenAsked) {
-  static_assert(!std::is_convertible_v<V, Vector<float, 3>> && !std::is_convertible_v<Vector<float, 3>, V>);
+  static_assert(!std::is_convertible_v<V, Vector<float, 3>>);
+  static_assert(!std::is_convertible_v<Vector<float, 3>, V>);
   EXPECT_EQ((Vector<float, 3>(V(0.1, 2, -3))), (Vector<float, 3>(0.1F, 2, -3)));
   EXPECT_EQ((Vector<double, 2>(Vector<float, 2>(0.1F, 2))), (Vector<double, 2>(double{0.1F}, 2)));
 }
@@ -60,9 +65,8 @@ TYPED_TEST(VectorOf, BindsToItsComponentsInOrder) {
 }
 
 TYPED_TEST(VectorOf, ComparesNumerically) {
-  constexpr TypeParam nan = TestFixture::nan;
   EXPECT_EQ((Vector<TypeParam, 2>(0, 1)), (Vector<TypeParam, 2>(-TypeParam(0), 1)));
-  EXPECT_NE((Vector<TypeParam, 2>(nan, 1)), (Vector<TypeParam, 2>(nan, 1)));
+  EXPECT_NE((Vector<TypeParam, 2>(this->nan, 1)), (Vector<TypeParam, 2>(this->nan, 1)));
 }
 
 TYPED_TEST(VectorOf, SumsProductsFromLeftToRight) {
@@ -99,7 +103,7 @@ TYPED_TEST(VectorOf, CalculatesInPlace) {
   EXPECT_EQ(vector.GetX(), 9);
 }
 
-// One rounding for every step, in the precision of the components.
+// Every operation is rounded once, to the precision of the components.
 TYPED_TEST(VectorOf, NormalizesTwoComponentsInTheirPrecision) {
   std::mt19937 random(20);
   std::uniform_real_distribution<TypeParam> component(-1, 1);
@@ -142,14 +146,13 @@ TYPED_TEST(VectorOf, NormalizingAZeroVectorGivesNaNs) {
   for (TypeParam const component : GetNormalized(Vector<TypeParam, 2>())) EXPECT_TRUE(std::isnan(component));
 }
 
-TYPED_TEST(VectorOf, ANaNSpreadsToEveryComponent) {
-  constexpr TypeParam nan = TestFixture::nan;
+TYPED_TEST(VectorOf, NormalizingANaNGivesNaNsOnly) {
   for (std::size_t bad = 0; bad < 3; ++bad) {
     Vector<TypeParam, 3> vector(1, 2, 3);
-    vector[bad] = nan;
+    vector[bad] = this->nan;
     for (TypeParam const component : GetNormalized(vector)) EXPECT_TRUE(std::isnan(component)) << bad;
   }
-  for (TypeParam const component : GetNormalized(Vector<TypeParam, 2>(1, nan))) {
+  for (TypeParam const component : GetNormalized(Vector<TypeParam, 2>(1, this->nan))) {
     EXPECT_TRUE(std::isnan(component));
   }
 }

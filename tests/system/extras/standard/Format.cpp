@@ -1,4 +1,4 @@
-// The formatters for std::format, where the standard library has it: exits with 0, or says what differs.
+// The formatters for std::format. Exits with 0, or prints what differs.
 
 #include <extras/Format.h>
 
