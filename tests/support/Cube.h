@@ -6,8 +6,11 @@
 #include <array>
 #include <compare>
 #include <cstddef>
+#include <cstdint>
 #include <iterator>
 #include <ranges>
+#include <sstream>
+#include <string>
 #include <vector>
 
 namespace lum::test {
@@ -164,6 +167,17 @@ constexpr Ids<Edge, 4> ListEdgesOfFace(Coordinates const& i_face) {
     }
   }
   return list;
+}
+
+/// Three bits, not all set, rotated cyclically towards the higher ones: 8 is 1 modulo 7.
+constexpr std::uint64_t Turn(std::uint64_t i_bits, std::uint64_t i_count) { return (i_bits << i_count) % 7; }
+
+/// The text that an identifier prints, in angle brackets.
+template <class Id>
+std::string Print(Id i_id) {
+  std::ostringstream stream;
+  stream << '<' << i_id << '>';
+  return stream.str();
 }
 
 /// The values of the identifiers in a range.

@@ -32,9 +32,9 @@ inline bool AreSame(double i_a, double i_b) {
          (std::isnan(i_a) && std::isnan(i_b));
 }
 
-// Of 113 bits, for one operation at a time. It is rounded to double at once, which gives what IEEE arithmetic
-// defines for doubles, independently of how a compiler contracts those: a sum, product or quotient of numbers
-// of 53 bits is not changed by a first rounding to 2 * 53 + 2 bits or more.
+// Arithmetic of 113 bits. A result rounded to double is the correctly rounded result for doubles, however the
+// compiler contracts expressions: with 2 * 53 + 2 bits or more, the first rounding does not change the
+// second.
 __extension__ using Wide = __float128;
 
 inline double Round(Wide i_exact) { return static_cast<double>(i_exact); }
@@ -46,9 +46,9 @@ inline double Divide(double i_a, double i_b) {
   return Round(static_cast<Wide>(i_a) / static_cast<Wide>(i_b));
 }
 
-/// Whether zero lies between two values of the function, or is one of them. Values whose product underflows
-/// count as on two sides: half of the least double rounds to 0. NaNs do not, nor do zero and infinity, whose
-/// product is a NaN.
+/// Whether zero lies between two values of the function, or one of them is zero. This holds too where their
+/// product underflows, as half of the least double rounds to 0. It does not hold for NaNs, and for zero and
+/// infinity, whose product is a NaN.
 inline bool AreAcrossZero(double i_a, double i_b) {
   if (std::isnan(i_a) || std::isnan(i_b)) return false;
   if (i_a == 0) return !std::isinf(i_b);
@@ -67,15 +67,14 @@ inline double MeetZero(Evaluation const& i_lower, Evaluation const& i_upper) {
   return Add(Multiply(weight, i_upper.x), Multiply(Add(1, -weight), i_lower.x));
 }
 
-/// What the record of a search violates, or an empty text. The conditions:
+/// The first condition that the record of a search violates, or an empty text. The conditions:
 ///
-/// - The ends of the interval are evaluated twice each, then one estimate a round.
-/// - The bracket is the last estimate on each side of the zero, or the end of the interval where there is
-/// none.
-///   The upper side is that across zero from the bracket's lower end.
-/// - An estimate is where the line through the ends of the bracket meets zero.
-/// - The first estimate on neither side is the last, and the result is a NaN.
-/// - The first estimate whose value is not above the tolerance is the last, and the result.
+/// 1. The search evaluates both ends of the interval twice, then one estimate in each round.
+/// 2. Each end of the bracket is the last estimate on its side of the zero, or else the end of the interval.
+///    The upper side is across zero from the lower end of the bracket.
+/// 3. An estimate is the point where the line through the ends of the bracket meets zero.
+/// 4. The first estimate that is on neither side is the last, and the result is a NaN.
+/// 5. The first estimate whose value is not above the tolerance is the last, and the result is that estimate.
 inline std::string FindViolation(Record const& i_record, double i_lower, double i_upper, double i_tolerance) {
   std::vector<Evaluation> const& all = i_record.evaluations;
   auto const say = [](std::size_t i_call, char const* i_what) {
@@ -98,7 +97,7 @@ inline std::string FindViolation(Record const& i_record, double i_lower, double 
     if (!is_on_a_side || !(std::abs(estimate.value) > i_tolerance)) {
       if (call + 1 != all.size() || i_record.is_cut_off) return say(call, "should have been the last");
       double const expected = is_on_a_side ? estimate.x : std::numeric_limits<double>::quiet_NaN();
-      return AreSame(i_record.result, expected) ? "" : "the result is not what the last estimate says";
+      return AreSame(i_record.result, expected) ? "" : "the result is not that of the last estimate";
     }
     (is_on_upper_side ? upper : lower) = estimate;
   }

@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <png.h>
 
 #include <algorithm>
 #include <array>
@@ -13,6 +12,7 @@
 
 #include "common/Picture.h"
 #include "tests/unit/examples/ProgramTest.h"
+#include "tests/unit/examples/ReadPng.h"
 
 namespace {
 
@@ -47,16 +47,7 @@ class Scene : public test::ProgramTest {
     return printed;
   }
 
-  common::Picture ReadPicture() const {
-    png_image image{};
-    image.version = PNG_IMAGE_VERSION;
-    EXPECT_NE(png_image_begin_read_from_file(&image, In("scene.png").c_str()), 0);
-    image.format = PNG_FORMAT_RGB;
-    common::Picture picture{image.width, image.height, {}};
-    picture.pixels.resize(PNG_IMAGE_SIZE(image));
-    EXPECT_NE(png_image_finish_read(&image, nullptr, picture.pixels.data(), 0, nullptr), 0);
-    return picture;
-  }
+  common::Picture ReadPicture() const { return test::ReadPng(In("scene.png")); }
 
   static Pixel GetPixel(common::Picture const& i_picture, std::size_t i_column, std::size_t i_row) {
     Pixel pixel{};

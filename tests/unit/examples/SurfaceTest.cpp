@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <png.h>
 
 #include <algorithm>
 #include <array>
@@ -28,11 +27,13 @@
 #include "surface/VolumeField.h"
 #include "tests/support/Throws.h"
 #include "tests/unit/examples/ProgramTest.h"
+#include "tests/unit/examples/ReadPng.h"
 
 namespace surface {
 namespace {
 
 namespace fs = std::filesystem;
+using test::ReadPng;
 
 void IgnoreProgress(double) {}
 
@@ -196,7 +197,8 @@ TEST(Contour, TheDiesEdgesAreFound) {
     if (vertex.rank != 2) continue;
     double const distance = DistanceToEdge(world_to_die * vertex.position);
     (vertex.is_off ? off : on) += 1;
-    // An edge may pass beside a cell whose grid edges its faces cross. The vertex then stays in the cell.
+    // Where an edge of the die passes just outside a cell that the surface crosses, the vertex stays in the
+    // cell.
     ASSERT_LT(distance, (vertex.is_off ? 0.5 : 0.02) * cell);
   }
   double const length = 12 * 2 * Die::half_edge + 21 * 2 * std::numbers::pi * rim_radius;
@@ -367,17 +369,6 @@ TEST(Contour, AnExceptionOfAFieldOnAnyThreadEndsTheWork) {
     EXPECT_TRUE(lum::test::Throws<std::out_of_range>([&] { Contour(HalfAField(), &IgnoreProgress, threads); },
                                                      "there is no upper half"));
   }
-}
-
-common::Picture ReadPng(std::string const& i_path) {
-  png_image image{};
-  image.version = PNG_IMAGE_VERSION;
-  EXPECT_NE(png_image_begin_read_from_file(&image, i_path.c_str()), 0) << i_path;
-  image.format = PNG_FORMAT_RGB;
-  common::Picture picture{image.width, image.height, {}};
-  picture.pixels.resize(PNG_IMAGE_SIZE(image));
-  EXPECT_NE(png_image_finish_read(&image, nullptr, picture.pixels.data(), 0, nullptr), 0) << i_path;
-  return picture;
 }
 
 double GetMeanDifference(common::Picture const& i_a, common::Picture const& i_b) {

@@ -183,7 +183,7 @@ TEST(CubeEdgeIterator, AnIteratorWithoutOrientationListsAllAxes) {
 }
 
 // The documented formulas, in 64 bits, where no bit is shifted out.
-std::uint64_t Turn(std::uint64_t i_bits, std::uint64_t i_count) { return (i_bits << i_count) % 7; }
+using test::Turn;
 std::uint64_t ExpectIndexOnCube(std::uint64_t i_space, std::uint64_t i_x) {
   std::uint64_t const axis = (i_x >> 4) & 3;
   std::uint64_t const along_axis = Turn(i_x & 7, (axis + 1) ^ 3);

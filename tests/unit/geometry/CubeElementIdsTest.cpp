@@ -2,7 +2,6 @@
 
 #include <set>
 #include <sstream>
-#include <string>
 #include <type_traits>
 
 #include "geometry/CubeElementIds.h"
@@ -16,7 +15,7 @@ static_assert(std::is_same_v<std::underlying_type_t<Edge>, unsigned int>);
 static_assert(std::is_same_v<std::underlying_type_t<Face>, unsigned int>);
 static_assert(std::is_same_v<std::underlying_type_t<Cube>, unsigned int>);
 
-// By the coordinates of what each constant names.
+// The value of each constant, from the coordinates of its element.
 constexpr int f = test::free_axis;
 static_assert(static_cast<unsigned int>(Vertex0) == test::Encode({0, 0, 0}));
 static_assert(static_cast<unsigned int>(Vertex1) == test::Encode({1, 0, 0}));
@@ -75,12 +74,7 @@ static_assert(FaceZ0 == Face{24});
 static_assert(FaceZ1 == Face{28});
 static_assert(WholeCube == Cube{56});
 
-template <class Id>
-std::string Print(Id i_id) {
-  std::ostringstream stream;
-  stream << "<" << i_id << ">";
-  return stream.str();
-}
+using test::Print;
 
 TEST(CubeElementIds, All27ValuesDiffer) {
   std::set<unsigned int> values;

@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
-#include <string>
 #include <type_traits>
 
 #include "geometry/CubeSpaceIds.h"
+#include "tests/support/Cube.h"
 
 namespace lum::CubeSpaceIds {
 namespace {
@@ -21,12 +21,7 @@ static_assert(PlaneXZ == Plane{5});
 static_assert(PlaneYZ == Plane{6});
 static_assert(VolumeXYZ == Volume{7});
 
-template <class Id>
-std::string Print(Id i_id) {
-  std::ostringstream stream;
-  stream << "<" << i_id << ">";
-  return stream.str();
-}
+using test::Print;
 
 TEST(CubeSpaceIds, PrintTheirTypeAndValue) {
   EXPECT_EQ(Print(Orientation{4}), "<CubeSpaceIds::Orientation with value: 4>");

@@ -148,7 +148,7 @@ TEST(CubeVertexIterator, ServesTheStandardAlgorithms) {
 }
 
 // The documented formulas, in 64 bits, where no bit is shifted out.
-std::uint64_t Turn(std::uint64_t i_bits, std::uint64_t i_count) { return (i_bits << i_count) % 7; }
+using test::Turn;
 std::uint64_t ExpectIndexOnEdge(std::uint64_t i_edge, std::uint64_t i_x) {
   return ((i_x ^ i_edge) & 7) >> ((i_edge >> 4) & 3);
 }

@@ -31,7 +31,7 @@ using test::BlockCensus;
 using test::Exploration;
 using test::Stepper;
 
-// Nothing else that is allocated has the size of a block of these, by which the census recognises blocks.
+// Chosen so that no other allocation has the size of a block, by which the census recognises blocks.
 using Object = std::array<unsigned long, 11>;
 
 /// A pool with blocks of `Size` slots, and the model of their owners.

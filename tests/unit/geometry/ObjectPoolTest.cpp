@@ -222,7 +222,7 @@ TEST(ObjectPool, ReturnsTheObjectOnlyWithTheLastOfItsHandles) {
 
 // Nothing is returned, so no take can meet a return in flight, and each block is superseded only when full.
 // The number of blocks is therefore the number of objects divided by 32, rounded up, in every interleaving.
-TEST(ObjectPool, MakesNoMoreBlocksThanItsObjectsFillFromManyThreads) {
+TEST(ObjectPool, ManyThreadsMakeOnlyTheBlocksThatTheyFill) {
   constexpr std::size_t threads = 8;
   constexpr std::size_t objects = 500;
   BlockCensus const census(sizeof(Pool::Block));
