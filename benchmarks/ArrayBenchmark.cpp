@@ -123,7 +123,7 @@ void AddRotations() {
         return Eigen::Vector3f(eigen_a * v);
       }));
   Add("quaternion product", "lum", Repeat([a, b] { return a * b; }));
-  Add("quaternion product", "lum, the object alone",
+  Add("quaternion product", "lum, pool object only",
       Repeat([] { return CreateGlobalObject<Quaternionf::Object>(); }));
   Add("quaternion product", "Eigen", Repeat([eigen_a, eigen_b]() mutable {
         benchmark::DoNotOptimize(eigen_a);
@@ -134,7 +134,7 @@ void AddRotations() {
         benchmark::DoNotOptimize(t);
         return a.Slerp(t, b);
       }));
-  Add("Slerp", "lum, the object alone", Repeat([] { return CreateGlobalObject<Quaternionf::Object>(); }));
+  Add("Slerp", "lum, pool object only", Repeat([] { return CreateGlobalObject<Quaternionf::Object>(); }));
   Add("Slerp", "Eigen", Repeat([eigen_a, eigen_b, t = 0.3F]() mutable {
         benchmark::DoNotOptimize(eigen_a);
         benchmark::DoNotOptimize(eigen_b);

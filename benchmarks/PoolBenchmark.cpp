@@ -121,7 +121,7 @@ void Register() {
     Add("one object, two threads", ip_who, Repeat(i_make))->Threads(2)->UseRealTime()->MinTime(kSpreading);
   });
   ForEach([](char const* ip_who, auto const& i_make) {
-    Add("256 made here, released there", ip_who, HandOver(i_make))->UseRealTime()->MinTime(kSpreading);
+    Add("256 created on one thread, released on another", ip_who, HandOver(i_make))->UseRealTime()->MinTime(kSpreading);
   });
   static auto const matrix = Matrix<float>::Translate(1, 2, 3);
   static auto const pair = std::pair(MakeShared(), MakeShared());
