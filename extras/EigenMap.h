@@ -16,14 +16,14 @@
 #include "geometry/Vector.h"
 
 /// \file
-/// Values as Eigen's, without a copy where something outlives the call, and from Eigen's.
+/// Eigen maps of lum's values, without a copy, and conversions from Eigen's types.
 ///
-/// Maps claim no alignment: vectors have none, and what Eigen makes of the alignment of pooled objects
-/// depends on the vector flags of the caller. So the type of a map means the same to every translation unit.
+/// Maps are unaligned: vectors have no alignment, and the alignment that Eigen assumes for pooled objects
+/// depends on the caller's compiler flags. So the type of a map is the same in every translation unit.
 ///
-/// A map takes no objects and counts nothing. `FromEigen` of a transform takes 2 objects, of a quaternion 1,
-/// and passes on what the pool throws (`std::bad_alloc`). All may be called from any thread, on values that
-/// no other thread writes.
+/// A map acquires no object and changes no reference count. `FromEigen` acquires 2 objects for a transform
+/// and 1 for a quaternion, and passes on the pool's exceptions (`std::bad_alloc`). All functions are
+/// thread-safe for values that no other thread writes. A matrix or quaternion must not be moved-from.
 namespace lum {
 
 namespace internal {
@@ -43,7 +43,7 @@ concept HasComponents = requires {
   typename Components<std::remove_const_t<Value>>::Column;
 };
 
-/// As const as the value.
+/// A map of Plain that is const if the value is.
 template <class Plain, class Value>
 using MapLike = Eigen::Map<std::conditional_t<std::is_const_v<Value>, Plain const, Plain>>;
 
@@ -56,7 +56,7 @@ concept IsSmallVector = IsScalar<typename Derived::Scalar> &&
                         (static_cast<int>(Derived::SizeAtCompileTime) == 2 ||
                          static_cast<int>(Derived::SizeAtCompileTime) == 3);
 
-/// The components of an expression, column or row, in a `Vector` or `Point`.
+/// The components of a column or row expression as a `Vector` or `Point`.
 template <template <class, std::size_t> class Value, class Derived>
 auto ToComponents(Eigen::MatrixBase<Derived> const& i_expression) {
   Value<typename Derived::Scalar, static_cast<std::size_t>(Derived::SizeAtCompileTime)> components;
@@ -69,8 +69,8 @@ concept IsTransformExpression = IsScalar<typename Derived::Scalar> &&
                                     static_cast<int>(Derived::RowsAtCompileTime) == 4 &&
                                 static_cast<int>(Derived::ColsAtCompileTime) == 4;
 
-/// Write all 16 values, column by column: whatever their order in the source, and the last row where it has
-/// none.
+/// Writes all 16 values column by column, for any storage order of the source. The last row is (0, 0, 0, 1)
+/// if the source has none.
 template <class Derived>
 requires IsTransformExpression<Derived>
 void CopyValues(Eigen::MatrixBase<Derived> const& i_values, typename Derived::Scalar* op_values) {
@@ -92,8 +92,8 @@ concept IsTransform = requires(Source const& i_source, typename Source::Scalar* 
 
 }  // namespace internal
 
-/// The components of a vector, or the coordinates of a point, as a column of Eigen's: for reading and, unless
-/// the value is const, for writing. Valid as long as the value; temporaries are refused.
+/// Maps the components of a vector or point as an Eigen column. The map is writable unless the value is
+/// const, and valid as long as the value. Temporaries do not compile.
 template <internal::HasComponents Value>
 auto AsEigen(Value& io_value) noexcept {
   using Column = typename internal::Components<std::remove_const_t<Value>>::Column;
@@ -102,7 +102,7 @@ auto AsEigen(Value& io_value) noexcept {
 template <internal::HasComponents Value>
 void AsEigen(Value const&&) = delete;
 
-/// An array of vectors or points as the columns of one matrix of Eigen's. Valid as long as the array.
+/// Maps an array of vectors or points as the columns of one Eigen matrix. Valid as long as the array.
 ///
 ///     AsEigen(std::span(points)).rowwise().mean()
 template <internal::HasComponents Value, std::size_t Extent>
@@ -114,12 +114,12 @@ auto AsEigen(std::span<Value, Extent> i_values) noexcept {
                                            static_cast<std::ptrdiff_t>(i_values.size()));
 }
 
-/// The 16 values of a transform, in place. Read-only, as they may be shared.
+/// Maps the 16 values of a transform. Read-only, because matrices may share them.
 ///
-/// Valid as long as some matrix or handle holds the object that this matrix holds now; afterwards the pool
-/// may hand it out again. Assigning to the matrix, or writing it while others share the object, gives the
-/// matrix another object: the map stays with the old one. Temporaries are refused. The inverse of a matrix
-/// that has one: `matrix.GetMatrixInverse()->matrix()`.
+/// Valid as long as any matrix or handle holds the object that this matrix holds now; afterwards the pool may
+/// reuse it. Assigning to the matrix, or writing to it while others share its object, gives the matrix
+/// another object, and the map still shows the old one. Temporaries do not compile. For the inverse of a
+/// matrix that has one, use `matrix.GetMatrixInverse()->matrix()`.
 template <class T>
 Eigen::Map<Eigen::Matrix<T, 4, 4> const> AsEigen(Matrix<T> const& i_matrix) noexcept {
   return Eigen::Map<Eigen::Matrix<T, 4, 4> const>(i_matrix.GetAsPtr());
@@ -128,7 +128,7 @@ template <class T>
 void AsEigen(Matrix<T> const&&) = delete;
 
 ///@{
-/// From an expression with two or three components, a column or a row.
+/// Converts a column or row expression of two or three components.
 template <class Derived>
 requires internal::IsSmallVector<Derived>
 auto ToVector(Eigen::MatrixBase<Derived> const& i_expression) {
@@ -141,8 +141,8 @@ auto ToPoint(Eigen::MatrixBase<Derived> const& i_expression) {
 }
 ///@}
 
-/// From a 4x4 expression or a three-dimensional `Eigen::Transform` of any mode, with the inverse that
-/// `Matrix(T const*)` computes from the values.
+/// Converts a 4x4 expression or a three-dimensional `Eigen::Transform` of any mode. The inverse is computed
+/// from the values as by `Matrix(T const*)`.
 template <internal::IsTransform Source>
 auto FromEigen(Source const& i_transform) {
   std::array<typename Source::Scalar, 16> values;
@@ -150,7 +150,7 @@ auto FromEigen(Source const& i_transform) {
   return FromColumnMajor(values);
 }
 
-/// The same with an inverse that the caller knows, which is kept as it is and not checked.
+/// The same with an inverse that the caller knows, which is stored unchecked.
 template <internal::IsTransform Source, internal::IsTransform Inverse>
 requires std::same_as<typename Source::Scalar, typename Inverse::Scalar>
 auto FromEigen(Source const& i_transform, Inverse const& i_inverse) {
@@ -161,14 +161,14 @@ auto FromEigen(Source const& i_transform, Inverse const& i_inverse) {
   return Matrix<T>(std::move(transform), std::move(inverse));
 }
 
-/// Coefficient by coefficient: not normalised, and never a known identity.
+/// Copies the coefficients without normalising them. The result is never a known identity.
 template <class Derived>
 requires std::same_as<typename Derived::Scalar, float> Quaternionf
 FromEigen(Eigen::QuaternionBase<Derived> const& i_quaternion) {
   return QuaternionFromWLast(i_quaternion.x(), i_quaternion.y(), i_quaternion.z(), i_quaternion.w());
 }
 
-/// A copy: a quaternion does not give out the place of its coefficients.
+/// Copies the coefficients, because `Quaternionf` does not expose their address.
 inline Eigen::Quaternion<float> ToEigen(Quaternionf const& i_quaternion) {
   auto const [x, y, z, w] = i_quaternion.GetCoefficients();
   return {w, x, y, z};

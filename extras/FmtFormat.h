@@ -8,8 +8,8 @@
 #include "extras/ValueFormatter.h"
 
 /// \file
-/// Formatters of the values and identifiers for the library {fmt}, which only users of this header need.
-/// ValueText.h shows the texts, ValueFormatter.h what format options do.
+/// Formatters of values and identifiers for the library {fmt}, which only users of this header need.
+/// ValueText.h lists the texts; ValueFormatter.h describes the format options.
 /// \cond
 template <lum::internal::HasText Value>
 struct fmt::formatter<Value, char>
@@ -20,7 +20,7 @@ requires std::is_default_constructible_v<fmt::formatter<T, char>>
 struct fmt::formatter<lum::optional<T>, char> : lum::internal::OptionalFormatter<fmt::formatter<T, char>> {
 };
 
-/// Vectors and points are ranges too; as such they would have a second formatter.
+/// Vectors and points are also ranges, for which {fmt} has a formatter of its own.
 template <lum::internal::HasText Value>
 struct fmt::is_range<Value, char> : std::false_type {};
 /// \endcond

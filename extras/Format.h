@@ -6,8 +6,8 @@
 #include "extras/ValueFormatter.h"
 
 /// \file
-/// Formatters of the values and identifiers for `std::format`, where the standard library has it. ValueText.h
-/// shows the texts, ValueFormatter.h what format options do.
+/// Formatters of values and identifiers for `std::format`; empty if the standard library lacks it.
+/// ValueText.h lists the texts; ValueFormatter.h describes the format options.
 
 #ifdef __cpp_lib_format
 #include <format>

@@ -18,19 +18,20 @@
 #include "geometry/Vector.h"
 
 /// \file
-/// `std::hash` for values and identifiers, so that they can be keys of unordered containers. Values that
-/// compare equal have equal hashes: zeros of either sign do, except in a `Matrix`, whose comparison is by
-/// bytes.
+/// `std::hash` for values and identifiers, so that they can be keys of unordered containers. Equal values
+/// have equal hashes: 0 and -0 hash alike, except in a `Matrix`, which compares bytes.
 ///
-/// Hashes are for one run of one program: they differ between standard libraries. The identifiers that are
-/// enumerations have the hash that the standard gives every enumeration, without this header.
+/// Hashes differ between standard libraries, so they must not be stored or sent to another program.
+/// Identifiers that are enumerations do not need this header, because the standard library hashes every
+/// enumeration.
 ///
-/// Nothing is taken from the pools or counted, nothing throws but the hash of what a `Range` or an `optional`
-/// holds. Safe from any thread, on values that no other thread writes.
+/// Hashing acquires no object and changes no reference count. It throws only if the hash of the contents of a
+/// `Range` or `optional` throws. It is thread-safe for values that no other thread writes. A matrix or
+/// quaternion must not be moved-from.
 namespace lum {
 
-/// The equality that goes with `std::hash<Quaternionf>`, since quaternions have no comparison of their own:
-/// numeric, of the coefficients. So q and -q, the same rotation, differ, and a NaN equals nothing.
+/// The equality to use with `std::hash<Quaternionf>`, because quaternions have no `==`. Compares the
+/// coefficients as numbers, so q and -q, the same rotation, differ, and a NaN equals nothing.
 ///
 ///     std::unordered_set<Quaternionf, std::hash<Quaternionf>, EqualCoefficients> rotations;
 struct EqualCoefficients {
@@ -47,7 +48,7 @@ concept Hashable = requires(T const& i_value) {
   { std::hash<T>()(i_value) } -> std::convertible_to<std::size_t>;
 };
 
-/// Depends on the order of the hashes, and spreads a change of one bit over all.
+/// Combines two hashes in order. A change of one input bit affects all output bits.
 constexpr std::size_t CombineHashes(std::size_t i_first, std::size_t i_second) noexcept {
   static_assert(sizeof(std::size_t) == 8, "the multipliers are odd numbers of 64 bits");
   std::size_t hash = i_first * 0x9e3779b97f4a7c15U + i_second;
@@ -56,7 +57,7 @@ constexpr std::size_t CombineHashes(std::size_t i_first, std::size_t i_second) n
   return hash ^ (hash >> 31);
 }
 
-/// `std::hash` of a number knows that zeros of either sign are equal.
+/// Hashes the values in order. `std::hash` of a number is the same for 0 and -0.
 template <class T>
 std::size_t HashInOrder(std::span<T const> i_values) {
   std::size_t hash = i_values.size();
@@ -98,7 +99,7 @@ struct std::hash<lum::Range<T>> {
   }
 };
 
-/// An optional hashes as its value does, since it compares with values.
+/// The hash of the value, because an optional compares equal to its value.
 template <lum::internal::Hashable T>
 struct std::hash<lum::optional<T>> {
   std::size_t operator()(lum::optional<T> const& i_optional) const {
@@ -107,7 +108,7 @@ struct std::hash<lum::optional<T>> {
   }
 };
 
-/// Of the bytes of the transform; the inverse plays no part, as in the comparison.
+/// The hash of the transform's bytes, without the inverse, as in the comparison.
 template <class T>
 struct std::hash<lum::Matrix<T>> {
   std::size_t operator()(lum::Matrix<T> const& i_matrix) const noexcept {

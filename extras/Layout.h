@@ -11,17 +11,19 @@
 #include "geometry/Quaternion.h"
 
 /// \file
-/// Matrices and quaternions to and from numbers in other orders than the library's own, by names that say
-/// which. Values pass unchanged, bit by bit.
+/// Conversions of matrices and quaternions to and from arrays, in the order that the function's name states.
+/// Values keep their bits.
 ///
-/// Matrices are made as `Matrix(T const*)` makes them: inverted by cofactors, in 2 objects. Quaternions take
-/// 1 object. What takes objects passes on what the pool throws (`std::bad_alloc`); the rest throws nothing.
-/// All may be called from any thread, on values that no other thread writes. Where there is only a pointer,
-/// `std::span<float const, 16>(pointer, 16)` says how many values it stands for.
+/// Matrices are created as by `Matrix(T const*)`, with an inverse computed by cofactors, and acquire 2
+/// objects; quaternions acquire 1. Functions that acquire objects pass on the pool's exceptions
+/// (`std::bad_alloc`); the others throw nothing. All are thread-safe for values that no other thread writes.
+/// A matrix or quaternion must not be moved-from.
+///
+/// To convert from a pointer, use `std::span<float const, 16>(pointer, 16)`.
 namespace lum {
 
 ///@{
-/// From the library's own order: value r + 4 c stands at row r, column c.
+/// From the library's own order: value r + 4 c is at row r, column c.
 inline Matrix<float> FromColumnMajor(std::span<float const, 16> i_values) {
   return Matrix<float>(i_values.data());
 }
@@ -40,7 +42,7 @@ std::array<T, 16> ToColumnMajor(Matrix<T> const& i_matrix) {
 
 namespace internal {
 
-/// From column-major to row-major, and back.
+/// Converts between column-major and row-major order.
 template <class T>
 std::array<T, 16> Transpose(std::span<T const, 16> i_values) {
   std::array<T, 16> values;
@@ -51,7 +53,7 @@ std::array<T, 16> Transpose(std::span<T const, 16> i_values) {
 }  // namespace internal
 
 ///@{
-/// From rows: value 4 r + c stands at row r, column c.
+/// From rows: value 4 r + c is at row r, column c.
 inline Matrix<float> FromRowMajor(std::span<float const, 16> i_values) {
   return FromColumnMajor(internal::Transpose(i_values));
 }
@@ -74,8 +76,8 @@ std::array<T, 16> ToRowMajor(Matrix<T> const& i_matrix) {
 }
 
 ///@{
-/// From x, y, z, w, the library's own order; `Quaternionf::GetCoefficients` gives it back. Never a known
-/// identity, and not normalised.
+/// From x, y, z, w, the library's own order, in which `Quaternionf::GetCoefficients` returns them. Does not
+/// normalise them; the result is never a known identity.
 inline Quaternionf QuaternionFromWLast(std::span<float const, 4> i_xyzw) {
   auto handle = CreateGlobalObject<Quaternionf::Object>();
   std::copy(i_xyzw.begin(), i_xyzw.end(), handle->coeffs().data());
@@ -87,7 +89,7 @@ inline Quaternionf QuaternionFromWLast(float i_x, float i_y, float i_z, float i_
 ///@}
 
 ///@{
-/// From w, x, y, z.
+/// From w, x, y, z. Otherwise like `QuaternionFromWLast`.
 inline Quaternionf QuaternionFromWFirst(float i_w, float i_x, float i_y, float i_z) {
   return QuaternionFromWLast(i_x, i_y, i_z, i_w);
 }
@@ -96,12 +98,12 @@ inline Quaternionf QuaternionFromWFirst(std::span<float const, 4> i_wxyz) {
 }
 ///@}
 
-/// x, y, z, w.
+/// The coefficients x, y, z, w.
 inline std::array<float, 4> ToWLast(Quaternionf const& i_quaternion) {
   return i_quaternion.GetCoefficients();
 }
 
-/// w, x, y, z.
+/// The coefficients w, x, y, z.
 inline std::array<float, 4> ToWFirst(Quaternionf const& i_quaternion) {
   auto const [x, y, z, w] = i_quaternion.GetCoefficients();
   return {w, x, y, z};

@@ -9,17 +9,19 @@
 #include "extras/ValueText.h"
 
 /// \file
-/// Stream output of the values and identifiers that have none in the library; ValueText.h shows the texts.
+/// Stream output of values and identifiers that the library itself does not stream, with the texts of
+/// ValueText.h.
 ///
-/// Every number is written by the stream's own insertion, so precision, notation, base, sign, case, fill,
-/// adjustment and locale are the stream's. Its width goes to each number, so that values line up in columns,
-/// and is 0 afterwards, as after any insertion. All else is left as it was. The identifiers that the library
-/// streams by itself give the width to the text before the number.
+/// The stream's own insertion writes every number, so the stream's precision, notation, base, sign, case,
+/// fill, adjustment and locale apply. The stream's width applies to each number, so that values align in
+/// columns, and is 0 afterwards, as after any insertion. The other settings are unchanged. For identifiers
+/// that the library itself streams, the width applies to the text before the number.
 ///
-/// Where the stream's locale writes a comma within numbers, a semicolon separates them: (1,5; 2; 3).
+/// If the stream's locale writes commas within numbers, semicolons separate the numbers: (1,5; 2; 3).
 ///
-/// Nothing is taken from the pools or counted. What the stream throws passes out, behind what it has written.
-/// As safe on threads as the stream is, of values that no other thread writes.
+/// Streaming acquires no object and changes no reference count. An exception of the stream is passed on; the
+/// part already written remains. As thread-safe as the stream, for values that no other thread writes. A
+/// matrix or quaternion must not be moved-from.
 namespace lum {
 
 namespace internal {
@@ -52,7 +54,7 @@ class StreamWriter {
 
 }  // namespace internal
 
-/// The value's text, with its numbers as the stream writes numbers.
+/// Writes the value's text, with the stream's settings for each number.
 template <internal::HasText Value>
 std::ostream& operator<<(std::ostream& io_stream, Value const& i_value) {
   internal::StreamWriter writer(io_stream);
@@ -60,7 +62,7 @@ std::ostream& operator<<(std::ostream& io_stream, Value const& i_value) {
   return io_stream;
 }
 
-/// The value as it streams itself, or "nullopt".
+/// Writes the value by its own `operator<<`, or "nullopt".
 template <class T>
 requires requires(std::ostream& io_stream, T const& i_value) { io_stream << i_value; }
 std::ostream& operator<<(std::ostream& io_stream, optional<T> const& i_optional) {
@@ -69,7 +71,7 @@ std::ostream& operator<<(std::ostream& io_stream, optional<T> const& i_optional)
 }
 
 namespace CanonicalCubeElementIds {
-using lum::operator<<;  // where the enumerations of this namespace look for it
+using lum::operator<<;  // for argument-dependent lookup of this namespace's enumerations
 }
 
 }  // namespace lum

@@ -7,18 +7,18 @@
 #include "extras/ValueText.h"
 
 /// \file
-/// What the formatters of Format.h and FmtFormat.h share. ValueText.h shows the texts.
+/// The common part of the formatters of Format.h and FmtFormat.h. ValueText.h lists the texts.
 ///
-/// The format options are those of a number and are applied to each: `{:8.3f}` of a vector gives every
-/// component 8 characters and 3 digits. The numbers are separated by ", ", and by "; " where L asks for the
-/// form of a locale, which may write a comma within numbers.
+/// The format options are those of a number and apply to each number: `{:8.3f}` writes every component of a
+/// vector with 8 characters and 3 digits. The separator is ", ", or "; " with the option L, whose locale may
+/// write commas within numbers.
 ///
-/// Options that a number of the value's type does not take are refused as they are of such a number: by the
-/// exception of the formatting library, with its text. Nothing is taken from the pools or counted. Safe from
-/// any thread, on values that no other thread writes.
+/// Options that a number of the value's type does not support throw the same exception as for that number,
+/// with the formatting library's message. Formatting acquires no object and changes no reference count. It is
+/// thread-safe for values that no other thread writes. A matrix or quaternion must not be moved-from.
 namespace lum::internal {
 
-/// \tparam NumberFormatter  the formatter of one number, which parses the options and writes
+/// \tparam NumberFormatter  the formatter of one number, which parses the options and writes each number
 template <class NumberFormatter>
 class ValueFormatter {
  public:
@@ -26,7 +26,7 @@ class ValueFormatter {
   constexpr auto parse(ParseContext& io_context) {
     auto const begin = io_context.begin();
     auto const end = m_number.parse(io_context);
-    m_uses_locale = AsksForLocale(std::string_view(begin, end));
+    m_uses_locale = UsesLocale(std::string_view(begin, end));
     return end;
   }
 
@@ -54,8 +54,8 @@ class ValueFormatter {
     std::string_view separator;
   };
 
-  // L stands last, or just before the letter of the type. An L that fills stands before its alignment.
-  static constexpr bool AsksForLocale(std::string_view i_options) {
+  // The option L is last, or just before the type's letter. As a fill character, L precedes the alignment.
+  static constexpr bool UsesLocale(std::string_view i_options) {
     if (i_options.empty()) return false;
     char const last = i_options.back();
     bool const is_type = ('a' <= last && last <= 'z') || ('A' <= last && last <= 'Z');
@@ -67,7 +67,7 @@ class ValueFormatter {
   bool m_uses_locale = false;
 };
 
-/// The formatter of the value, or the text "nullopt", which no option changes.
+/// Formats the value, or writes "nullopt", which no option changes.
 template <class ContainedFormatter>
 class OptionalFormatter {
  public:

@@ -19,20 +19,20 @@
 #include "geometry/Vector.h"
 
 /// \file
-/// What values look like as text, said once for streams and formatters.
+/// The texts of values, common to streams and formatters.
 ///
 ///     Vector, Point        (1, 2, 3)
 ///     Plane                (a, b, c, d)
 ///     Quaternionf          (x, y, z, w)
 ///     Range                [0, 1]
 ///     Matrix               ((1, 0, 0, 5), (0, 1, 0, 6), (0, 0, 1, 7), (0, 0, 0, 1)), row by row
-///     of the cube          CubeElementIds::Edge with value: 17
+///     cube identifiers     CubeElementIds::Edge with value: 17
 ///
-/// A writer turns the pieces into characters: `Text` and `Separate` those around the numbers, `Number` those
-/// of one number.
+/// `TextOf<Value>::Write` passes the pieces of a text to a writer, which has three member functions: `Number`
+/// writes a number, `Separate` writes the separator between numbers, and `Text` writes all other characters.
 namespace lum::internal {
 
-/// The text of a type of values: the type of their numbers, and `Write`.
+/// For each type with a text: the type `Number` of its numbers, and the function `Write`.
 template <class Value>
 struct TextOf;
 
@@ -118,8 +118,8 @@ struct TextOf<Matrix<T>> {
   }
 };
 
-/// What stands before the number of an identifier; empty for types that are none. The identifiers that the
-/// library streams by itself have the text that it gives them.
+/// The text before an identifier's number; empty for other types. It equals the library's own text for the
+/// identifiers that the library itself streams.
 template <class Identifier>
 inline constexpr std::string_view prefix_of{};
 template <>
