@@ -1,4 +1,4 @@
-// Transforms and rotations applied, to one value and to arrays; quaternions combined.
+// Transforms and rotations applied to one value and to arrays, and products and blends of quaternions.
 
 #include <Eigen/Geometry>
 #include <cstddef>
@@ -41,10 +41,10 @@ void AddOne() {
       }));
 }
 
-// Runs a step on lists of so many values, made while it runs, and has the compiler take them for read and
-// written.
+// Runs a step on an input and an output array of i_count values. The compiler must assume that both are read
+// and written in each iteration.
 template <class Value, class Step>
-auto OnLists(std::size_t i_count, Value const& i_value, Step const& i_step) {
+auto OnArrays(std::size_t i_count, Value const& i_value, Step const& i_step) {
   return [i_count, i_value, i_step](benchmark::State& io_state) {
     std::vector<Value> const in(i_count, i_value);
     std::vector<Value> out(in);
@@ -56,7 +56,7 @@ auto OnLists(std::size_t i_count, Value const& i_value, Step const& i_step) {
   };
 }
 
-// The same for the columns of a matrix.
+// The same for matrices with i_count columns.
 template <class T, class Step>
 auto OnColumns(std::size_t i_count, Step const& i_step) {
   return [i_count, i_step](benchmark::State& io_state) {
@@ -82,9 +82,9 @@ void AddArrays(std::size_t i_count) {
   Eigen::Matrix<T, 3, 3> const linear = transform.linear();
 
   Add(points, "lum",
-      OnLists(i_count, Point<T, 3>(1, 2, 3),
-              [matrix = MakeMatrix<T>()](auto const& in, auto& out) { TransformPoints(matrix, in, out); }));
-  Add(points, "Eigen in a loop", OnLists(i_count, value, [transform](auto const& in, auto& out) {
+      OnArrays(i_count, Point<T, 3>(1, 2, 3),
+               [matrix = MakeMatrix<T>()](auto const& in, auto& out) { TransformPoints(matrix, in, out); }));
+  Add(points, "Eigen in a loop", OnArrays(i_count, value, [transform](auto const& in, auto& out) {
         for (std::size_t i = 0; i < in.size(); ++i) out[i] = transform * in[i];
       }));
   Add(points, "Eigen, product and sum",
@@ -97,9 +97,9 @@ void AddArrays(std::size_t i_count) {
       }));
 
   Add(vectors, "lum",
-      OnLists(i_count, Vector<T, 3>(1, 2, 3),
-              [matrix = MakeMatrix<T>()](auto const& in, auto& out) { TransformVectors(matrix, in, out); }));
-  Add(vectors, "Eigen in a loop", OnLists(i_count, value, [linear](auto const& in, auto& out) {
+      OnArrays(i_count, Vector<T, 3>(1, 2, 3),
+               [matrix = MakeMatrix<T>()](auto const& in, auto& out) { TransformVectors(matrix, in, out); }));
+  Add(vectors, "Eigen in a loop", OnArrays(i_count, value, [linear](auto const& in, auto& out) {
         for (std::size_t i = 0; i < in.size(); ++i) out[i] = linear * in[i];
       }));
   Add(vectors, "Eigen, product",
@@ -144,9 +144,9 @@ void AddRotations() {
 
   constexpr std::size_t count = 4096;
   Add("4096 vectors rotated", "lum",
-      OnLists(count, Vector<float, 3>(1, 2, 3), [a](auto const& in, auto& out) { a.Transform(in, out); }));
+      OnArrays(count, Vector<float, 3>(1, 2, 3), [a](auto const& in, auto& out) { a.Transform(in, out); }));
   Add("4096 vectors rotated", "Eigen",
-      OnLists(count, Eigen::Vector3f(1, 2, 3), [eigen_a](auto const& in, auto& out) {
+      OnArrays(count, Eigen::Vector3f(1, 2, 3), [eigen_a](auto const& in, auto& out) {
         for (std::size_t i = 0; i < in.size(); ++i) out[i] = eigen_a * in[i];
       }));
 }

@@ -1,4 +1,4 @@
-// The edges of the cube and their vertices, by lum's bit arithmetic and from a table.
+// The vertices of the cube's edges, by lum's bit arithmetic and from a table.
 
 #include <array>
 #include <cstddef>
@@ -25,7 +25,7 @@ constexpr auto table = [] {
   return ends;
 }();
 
-// How many edges of a cell a surface crosses, whose corners are above or below it.
+// The number of a cell's edges that a surface crosses. A value is 1 for corners above the surface, 0 below.
 unsigned int CountByTable(Values const& i_values) {
   unsigned int crossed = 0;
   for (auto const& [start, end] : table) crossed += i_values[start] != i_values[end] ? 1U : 0U;
@@ -51,7 +51,7 @@ auto Unrolled(Count const& i_count) {
   });
 }
 
-// The compiler does not know how many edges there are.
+// The compiler cannot unroll the loop, because it does not know the number of edges.
 template <class Ends>
 auto InALoop(Ends const& i_ends) {
   return Repeat([i_ends, values = Values{0, 1, 1, 0, 1, 0, 0, 1}, count = std::size_t{12}]() mutable {

@@ -5,10 +5,10 @@
 
 #include "Register.h"
 
-// A process that has started a thread once is the normal case: C libraries make do without atomics before
-// that. With LUM_BENCHMARK_ALONE set, none is started, and only rows without threads are to be run.
+// C libraries omit atomic operations until a process starts its first thread, and most programs have started
+// one. With LUM_BENCHMARK_ALONE set, none is started; then only rows without threads may run.
 int main(int i_count, char** ip_words) {
-  // NOLINTNEXTLINE(concurrency-mt-unsafe): no other thread is there yet
+  // NOLINTNEXTLINE(concurrency-mt-unsafe): there is no other thread yet
   if (std::getenv("LUM_BENCHMARK_ALONE") == nullptr) std::thread([] {}).join();
   lum::bench::Register();
   benchmark::Initialize(&i_count, ip_words);

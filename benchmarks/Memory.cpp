@@ -1,4 +1,5 @@
-// What a million live objects of 64 bytes take, beyond the handles onto them: Memory lum|make_shared
+// Prints the bytes that each of a million live objects of 64 bytes takes besides its handle:
+// Memory lum|make_shared
 
 #include <algorithm>
 #include <cstddef>
@@ -14,7 +15,7 @@ namespace {
 
 using Object = lum::Matrix<float>::Object;
 
-// In bytes, of all pages that the process holds.
+// The resident pages of the process, in bytes.
 long GetResidentSize() {
   std::ifstream statistics("/proc/self/statm");
   long pages = 0;
@@ -22,7 +23,7 @@ long GetResidentSize() {
   return pages * 4096;
 }
 
-// The handles are there before the first object is, so that they do not count.
+// The vector's handles exist before the first measurement, so they are not counted.
 template <class Make>
 double GetBytesEach(Make const& i_make) {
   constexpr std::size_t count = 1000000;
@@ -32,23 +33,21 @@ double GetBytesEach(Make const& i_make) {
   return static_cast<double>(GetResidentSize() - before) / static_cast<double>(count);
 }
 
-Object* Touch(Object* op_object) {
-  op_object->matrix().setZero();
-  return op_object;
-}
+// Writes the object, so that its pages become resident.
+void Touch(Object* op_object) { op_object->matrix().setZero(); }
 
 }  // namespace
 
 int main(int i_count, char** ip_words) {
-  std::string const who = i_count == 2 ? ip_words[1] : "";
+  std::string const contestant = i_count == 2 ? ip_words[1] : "";
   double bytes = 0;
-  if (who == "lum") {
+  if (contestant == "lum") {
     bytes = GetBytesEach([] {
       auto handle = lum::CreateGlobalObject<Object>();
       Touch(handle.Get());
       return handle;
     });
-  } else if (who == "make_shared") {
+  } else if (contestant == "make_shared") {
     bytes = GetBytesEach([] {
       auto pointer = std::make_shared<Object>();
       Touch(pointer.get());

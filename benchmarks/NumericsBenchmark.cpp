@@ -1,4 +1,4 @@
-// Numerical routines beside the bare recipe, written where it is used, and beside other libraries.
+// Numerical routines compared with the bare recipe, written inline, and with other libraries.
 
 #include <Eigen/Dense>
 #include <array>
@@ -49,7 +49,7 @@ double Cubic(double i_x) { return (i_x * i_x - 2) * i_x - 5; }
 
 constexpr double kTolerance = 1e-10;
 
-// The method as lum runs it: each end is evaluated twice.
+// The same steps as lum's regula falsi, which evaluates each end twice.
 template <class Function>
 double FindRoot(Function const& i_function, double a, double b) {
   if (i_function(a) * i_function(b) > 0) return std::numeric_limits<double>::quiet_NaN();

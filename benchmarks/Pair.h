@@ -9,7 +9,8 @@ namespace lum::bench {
 template <class T>
 using EigenTransform = Eigen::Transform<T, 3, Eigen::Projective>;
 
-/// What a caller without lum would share: a transform and its inverse, each by a std::shared_ptr.
+/// R of docs/performance.md: what a caller would share without lum, a transform and its inverse, each in a
+/// std::shared_ptr.
 template <class T>
 struct Pair {
   std::shared_ptr<EigenTransform<T>> transform;

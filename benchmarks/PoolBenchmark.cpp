@@ -1,5 +1,5 @@
-// One object of 64 bytes from each kind of storage, with its handle: alone, between threads, and many at a
-// time.
+// One object of 64 bytes with its handle, from each kind of storage: on one thread, between threads, and
+// among many live objects.
 
 #include <array>
 #include <atomic>
@@ -53,7 +53,7 @@ std::shared_ptr<Object> MakePooled() {
 auto MakeLum() { return CreateGlobalObject<Object>(); }
 auto MakeShared() { return std::make_shared<Object>(); }
 
-// Runs a step for each contestant.
+// Calls a function with the name and the factory of each contestant.
 template <class Function>
 void ForEach(Function const& i_function) {
   i_function("lum", MakeLum);
@@ -64,7 +64,8 @@ void ForEach(Function const& i_function) {
 #endif
 }
 
-// One thread makes 256, the other releases them.
+// One thread creates 256 objects, the other releases them. `turn` passes the mailbox between the threads:
+// each store releases what its thread wrote, and the other thread's load acquires it.
 template <class Make>
 auto HandOver(Make const& i_make) {
   return [i_make](benchmark::State& io_state) {
@@ -90,24 +91,24 @@ auto HandOver(Make const& i_make) {
   };
 }
 
-// Long enough for the two threads to be spread over the processors.
-constexpr double kSpreading = 0.2;
+// Long enough for the scheduler to place the two threads on different processors.
+constexpr double kSecondsOnTwoThreads = 0.2;
 
-// Replaces one of so many live objects after the other.
+// Replaces one live object in each iteration. The argument of the benchmark is their number.
 template <class Make>
-auto WithSoManyLive(Make const& i_make) {
+auto ReplaceOneOfMany(Make const& i_make) {
   return [i_make](benchmark::State& io_state) {
     auto const live = static_cast<std::size_t>(io_state.range(0));
     std::vector<decltype(i_make())> values;
     values.reserve(live);
     while (values.size() < live) values.push_back(i_make());
-    // A stride that visits every one, without the help of the prefetcher.
+    // A prime stride visits every object and defeats the prefetcher.
     std::size_t next = 0;
     auto const replace_next = [&] {
       values[next] = i_make();
       next = (next + 7919) % values.size();
     };
-    // Each once: what the first ones cost is not what it costs to go on.
+    // Replaces each object once before the measurement, because the first replacements are not typical.
     for (std::size_t i = 0; i < live; ++i) replace_next();
     for ([[maybe_unused]] auto const iteration : io_state) replace_next();
   };
@@ -118,26 +119,31 @@ auto WithSoManyLive(Make const& i_make) {
 void Register() {
   ForEach([](char const* ip_who, auto const& i_make) { Add("one object", ip_who, Repeat(i_make)); });
   ForEach([](char const* ip_who, auto const& i_make) {
-    Add("one object, two threads", ip_who, Repeat(i_make))->Threads(2)->UseRealTime()->MinTime(kSpreading);
+    Add("one object, two threads", ip_who, Repeat(i_make))
+        ->Threads(2)
+        ->UseRealTime()
+        ->MinTime(kSecondsOnTwoThreads);
   });
   ForEach([](char const* ip_who, auto const& i_make) {
-    Add("256 created on one thread, released on another", ip_who, HandOver(i_make))->UseRealTime()->MinTime(kSpreading);
+    Add("256 created on one thread, released on another", ip_who, HandOver(i_make))
+        ->UseRealTime()
+        ->MinTime(kSecondsOnTwoThreads);
   });
   static auto const matrix = Matrix<float>::Translate(1, 2, 3);
   static auto const pair = std::pair(MakeShared(), MakeShared());
   Add("copies of one transform on two threads", "lum", Repeat([] { return matrix; }))
       ->Threads(2)
       ->UseRealTime()
-      ->MinTime(kSpreading);
+      ->MinTime(kSecondsOnTwoThreads);
   Add("copies of one transform on two threads", "make_shared", Repeat([] { return pair; }))
       ->Threads(2)
       ->UseRealTime()
-      ->MinTime(kSpreading);
+      ->MinTime(kSecondsOnTwoThreads);
   for (std::int64_t const live : {10, 1000, 100000, 10000000}) {
     constexpr std::int64_t iterations = 1000000;
     std::string const row = "one of " + std::to_string(live) + " live objects replaced";
-    Add(row, "lum", WithSoManyLive(MakeLum))->Arg(live)->Iterations(iterations);
-    Add(row, "make_shared", WithSoManyLive(MakeShared))->Arg(live)->Iterations(iterations);
+    Add(row, "lum", ReplaceOneOfMany(MakeLum))->Arg(live)->Iterations(iterations);
+    Add(row, "make_shared", ReplaceOneOfMany(MakeShared))->Arg(live)->Iterations(iterations);
   }
 }
 

@@ -2,7 +2,7 @@
 
 namespace lum::bench {
 
-/// Registers the rows of a program; each program defines its own.
+/// Registers the benchmarks of a program. Each program defines this function.
 void Register();
 
 }  // namespace lum::bench

@@ -6,14 +6,14 @@
 
 namespace lum::bench {
 
-/// Registers what one contestant does in one row of the table. The name is "row | contestant", which is what
-/// the report takes apart.
+/// Registers one contestant of one row of the table. The name is "row | contestant", which the report splits.
 template <class Body>
-benchmark::internal::Benchmark* Add(std::string const& i_row, std::string const& i_who, Body const& i_body) {
-  return benchmark::RegisterBenchmark((i_row + " | " + i_who).c_str(), i_body);
+benchmark::internal::Benchmark* Add(std::string const& i_row, std::string const& i_contestant,
+                                    Body const& i_body) {
+  return benchmark::RegisterBenchmark((i_row + " | " + i_contestant).c_str(), i_body);
 }
 
-/// Repeats a step, and keeps the compiler from leaving out what it makes.
+/// Repeats a step. The compiler must assume that its result is used.
 template <class Step>
 auto Repeat(Step i_step) {
   return [i_step](benchmark::State& io_state) {

@@ -1,4 +1,4 @@
-// Transforms with their inverses, made and destroyed, kept, copied and inverted.
+// Transforms with their inverses: created and destroyed, kept, copied and inverted.
 
 #include <Eigen/Geometry>
 #include <algorithm>
@@ -38,22 +38,22 @@ std::array<T, 16> MakeValues() {
   return values;
 }
 
-// A number that the compiler has to read each time.
+// A value that the compiler must not treat as a constant.
 template <class T>
-T Read(T i_value) {
+T Opaque(T i_value) {
   benchmark::DoNotOptimize(i_value);
   return i_value;
 }
 
 template <class T>
-void AddMaking() {
+void AddCreation() {
   std::string const of = ", " + GetName<T>();
-  Add("Translate" + of, "lum", Repeat([] { return Matrix<T>::Translate(Read<T>(1), 2, 3); }));
-  Add("Translate" + of, "R", Repeat([] { return Pair<T>::Translate(Read<T>(1), 2, 3); }));
-  Add("Scale" + of, "lum", Repeat([] { return Matrix<T>::Scale(Read<T>(2), 3, 4); }));
-  Add("Scale" + of, "R", Repeat([] { return Pair<T>::Scale(Read<T>(2), 3, 4); }));
-  Add("Rotate" + of, "lum", Repeat([] { return Matrix<T>::Rotate({0, 0, 1}, Read(T(0.3))); }));
-  Add("Rotate" + of, "R", Repeat([] { return Pair<T>::Rotate({0, 0, 1}, Read(T(0.3))); }));
+  Add("Translate" + of, "lum", Repeat([] { return Matrix<T>::Translate(Opaque<T>(1), 2, 3); }));
+  Add("Translate" + of, "R", Repeat([] { return Pair<T>::Translate(Opaque<T>(1), 2, 3); }));
+  Add("Scale" + of, "lum", Repeat([] { return Matrix<T>::Scale(Opaque<T>(2), 3, 4); }));
+  Add("Scale" + of, "R", Repeat([] { return Pair<T>::Scale(Opaque<T>(2), 3, 4); }));
+  Add("Rotate" + of, "lum", Repeat([] { return Matrix<T>::Rotate({0, 0, 1}, Opaque(T(0.3))); }));
+  Add("Rotate" + of, "R", Repeat([] { return Pair<T>::Rotate({0, 0, 1}, Opaque(T(0.3))); }));
 
   auto const values = MakeValues<T>();
   Add("from values" + of, "lum", Repeat([values]() mutable {
@@ -64,7 +64,12 @@ void AddMaking() {
         benchmark::DoNotOptimize(values);
         return Pair<T>::FromValues(values.data());
       }));
+}
 
+template <class T>
+void AddProducts() {
+  std::string const of = ", " + GetName<T>();
+  auto const values = MakeValues<T>();
   Matrix<T> const a(values.data());
   Matrix<T> const b = Matrix<T>::Rotate({0, 1, 0}, 1);
   auto const pair_a = Pair<T>::FromValues(values.data());
@@ -138,16 +143,16 @@ void AddSharing() {
       }));
   Add("times the identity" + of, "lum", Repeat([matrix, identity] { return matrix * identity; }));
   Add("times the identity" + of, "R", copy_pair);
-  // What is made each time is the same as in the row of Translate, which is to be taken off.
+  // The report subtracts the row Translate, which creates the same transform.
   Add("Translate, inverted as a temporary" + of, "lum",
-      Repeat([] { return Matrix<T>::Translate(Read<T>(1), 2, 3).GetInverse(); }));
+      Repeat([] { return Matrix<T>::Translate(Opaque<T>(1), 2, 3).GetInverse(); }));
 }
 
 constexpr std::size_t kMany = 1000;
 
-// Makes a thousand and releases them in an order.
+// Creates kMany values and releases them in the given order.
 template <class Make>
-auto MakeAndRelease(std::vector<std::size_t> i_order, Make const& i_make) {
+auto CreateAndRelease(std::vector<std::size_t> i_order, Make const& i_make) {
   return [order = std::move(i_order), i_make](benchmark::State& io_state) {
     using Value = decltype(i_make(1));
     std::vector<Value> values;
@@ -178,11 +183,11 @@ void AddMany() {
   std::vector<std::size_t> order(kMany);
   std::iota(order.begin(), order.end(), std::size_t{0});
   std::string const of = ", " + GetName<T>();
-  Add("1,000 released first in first out" + of, "lum", MakeAndRelease(order, make));
-  Add("1,000 released first in first out" + of, "R", MakeAndRelease(order, make_pair));
+  Add("1,000 released first in first out" + of, "lum", CreateAndRelease(order, make));
+  Add("1,000 released first in first out" + of, "R", CreateAndRelease(order, make_pair));
   std::shuffle(order.begin(), order.end(), std::mt19937(20261121));
-  Add("1,000 released at random" + of, "lum", MakeAndRelease(order, make));
-  Add("1,000 released at random" + of, "R", MakeAndRelease(order, make_pair));
+  Add("1,000 released at random" + of, "lum", CreateAndRelease(order, make));
+  Add("1,000 released at random" + of, "R", CreateAndRelease(order, make_pair));
   Add("1,000 replaced in turn" + of, "lum", ReplaceInTurn(make));
   Add("1,000 replaced in turn" + of, "R", ReplaceInTurn(make_pair));
 }
@@ -190,8 +195,10 @@ void AddMany() {
 }  // namespace
 
 void Register() {
-  AddMaking<float>();
-  AddMaking<double>();
+  AddCreation<float>();
+  AddCreation<double>();
+  AddProducts<float>();
+  AddProducts<double>();
   AddSharing<float>();
   AddSharing<double>();
   AddMany<float>();

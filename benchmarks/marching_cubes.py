@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""What examples/surface does, by scikit-image: reads a volume of bytes, contours it and writes the mesh.
+"""Does the same as examples/surface with scikit-image: reads a volume of bytes, contours it and writes the mesh.
 
     benchmarks/marching_cubes.py <volume.nii.gz> <level> <mesh.ply>
 """
@@ -13,11 +13,11 @@ from skimage.measure import marching_cubes
 
 
 def read(path):
-    """The voxels of a single-file NIfTI volume of unsigned bytes, the first axis running fastest."""
+    """The voxels of a single-file NIfTI volume of unsigned bytes, the first index varying fastest."""
     with gzip.open(path) as stream:
         data = stream.read()
     size = struct.unpack_from("<3h", data, 42)
-    assert struct.unpack_from("<h", data, 70) == (2,), "a volume of unsigned bytes is expected"
+    assert struct.unpack_from("<h", data, 70) == (2,), "expected a volume of unsigned bytes"
     offset = int(struct.unpack_from("<f", data, 108)[0])
     return numpy.frombuffer(data, numpy.uint8, size[0] * size[1] * size[2], offset).reshape(size, order="F")
 

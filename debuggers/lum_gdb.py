@@ -1,6 +1,6 @@
-"""gdb pretty printers for lum: `source lum_gdb.py`, here or where it is installed.
+"""gdb pretty printers for lum. Load them by `source lum_gdb.py`, from the source tree or an installation.
 
-An installation of the shared library with the prefix /usr needs no such line: see liblum-gdb.py.
+gdb loads them automatically if the shared library is installed with the prefix /usr: see liblum-gdb.py.
 """
 
 import contextlib
@@ -21,7 +21,7 @@ import lum_values  # noqa: E402, found through the line above
 
 @contextlib.contextmanager
 def _readable(value):
-    """Turns gdb's errors into the one that the descriptions expect."""
+    """Turns gdb's errors into lum_values.Unreadable."""
     try:
         yield
     except gdb.error:
@@ -34,7 +34,7 @@ def _type_name(gdb_type):
 
 
 class Value:
-    """A gdb.Value as lum_values wants it."""
+    """A gdb.Value with the methods that lum_values requires."""
 
     def __init__(self, value):
         self.gdb_value = value
@@ -65,7 +65,7 @@ class Value:
             return bytes(gdb.selected_inferior().read_memory(address, size))
 
     def identity_lazy(self, symbol):
-        """Without debug information gdb takes the symbol for data, with it, for the object that is referred to."""
+        """With debug information, gdb gives the address of the referenced object; without it, that of the pointer to it."""
         try:
             address = gdb.parse_and_eval(f"&{symbol}")
         except gdb.error:
@@ -76,7 +76,7 @@ class Value:
 
 
 def _array(numbers):
-    """Numbers as an array of gdb's, which prints it in the format that the user asked for."""
+    """Numbers as a gdb array, which gdb prints in the user's format."""
     element_type = gdb.lookup_type(numbers.element_type)
     data = struct.pack(f"{len(numbers.values)}{element_type.name[0]}", *numbers.values)
     return gdb.Value(data, element_type.array(len(numbers.values) - 1))
@@ -93,7 +93,7 @@ class _Printer:
 
 
 class _PrinterWithChildren(_Printer):
-    """Adds the children. On its own because front ends of gdb print no line for what has this method."""
+    """Adds the children. A class of its own, because front ends of gdb omit the line of a printer with this method."""
 
     def children(self):
         for name, content in self._description.children:
@@ -101,7 +101,7 @@ class _PrinterWithChildren(_Printer):
 
 
 class Printers(gdb.printing.PrettyPrinter):
-    """All of them: `info pretty-printer` lists them, and they can be disabled one by one."""
+    """All printers. `info pretty-printer` lists them, and each can be disabled."""
 
     def __init__(self):
         super().__init__("lum", [gdb.printing.SubPrettyPrinter(kind.name) for kind in lum_values.KINDS])
@@ -109,7 +109,7 @@ class Printers(gdb.printing.PrettyPrinter):
 
     def __call__(self, value):
         if value.type.strip_typedefs().code in (gdb.TYPE_CODE_REF, gdb.TYPE_CODE_RVALUE_REF):
-            return None  # gdb prints the address, and asks again for what is referred to
+            return None  # gdb prints the address and calls this again with the referenced value
         kind = lum_values.find_kind(_type_name(value.type))
         if kind is None or not self._by_name[kind.name].enabled:
             return None
@@ -118,7 +118,7 @@ class Printers(gdb.printing.PrettyPrinter):
 
 
 def register(objfile=None):
-    """Registers the printers with an object file, or for all; in place of those that were registered before."""
+    """Registers the printers with an object file, or for all, and replaces those registered before."""
     gdb.printing.register_pretty_printer(objfile, Printers(), replace=True)
 
 

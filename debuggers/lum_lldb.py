@@ -1,21 +1,23 @@
-"""lldb summaries and children for lum: `command script import lum_lldb.py`, here or where it is installed."""
+"""lldb summaries and children for lum. Load them by `command script import lum_lldb.py`, from the source tree or an
+installation.
+"""
 
 import struct
 
 import lldb
 
-import lum_values  # beside this file: lldb searches the folder of a script that it imports
+import lum_values  # in the same folder, which lldb adds to the search path
 
 
 def _checked(value):
-    """The value, if lldb could make it out."""
+    """The value. Raises Unreadable if lldb could not read it."""
     if not value.IsValid() or value.GetError().Fail():
         raise lum_values.Unreadable("unreadable")
     return value
 
 
 class Value:
-    """An lldb.SBValue as lum_values wants it."""
+    """An lldb.SBValue with the methods that lum_values requires."""
 
     def __init__(self, value):
         self.lldb_value = value.GetNonSyntheticValue()
@@ -68,7 +70,7 @@ class Value:
 
 
 def _make_array(parent, name, numbers):
-    """Numbers as an array of lldb's, which prints it in the format that the user asked for."""
+    """Numbers as an lldb array, which lldb prints in the user's format."""
     basic = {"float": lldb.eBasicTypeFloat, "double": lldb.eBasicTypeDouble}[numbers.element_type]
     target = parent.GetTarget()
     array_type = target.GetBasicType(basic).GetArrayType(len(numbers.values))
@@ -79,14 +81,14 @@ def _make_array(parent, name, numbers):
 
 
 class Children:
-    """The children of a value; none for most kinds, whose members lldb would show where they are referred to."""
+    """The children of a value. Most kinds have none, because lldb would also show them for references."""
 
     def __init__(self, value, _internal):
         self._value = value
         self._children = []
 
     def update(self):
-        """Called each time the process stops: nothing is kept from one stop to the next."""
+        """Called whenever the process stops. Reads the children again, because their values may have changed."""
         self._children = lum_values.describe(Value(self._value)).children
         return False
 
@@ -110,7 +112,7 @@ class Children:
 
 
 def show(value, _internal):
-    """The summary of a value; empty where the children say it all."""
+    """The summary of a value; empty if the children suffice."""
     return lum_values.describe(Value(value)).summary or ""
 
 

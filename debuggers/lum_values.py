@@ -1,7 +1,7 @@
-"""What a debugger shows of lum's values: one description for gdb and lldb.
+"""The texts and children that debuggers show for lum's values, common to gdb and lldb.
 
-A front end wraps a value of its debugger in a class with these methods, all of which raise Unreadable for what
-cannot be had (memory that is not there, a value that was optimised out):
+A front end wraps a value of its debugger in a class with these methods. Each raises Unreadable if the value cannot be
+read, because its memory is not mapped or because it was optimised out:
 
     type_name()            the name of its type, without const, reference and typedefs
     member(name)           a member, wrapped
@@ -9,9 +9,9 @@ cannot be had (memory that is not there, a value that was optimised out):
     elements()             the elements of an array, wrapped
     number()               an arithmetic value, an enumerator or a pointer as a Python number
     read(address, size)    bytes of the process
-    identity_lazy(symbol)  the address of the Lazy that the reference of this linker name refers to, or None
+    identity_lazy(symbol)  the address of the Lazy to which the reference with this linker name refers, or None
 
-`KINDS` lists the types, `describe` gives what is to be shown of a value.
+`KINDS` lists the types. `describe` returns the text and the children of a value.
 """
 
 import re
@@ -20,11 +20,11 @@ from typing import Any, Callable, List, NamedTuple, Tuple, Union
 
 
 class Unreadable(Exception):
-    """Some of a value cannot be had; the text says why, in two words."""
+    """A part of a value cannot be read. The text says why, in one or two words."""
 
 
 class Numbers(NamedTuple):
-    """Numbers that do not stand beside each other in the process; the front end makes an array of them."""
+    """Numbers that are not adjacent in the process's memory. The front end makes an array of them."""
 
     element_type: str
     values: Tuple[float, ...]
@@ -38,14 +38,14 @@ class Child(NamedTuple):
 
 
 class Description(NamedTuple):
-    """A value as one line of text, or None where the children say it all, and its children."""
+    """A line of text, or None if the children suffice, and the children."""
 
     summary: Union[str, None]
     children: List[Child] = []
 
 
 class Kind(NamedTuple):
-    """Types that are shown alike. The pattern is an extended regular expression for the whole name."""
+    """Types that are shown in the same way. The pattern is an extended regular expression for the whole type name."""
 
     name: str
     pattern: str
@@ -56,15 +56,15 @@ _CODES = {"float": "f", "double": "d"}
 
 
 def _number_text(number, element_type):
-    """The decimal number of the fewest digits, six or more, that reads back as the same value of its type."""
+    """The decimal number with the fewest digits, but at least six, that reads back as the same value of its type."""
     if isinstance(number, int):
         return str(number)
     code = _CODES.get(element_type, "d")
-    for precision in range(6, 18):  # fewer would give 100 an exponent
+    for precision in range(6, 18):  # with fewer digits, 100 would have an exponent
         text = f"{number:.{precision}g}"
         if struct.pack(code, float(text)) == struct.pack(code, number):
             break
-    return text  # of a NaN with a sign or a payload, after the last round
+    return text  # a NaN with a sign or payload gets here: its text does not read back
 
 
 def _tuple_text(values, element_type):
@@ -123,7 +123,7 @@ class _Handle:
         return f"{count} reference" + ("" if count == 1 else "s")
 
     def numbers(self, element_type, count):
-        """The object as an array: Eigen's transforms hold nothing else, nor do its quaternions."""
+        """The object as an array. Eigen's transforms and quaternions consist of their numbers."""
         layout = f"{count}{_CODES[element_type]}"
         return struct.unpack(layout, self._value.read(self.address, struct.calcsize(layout)))
 
@@ -135,8 +135,8 @@ def _describe_handle(value, _match):
     return Description(f"Handle onto {handle.address:#x}, {handle.count_text()}")
 
 
-# A Lazy starts with the flag that says whether its value is there. The value, a Handle, follows on the next multiple
-# of a pointer's size, and starts with the pointer to its object.
+# A Lazy begins with the flag that says whether its value exists. The value, a Handle, follows at the next multiple of a
+# pointer's size and begins with the pointer to its object.
 _POINTER_SIZE = struct.calcsize("P")
 
 
@@ -149,7 +149,7 @@ def _identity_address(value, symbol):
 
 
 def _is_known_identity(value, handle, symbol):
-    """False, too, where the identity cannot be found: not to recognise it hides nothing else."""
+    """Also False if the identity cannot be read; then only the words "known identity" are missing."""
     try:
         return handle.address == _identity_address(value, symbol)
     except Unreadable:
@@ -203,7 +203,7 @@ def _vertex_text(vertex):
 
 
 def _element_text(element):
-    """An element of the cube by its free axes and position; None for a number that is none."""
+    """An element of the cube by its free axes and position; None for an invalid number."""
     free, position = element >> 3, element & 7
     dimension = bin(free).count("1")
     if free > 7 or free & position:
@@ -221,7 +221,7 @@ def _element_text(element):
 
 
 def _space_text(mask):
-    """A set of the cube's axes; None for a number that is none, and for the empty set."""
+    """A set of the cube's axes; None for an invalid number and for the empty set."""
     names = {1: "Axis", 2: "Plane", 3: "Volume"}
     return names[bin(mask).count("1")] + _axes_text(mask) if 0 < mask <= 7 else None
 
@@ -236,7 +236,7 @@ def _canonical_text(mask):
 
 
 def _describe_identifier(text_of):
-    """For an enumeration: the text if it is of the enumeration's own kind, the number otherwise."""
+    """For an enumeration: the text if the value is a valid enumerator, otherwise the number."""
     def describe_enumerator(value, match):
         number = value.number()
         text = text_of(number)
@@ -246,7 +246,7 @@ def _describe_identifier(text_of):
 
 
 def _describe_index(text_of):
-    """For a class of any kind of element: its index as text, or as a number."""
+    """For a class of elements: the text of the index if it is valid, otherwise the number."""
     def describe_class(value, _match):
         number = value.member("m_index").number()
         return Description(text_of(number) or str(number))
@@ -273,12 +273,12 @@ KINDS = (
 
 
 def find_kind(type_name):
-    """The kind of a type, or None for a type that is not lum's."""
+    """The kind of a type, or None for other libraries' types."""
     return next((kind for kind in KINDS if re.fullmatch(kind.pattern, type_name)), None)
 
 
 def describe(value):
-    """What is to be shown of a value of one of the kinds, whatever state it and the process are in."""
+    """The description of a value of one of the kinds, in any state of the value and the process."""
     type_name = value.type_name()
     kind = find_kind(type_name)
     try:
