@@ -65,7 +65,7 @@ class Value:
             return bytes(gdb.selected_inferior().read_memory(address, size))
 
     def identity_lazy(self, symbol):
-        """With debug information, gdb gives the address of the referenced object; without it, that of the pointer to it."""
+        """gdb gives the address of the referenced object, or, without debug information, of the pointer to it."""
         try:
             address = gdb.parse_and_eval(f"&{symbol}")
         except gdb.error:

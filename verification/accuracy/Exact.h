@@ -6,7 +6,7 @@
 
 namespace accuracy {
 
-/// A number of 320 bits: beside a double its own rounding is nothing.
+/// A number of 320 bits, whose own rounding errors are negligible beside those of a double.
 class Exact {
  public:
   static constexpr mpfr_prec_t precision = 320;

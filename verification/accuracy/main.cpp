@@ -1,8 +1,8 @@
 // accuracy [INPUTS]
 //
-// Measures the library's arithmetic against MPFR on that many seeded inputs for each operation and kind (a
-// million by default), and writes docs/accuracy.md to standard output. Fails when an error exceeds what the
-// order of operations allows.
+// Compares the library's arithmetic with MPFR on INPUTS seeded inputs (a million by default) for each
+// operation and kind of inputs, and prints docs/accuracy.md. Fails if an error exceeds the bound that the
+// order of operations guarantees.
 
 #include <geometry/Matrix.h>
 #include <geometry/Quaternion.h>
@@ -34,7 +34,7 @@ using lum::Quaternionf;
 
 constexpr unsigned seed = 20261121;
 
-// The distance to the next number of type T above a magnitude.
+// The unit in the last place of a magnitude in type T.
 template <class T>
 double GetUlp(double i_magnitude) {
   double const least = std::numeric_limits<T>::min();
@@ -43,18 +43,18 @@ double GetUlp(double i_magnitude) {
   return std::ldexp(1.0, exponent - std::numeric_limits<T>::digits);
 }
 
-// The worst of one operation.
+// The largest errors of one operation.
 struct Worst {
-  double bound = 0;      // ulps of the terms, that the order of operations allows
-  double of_terms = 0;   // ulps of the sum of the magnitudes of the terms
-  double of_result = 0;  // ulps of the result, where less than half of its bits cancel
+  double bound = 0;      // in ulps of the terms, by the order of operations
+  double of_terms = 0;   // in ulps of the sum of the terms' magnitudes
+  double of_result = 0;  // in ulps of the result, if it is at least a sixteenth of the terms
   std::size_t inputs = 0;
 };
 
 std::map<std::pair<std::string, std::string>, Worst> table;
 
-// The sum of the terms' magnitudes is what errors are proportional to: where terms cancel, the result may be
-// much smaller.
+// i_terms is the sum of the terms' magnitudes, to which the error is proportional. If the terms cancel, the
+// result may be much smaller.
 template <class T>
 void Compare(std::string const& i_operation, char const* ip_kind, double i_bound, T i_value,
              Exact const& i_exact, Exact const& i_terms) {
@@ -76,8 +76,8 @@ class Inputs {
  public:
   explicit Inputs(Kind i_kind) : m_kind(i_kind) {}
 
-  // Uniform from -1 to 1, or of any size that leaves room for a few products, with exact zeros, equal numbers
-  // and denormals among them.
+  // Uniform from -1 to 1, or of any magnitude that lets a few factors multiply without overflow, with zeros,
+  // equal numbers and denormals among them.
   T Number() {
     T const uniform = std::uniform_real_distribution<T>(-1, 1)(m_random);
     if (m_kind == Kind::kUniform) return uniform;
@@ -99,7 +99,7 @@ class Inputs {
         return m_last = uniform;
     }
   }
-  // Uniform over a turn, or within a few units in the last place of a multiple of a quarter of it.
+  // Uniform from -7 to 7, or within a few ulps of a multiple of a quarter turn.
   T Angle() {
     if (m_kind == Kind::kUniform) return std::uniform_real_distribution<T>(-7, 7)(m_random);
     T angle = static_cast<T>(static_cast<double>(m_random() % 17) * std::numbers::pi / 2);
@@ -132,7 +132,7 @@ class Inputs {
 Exact ToExact(float i_value) { return {static_cast<double>(i_value)}; }
 Exact ToExact(double i_value) { return {i_value}; }
 
-// A value with the sum of the magnitudes that went into it.
+// A sum and the sum of its terms' magnitudes.
 struct Sum {
   Exact value;
   Exact terms;
@@ -172,7 +172,7 @@ void MeasureProducts(std::string const& i_precision, Inputs<T> io_inputs, std::s
   }
 }
 
-// The sum over permutations of a minor of i_size rows and columns, with their signs and without.
+// The determinant of the given rows and columns, as the sum over all permutations.
 template <class T>
 Sum GetMinor(std::array<T, 16> const& i_m, std::vector<std::size_t> const& i_rows,
              std::vector<std::size_t> i_columns) {
@@ -207,8 +207,8 @@ void MeasureInverses(std::string const& i_precision, Inputs<T> io_inputs, std::s
     }
     Matrix<T> const matrix(m.data());
     Sum const determinant = GetMinor(m, all, all);
-    // To first order, an entry errs by what its cofactor and the determinant err. Where that is no small part
-    // of the determinant, a matrix counts as singular.
+    // To first order, an entry's error comes from its cofactor and the determinant. If that is not a small
+    // part of the determinant, the matrix counts as singular.
     Exact const size = Abs(determinant.value);
     double const lost = determinant.terms.ToDouble() * GetUlp<T>(1);
     if (!(lost < 1e-3 * size.ToDouble())) continue;
@@ -231,7 +231,7 @@ void MeasureInverses(std::string const& i_precision, Inputs<T> io_inputs, std::s
   }
   for (std::size_t done = 0; done < i_inputs; ++done) {
     std::array<T, 16> m{};
-    // The bound is one of roundings: a product of two entries must not underflow before it meets large ones.
+    // The bound counts roundings only, so no product of two entries may underflow.
     T const least = std::sqrt(std::numeric_limits<T>::min() / std::numeric_limits<T>::epsilon());
     for (T& value : m) {
       do value = io_inputs.Number();
@@ -275,7 +275,7 @@ void MeasureRotations(std::string const& i_precision, Inputs<T> io_inputs, std::
 
 template <class T>
 void MeasureNormals(std::string const& i_precision, Inputs<T> io_inputs, std::size_t i_inputs) {
-  // Squares that overflow or underflow are documented to give what they give.
+  // Excludes vectors whose squares overflow or underflow; docs/edge-cases.md states their results.
   double const least = std::sqrt(std::numeric_limits<T>::min()) * 1e4;
   double const most = std::sqrt(std::numeric_limits<T>::max()) * 1e-4;
   auto const take = [&] {
@@ -410,7 +410,7 @@ void MeasureQuaternions(Inputs<float> io_inputs, std::size_t i_inputs) {
     Coefficients const blend = p.Slerp(t, q).GetCoefficients();
     for (std::size_t i = 0; i < 4; ++i) {
       Exact const exact = s0 * ToExact(a[i]) + s1 * ToExact(b[i]);
-      // Errors are of the size of the unit quaternion, not of a coefficient.
+      // Errors are relative to the unit quaternion, not to a coefficient.
       Compare("Quaternionf Slerp, each coefficient", kind, 4, blend[i], exact, Exact(1));
     }
   }
@@ -450,34 +450,32 @@ void MeasureAll(std::string const& i_precision, Kind i_kind, std::size_t i_input
   MeasurePlanes<T>(i_precision, Inputs<T>(i_kind), i_inputs);
 }
 
-// Returns whether every error keeps within its bound.
+// The text above the rows of the table.
+constexpr char const* page = R"(# Accuracy
+
+`verification/accuracy` writes this page. It compares results with MPFR at 320 bits, on inputs from a fixed seed.
+
+The rounding error of a sum of products is proportional to the magnitudes of its terms. If the terms cancel,
+the result may be much smaller than this error. So errors are given in units in the last place (ulp) of the
+*terms*, that is, of the sum of their magnitudes. The bound follows to first order from the stated order of
+operations: one ulp for each rounding that a term passes through. Errors in ulps of the *result* are given
+only for results of at least a sixteenth of their terms.
+
+Uniform inputs lie between -1 and 1, and angles between -7 and 7. Adversarial inputs range from denormals to
+the largest magnitudes whose products do not overflow, with zeros and numbers that nearly cancel. Adversarial
+matrices to invert are nearly singular, angles are close to multiples of a quarter turn, and quaternions to
+blend are nearly parallel.
+
+A matrix counts as singular, and its inverse is not compared, if rounding could change its determinant by a
+thousandth. The entries of determinants are so large that no product of two underflows: after an underflow,
+large factors would make the error unbounded.
+
+| Operation | Inputs | Comparisons | Largest error, ulps of the terms | Bound | Largest error, ulps of the result |
+|---|---|---|---|---|---|)";
+
+// Prints the page and returns whether every error is within its bound.
 bool Print() {
-  std::puts(
-      "# Accuracy\n\n"
-      "Written by `verification/accuracy`, which compares with MPFR at 320 bits; seed and inputs are "
-      "fixed.\n\n"
-      "A sum of products errs in proportion to the magnitudes of its terms: where they cancel, the result "
-      "may be\n"
-      "much smaller than what they lost. So errors are given in units in the last place (ulp) of the "
-      "*terms*, the\n"
-      "sum of their magnitudes, beside the bound that the stated order of operations allows, to first order: "
-      "one\n"
-      "for each rounding that a term passes through. Errors in ulps of the *result* are given for results of "
-      "at\n"
-      "least a sixteenth of their terms.\n\n"
-      "Uniform inputs lie between -1 and 1, angles within a turn. Adversarial ones are of any size down to\n"
-      "denormals and up to where products would overflow, with zeros and numbers that nearly cancel; "
-      "inverses are\n"
-      "of nearly singular matrices, angles lie at multiples of a quarter turn, quaternions to blend are "
-      "nearly\n"
-      "parallel. Matrices count as singular, and are left out of the inverses, when rounding could change "
-      "their\n"
-      "determinant by a thousandth. The entries of determinants are large enough for no product of two to "
-      "underflow:\n"
-      "where one does, and the next factors are huge, what is lost has no bound.\n\n"
-      "| Operation | Inputs | Number | Largest error, ulps of the terms | Bound | Largest error, ulps of the "
-      "result |\n"
-      "|---|---|---|---|---|---|");
+  std::puts(page);
   bool is_within = true;
   for (auto const& [key, worst] : table) {
     std::printf("| %s | %s | %zu | %.2f | %g | %.2f |\n", key.first.c_str(), key.second.c_str(), worst.inputs,
