@@ -13,7 +13,8 @@ double ParseNumber(std::string_view i_option, std::string_view i_text) {
   double number = 0;
   auto const [end, error] = std::from_chars(i_text.data(), i_text.data() + i_text.size(), number);
   if (error != std::errc() || end != i_text.data() + i_text.size() || !std::isfinite(number)) {
-    throw std::invalid_argument(std::string(i_option) + " does not take \"" + std::string(i_text) + '"');
+    throw std::invalid_argument(std::string(i_option) + " takes a number, not \"" + std::string(i_text) +
+                                '"');
   }
   return number;
 }

@@ -9,30 +9,32 @@
 
 namespace common {
 
-/// The number that an option is given. Text that is not wholly one finite number throws
-/// `std::invalid_argument` with one line of text, as do the other functions here.
+/// Parses the value of a numeric option. Throws `std::invalid_argument` with a one-line message unless the
+/// text is exactly one finite number. The other functions here report errors in the same way.
 double ParseNumber(std::string_view i_option, std::string_view i_text);
 
-/// A whole number from 1 up to a largest one.
+/// Parses a whole number from 1 to i_largest.
 std::size_t ParseCount(std::string_view i_option, std::string_view i_text, std::size_t i_largest);
 
-/// Numbers separated by commas; how many there must be is in the form, as in "X,Y,Z".
+/// Parses numbers separated by commas. i_form names them, as in "X,Y,Z", and fixes their count.
 std::vector<double> ParseList(std::string_view i_option, std::string_view i_text, std::string_view i_form);
 
-/// The words of a command line: paths, and options that begin with two dashes, each with the word behind it
-/// as its value. Given twice, an option has the last value.
+/// The paths and options of a command line.
+///
+/// An option begins with two dashes, and the next word is its value. If it is given twice, the last value
+/// counts. The words must outlive the object.
 class CommandLine {
  public:
-  /// An option that is not among the known ones, or lacks its value, throws.
+  /// Throws for an option that is not in i_known or has no value.
   CommandLine(int i_count, char const* const* ip_words, std::initializer_list<std::string_view> i_known);
 
   std::vector<std::string> const& GetPaths() const { return m_paths; }
-  /// Throws, with the usage as text, unless there are so many paths.
+  /// Throws, with the usage as the message, unless there are exactly i_count paths.
   void RequirePaths(std::size_t i_count, std::string_view i_usage) const;
   bool Has(std::string_view i_option) const { return m_values.contains(i_option); }
-  /// The value of an option that is given.
+  /// The option must have been given.
   std::string_view Get(std::string_view i_option) const { return m_values.at(i_option); }
-  /// What the functions above make of the value, or the default when the option is not given.
+  /// The parsed value, or the default if the option is not given.
   double GetNumber(std::string_view i_option, double i_default) const;
   std::size_t GetCount(std::string_view i_option, std::size_t i_largest, std::size_t i_default) const;
 

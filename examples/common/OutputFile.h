@@ -4,12 +4,13 @@
 
 namespace common {
 
-/// A file that appears whole or not at all: it is written beside its place and moved there at the end.
+/// An output file that is written completely or not at all.
 ///
-/// Until then, whatever stood at the path stays there; whoever gives up leaves nothing behind.
+/// The program writes to a temporary file beside the path, and `Publish` renames it. Until then, an existing
+/// file at the path is kept. The destructor removes the temporary file unless it has been published.
 class OutputFile {
  public:
-  /// A folder at the path throws `std::runtime_error`: it could not be replaced.
+  /// Throws `std::runtime_error` if the path is a folder, which no file can replace.
   explicit OutputFile(std::string i_path);
   OutputFile(OutputFile&& io_other) noexcept;
   OutputFile(OutputFile const&) = delete;
@@ -18,9 +19,9 @@ class OutputFile {
   ~OutputFile();
 
   std::string const& GetPath() const { return m_path; }
-  /// Where to write from now on.
+  /// Returns the path of the temporary file, which the object owns from now on.
   std::string Begin();
-  /// Throws `std::runtime_error` with one line of text.
+  /// Moves the temporary file to its path. Throws `std::runtime_error` with a one-line message.
   void Publish();
 
  private:

@@ -15,10 +15,10 @@ struct Picture {
   std::vector<std::uint8_t> pixels;
 };
 
-/// Spreads the samples over grey values: the darkest and the brightest half percent saturate. NaNs are black.
+/// Maps samples to grey values. The darkest and the brightest 0.5 % saturate; NaNs are black.
 Picture StretchContrast(std::size_t i_width, std::size_t i_height, std::vector<double> const& i_samples);
 
-/// Writes a PNG file. What cannot be written throws `std::runtime_error` with one line of text.
+/// Writes a PNG file. Throws `std::runtime_error` with a one-line message on failure.
 void WritePng(Picture const& i_picture, OutputFile& io_file);
 
 }  // namespace common

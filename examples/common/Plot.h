@@ -7,15 +7,15 @@
 
 namespace common {
 
-/// One line of a plot: a value above zero for each iteration.
+/// One curve of a plot: a positive value for each iteration.
 struct Curve {
   std::string name;
   std::string colour;
   std::vector<double> values;
 };
 
-/// Draws curves of equal numbers of steps, on a logarithmic scale, as SVG. What cannot be written throws
-/// `std::runtime_error` with one line of text.
+/// Draws curves with a logarithmic scale as SVG. All curves must have the same number of values. Throws
+/// `std::runtime_error` with a one-line message if the file cannot be written.
 void WritePlot(std::string const& i_title, std::vector<Curve> const& i_curves, OutputFile& io_file);
 
 }  // namespace common

@@ -22,7 +22,7 @@ struct FreeImage {
 };
 using Image = std::unique_ptr<nifti_image, FreeImage>;
 
-// Rows there, columns here.
+// NIfTI stores matrices by rows, lum by columns.
 lum::Matrix<double> ToMatrix(mat44 const& i_affine) {
   std::array<double, 16> values{};
   for (std::size_t row = 0; row < 4; ++row) {
@@ -33,9 +33,9 @@ lum::Matrix<double> ToMatrix(mat44 const& i_affine) {
   return lum::Matrix<double>(values.data());
 }
 
-// Reads the voxels ourselves: nifti_image_load takes a file that ends early for whole, and turns NaNs into 0.
-// zlib reads plain files too, and notices a compressed one that is cut short or damaged. Memory is taken as
-// bytes come: a header may claim any number of them.
+// Replaces nifti_image_load, which accepts truncated files and turns NaNs into 0. zlib reads uncompressed
+// files too, and detects compressed ones that are truncated or damaged. The buffer grows with the bytes that
+// are read, because a damaged header may claim any number of them.
 std::vector<unsigned char> ReadBytes(nifti_image const& i_image, std::size_t i_count) {
   constexpr std::size_t largest_read = std::size_t{1} << 24;
   std::vector<unsigned char> bytes;
@@ -49,7 +49,7 @@ std::vector<unsigned char> ReadBytes(nifti_image const& i_image, std::size_t i_c
     is_whole = read > 0;
     bytes.resize(is_whole ? done + static_cast<std::size_t>(read) : done);
   }
-  // The checksum stands at the very end, behind whatever follows the voxels.
+  // Reads to the end of the file, where zlib verifies the checksum. Other data may follow the voxels.
   std::array<unsigned char, 4096> rest{};
   int read_on = is_whole ? 1 : 0;
   while (read_on > 0) read_on = gzread(file, rest.data(), static_cast<unsigned>(rest.size()));
@@ -78,7 +78,7 @@ std::vector<double> ReadValues(nifti_image const& i_image) {
 
 using Reader = std::vector<double> (*)(nifti_image const&);
 
-// Null for a type that is not one real number.
+// Null for every type but single real numbers.
 Reader GetReader(int i_datatype) {
   switch (i_datatype) {
     case DT_UINT8:
@@ -127,7 +127,7 @@ double Volume::Sample(lum::Point<double, 3> const& i_voxel) const {
 }
 
 Volume ReadVolume(std::string const& i_path) {
-  nifti_set_debug_level(0);  // libnifti's own messages would come on top of ours
+  nifti_set_debug_level(0);  // the error messages here replace libnifti's own
   if (!std::ifstream(i_path)) throw std::runtime_error("cannot open " + i_path);
   if (is_nifti_file(i_path.c_str()) <= 0) throw std::runtime_error(i_path + " is not a NIfTI file");
   Image const image(nifti_image_read(i_path.c_str(), 0));
@@ -137,8 +137,8 @@ Volume ReadVolume(std::string const& i_path) {
   }
   Reader const read_values = GetReader(image->datatype);
   if (read_values == nullptr) {
-    throw std::runtime_error(i_path + " holds values of type " + nifti_datatype_string(image->datatype) +
-                             ", which is not read");
+    throw std::runtime_error(i_path + " has values of type " + nifti_datatype_string(image->datatype) +
+                             ", which is not supported");
   }
   if (image->nx < 1 || image->ny < 1 || image->nz < 1) throw std::runtime_error(i_path + " holds no voxels");
   lum::Matrix<double> const voxel_to_world =

@@ -1,6 +1,8 @@
 // cube
 //
-// Writes a picture of the unit cube with its 27 elements numbered, as SVG, to standard output.
+// Writes an SVG picture of the unit cube with its 27 numbered elements to standard output.
+//
+// DrawCube draws everything; Drawing holds the projection; GetMiddle places the numbers.
 
 #include <geometry/CubeEdgeIterator.h>
 #include <geometry/CubeElement.h>
@@ -39,7 +41,7 @@ Point GetMiddle(Element i_element) {
   return lum::Origin + sum / static_cast<double>(CubeVertexIterable<Element>::size());
 }
 
-// We look along y, from a little above and from the right.
+// Seen along the y axis, from slightly above and from the right.
 bool IsVisible(Face i_face) { return i_face == FaceY0 || i_face == FaceX1 || i_face == FaceZ1; }
 bool IsVisible(Edge i_edge) {
   return std::ranges::any_of(CubeFaceIterable<Cube>(), [=](Face i_face) {

@@ -1,8 +1,9 @@
 // euler [--radius VOXELS | INPUT.nii[.gz] --level V]
 //
-// Walks the surfaces of solids made of voxels, or of what reaches a level in a volume: counts their faces,
-// edges and vertices, finds where they are pinched, and compares the Euler characteristics with what they
-// must be.
+// Counts the faces, edges and vertices of the surface of a voxel solid, finds where the surface is pinched
+// and checks its Euler characteristic. The solids are built in, or the voxels of a volume that reach a level.
+//
+// Complex counts, `solids` lists the built-in solids, and Report prints and checks one line.
 
 #include <geometry/CanonicalCubeElement.h>
 #include <geometry/CubeEdgeIterator.h>
@@ -30,8 +31,9 @@ namespace {
 
 using namespace lum::CubeElementIds;
 
-// In half voxels: cell i is at 2 i + 1 along each axis, and an element at odd numbers along the axes in which
-// it extends. So cells that share an element find the same place for it.
+// Coordinates in half voxels. Cell i has the coordinate 2 i + 1 along each axis. An element's coordinate is
+// odd along the axes in which it extends and even along the others, so all cells that share an element
+// compute the same place for it.
 using Place = std::array<std::size_t, 3>;
 
 Place GetPlace(Place const& i_cell, lum::CubeElement i_element) {
@@ -44,11 +46,11 @@ Place GetPlace(Place const& i_cell, lum::CubeElement i_element) {
   return place;
 }
 
-// Whether those of the eight cells at a vertex that are in a set make one piece, by their faces: one cell is
-// at each vertex of a cube, and those share a face that an edge joins.
+// Whether the given ones of the eight cells around a vertex are connected through faces. The cells are
+// numbered like the vertices of a cube, and two of them share a face where an edge joins their vertices.
 bool IsConnected(unsigned i_cells) {
-  unsigned reached = i_cells & (~i_cells + 1);  // one of them
-  for (int step = 0; step < 7; ++step) {
+  unsigned reached = i_cells & (~i_cells + 1);  // the lowest bit that is set
+  for (int step = 0; step < 7; ++step) {        // a path through eight cells has at most seven steps
     for (Edge const edge : lum::CubeEdgeIterable<Cube>()) {
       unsigned ends = 0;
       for (Vertex const end : lum::CubeVertexIterable<Edge>(edge)) ends |= 1U << static_cast<unsigned>(end);
@@ -64,7 +66,7 @@ long GetCharacteristic(Counts const& i_n) { return i_n[0] - i_n[1] + i_n[2] - i_
 class Complex {
  public:
   Complex(Place const& i_size, std::function<bool(Place const&)> const& i_is_inside) {
-    // A layer of empty cells all around, so that all cells of the solid have neighbours.
+    // Surrounded by a layer of empty cells, so that every cell of the solid has neighbours.
     for (std::size_t axis = 0; axis < 3; ++axis) m_extent[axis] = 2 * (i_size[axis] + 2);
     m_labels.resize(m_extent[0] * m_extent[1] * m_extent[2]);
     std::vector<Place> cells;
@@ -87,14 +89,14 @@ class Complex {
   long pinched_vertices = 0;
 
  private:
-  // An edge counts the faces of the surface that meet there in the bits above these.
+  // In an edge's label, the bits from one_face upwards count the faces of the surface that meet there.
   static constexpr std::uint8_t in_solid = 1, on_surface = 2, one_face = 4;
 
   std::uint8_t& At(Place const& i_place) {
     return m_labels[i_place[0] + m_extent[0] * (i_place[1] + m_extent[1] * i_place[2])];
   }
 
-  // Whether it was without the label.
+  // Labels an element and counts it. Returns false if the element had the label already.
   bool Label(Place const& i_cell, lum::CubeElement i_element, std::uint8_t i_label, Counts& io_counts) {
     std::uint8_t& label = At(GetPlace(i_cell, i_element));
     if ((label & i_label) != 0) return false;
@@ -111,7 +113,8 @@ class Complex {
       Label(i_cell, face, on_surface, surface);
       for (Edge const edge : lum::CubeEdgeIterable<Face>(face)) {
         Label(i_cell, edge, on_surface, surface);
-        if ((At(GetPlace(i_cell, edge)) += one_face) / one_face == 4) ++pinched_edges;
+        std::uint8_t const label = At(GetPlace(i_cell, edge)) += one_face;
+        if (label / one_face == 4) ++pinched_edges;
       }
       for (Vertex const vertex : lum::CubeVertexIterable<Face>(face)) {
         if (Label(i_cell, vertex, on_surface, surface)) CheckVertex(GetPlace(i_cell, vertex));
@@ -119,8 +122,8 @@ class Complex {
     }
   }
 
-  // The surface is a single fan of faces around a vertex if it parts the cells there into one piece inside
-  // and one outside. A vertex has its cells where a cell has its vertices.
+  // A vertex is pinched unless the cells around it are connected inside the solid, and outside too. GetPlace
+  // finds these cells, since they lie around a vertex as the vertices lie around a cell.
   void CheckVertex(Place const& i_vertex) {
     unsigned cells = 0;
     for (Vertex const side : lum::CubeVertexIterable<Cube>()) {
@@ -141,7 +144,7 @@ struct Solid {
   bool (*is_inside)(Vector const& i_p);
 };
 
-// In the cube from -1 to 1.
+// Within the cube from -1 to 1.
 constexpr std::array<Solid, 6> solids = {{
     {"ball", 2, [](auto i_p) { return GetLength(i_p) < 0.9; }},
     {"hollow ball", 4, [](auto i_p) { return std::abs(GetLength(i_p) - 0.6) < 0.3; }},
@@ -152,7 +155,8 @@ constexpr std::array<Solid, 6> solids = {{
     {"boxes at a corner", 3, [](auto i_p) { return i_p[0] * i_p[1] > 0 && i_p[0] * i_p[2] > 0; }},
 }};
 
-// Throws if a solid without pinches has other than half the characteristic of its surface, which is returned.
+// Prints one line and returns the characteristic of the surface. Throws if that is not twice the solid's,
+// which it must be where no vertex is pinched.
 long Report(char const* ip_name, Complex const& i_complex) {
   auto const& [vertices, edges, faces, none] = i_complex.surface;
   long const surface = GetCharacteristic(i_complex.surface);

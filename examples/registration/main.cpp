@@ -1,7 +1,10 @@
 // registration OUTPUT.svg [--points N] [--noise SIGMA] [--angle DEGREES] [--seed N]
 //
-// Brings two clouds of points of one surface together that overlap in part, by iterating over closest points,
-// and plots how it converges. Fails if it ends elsewhere than where the clouds were taken apart.
+// Registers two point clouds of one surface that overlap in part, by the iterative closest point method, and
+// plots the convergence. Fails if the result is not the transform by which the clouds were separated.
+//
+// Sample makes the clouds, FindPairs and Align are the two halves of an iteration, Register iterates, and
+// common/Plot.cpp draws the plot.
 
 #include <geometry/Matrix.h>
 #include <geometry/PseudoInverse.h>
@@ -15,6 +18,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <exception>
+#include <limits>
 #include <nanoflann.hpp>
 #include <numbers>
 #include <random>
@@ -31,7 +35,7 @@ using Matrix = lum::Matrix<float>;
 using Point = lum::Point<float, 3>;
 using Vector = lum::Vector<float, 3>;
 
-// In the form in which the search tree reads points.
+// Points with the member functions that the search tree requires.
 struct Cloud {
   std::vector<Point> points;
   std::size_t kdtree_get_point_count() const { return points.size(); }
@@ -43,7 +47,7 @@ struct Cloud {
 };
 using Tree = nanoflann::KDTreeSingleIndexAdaptor<nanoflann::L2_Simple_Adaptor<float, Cloud>, Cloud, 3>;
 
-// A pebble with bumps, like no other way round, seen from the side where i_side * x is above -1/2.
+// Samples a bumpy surface without symmetries, only where i_side * x of the direction is at least -1/2.
 Cloud Sample(std::size_t i_count, float i_side, double i_noise, std::mt19937& io_random) {
   std::normal_distribution<float> normal;
   Cloud cloud;
@@ -63,7 +67,8 @@ struct Pair {
   Point to;
 };
 
-// The nearer ones of the pairs of closest points; the others are where the clouds do not overlap.
+// Pairs each point with the closest one of the cloud and keeps the nearest three fifths of the pairs. The
+// others are where the clouds do not overlap.
 std::vector<Pair> FindPairs(std::vector<Point> const& i_points, Cloud const& i_cloud, Tree const& i_tree) {
   std::vector<Pair> pairs;
   for (Point const& point : i_points) {
@@ -80,8 +85,8 @@ std::vector<Pair> FindPairs(std::vector<Point> const& i_points, Cloud const& i_c
   return pairs;
 }
 
-// The rigid motion that takes the pairs closest together: about their middles, the rotation in the polar
-// decomposition of the sum of to * from^T.
+// The rigid motion that minimises the squared distances of the pairs. About the means of the points, it is
+// the rotation in the polar decomposition of the sum of to * from^T.
 Matrix Align(std::vector<Pair> const& i_pairs) {
   auto const count = static_cast<float>(i_pairs.size());
   Vector from;
@@ -98,8 +103,67 @@ Matrix Align(std::vector<Pair> const& i_pairs) {
   Matrix const covariance(lum::Origin, columns[0], columns[1], columns[2]);
   Eigen::Matrix3d const block = covariance.GetMatrix()->matrix().topLeftCorner<3, 3>().cast<double>();
   if (lum::CalculatePseudoInverse(block, 1e-6).rank < 2)
-    throw std::runtime_error("the pairs fix no rotation");
+    throw std::runtime_error("the pairs determine no rotation");
   return Matrix::Translate(to) * lum::Quaternionf(covariance).GetAsMatrix() * Matrix::Translate(-from);
+}
+
+double GetRoot(double i_sum_of_squares, std::size_t i_count) {
+  return std::sqrt(i_sum_of_squares / static_cast<double>(i_count));
+}
+
+double GetDistance(std::vector<Pair> const& i_pairs) {
+  double squares = 0;
+  for (Pair const& pair : i_pairs) squares += static_cast<double>(pair.squared_distance);
+  return GetRoot(squares, i_pairs.size());
+}
+
+double GetDistance(std::vector<Point> const& i_a, std::vector<Point> const& i_b) {
+  double squares = 0;
+  for (std::size_t i = 0; i < i_a.size(); ++i)
+    squares += static_cast<double>(GetSquaredLength(i_a[i] - i_b[i]));
+  return GetRoot(squares, i_a.size());
+}
+
+// The estimated transform, and the root mean square distances before each iteration.
+struct Registered {
+  Matrix estimate;
+  std::vector<double> between_pairs;
+  std::vector<double> from_truth;
+};
+
+// Moves i_source onto i_target until the distance of the pairs settles. i_true_places are the right places of
+// the moved points, for the plot only.
+Registered Register(std::vector<Point> const& i_source, Cloud const& i_target,
+                    std::vector<Point> const& i_true_places) {
+  constexpr int most_iterations = 200;
+  constexpr double least_progress = 1e-5;  // relative to the distance
+  Tree const tree(3, i_target);
+  Registered result;
+  std::vector<Point> moved(i_source.size());
+  for (int iteration = 0; iteration < most_iterations; ++iteration) {
+    lum::TransformPoints(result.estimate, i_source, moved);
+    std::vector<Pair> const pairs = FindPairs(moved, i_target, tree);
+    double const before =
+        iteration > 0 ? result.between_pairs.back() : std::numeric_limits<double>::infinity();
+    double const distance = GetDistance(pairs);
+    result.between_pairs.push_back(distance);
+    result.from_truth.push_back(GetDistance(moved, i_true_places));
+    if (std::abs(before - distance) < least_progress * distance) break;
+    result.estimate = Align(pairs) * result.estimate;
+  }
+  return result;
+}
+
+// Prints the error of the estimate. Throws if the rotation is wrong by more than a degree.
+void Report(Registered const& i_result, Matrix const& i_truth) {
+  Matrix const error = i_result.estimate * i_truth.GetInverse();
+  auto const [x, y, z, w] = lum::Quaternionf(error).GetCoefficients();
+  float const angle = 2 * std::atan2(std::hypot(x, y, z), std::abs(w)) * 180 / std::numbers::pi_v<float>;
+  std::printf("%zu iterations, pairs %.4f apart\n", i_result.between_pairs.size() - 1,
+              i_result.between_pairs.back());
+  std::printf("rotation off by %.3f degrees, translation by %.4f\n", static_cast<double>(angle),
+              static_cast<double>(GetLength(error * Point() - Point())));
+  if (angle > 1) throw std::runtime_error("the clouds converged to a wrong pose");
 }
 
 void Run(common::CommandLine const& i_line) {
@@ -111,41 +175,21 @@ void Run(common::CommandLine const& i_line) {
   if (noise < 0 || noise > 1) throw std::invalid_argument("--noise takes a number from 0 to 1");
   double const angle = std::remainder(i_line.GetNumber("--angle", 35), 360.0) * std::numbers::pi / 180;
   std::mt19937 random(static_cast<unsigned>(i_line.GetCount("--seed", 1000000, 1)));
-  lum::Quaternionf const turn(lum::GetNormalized(Vector(1, 2, 3)), static_cast<float>(angle));
-  Matrix const truth = Matrix::Translate(0.3F, -0.2F, 0.4F) * turn.GetAsMatrix();
+
+  lum::Quaternionf const rotation(lum::GetNormalized(Vector(1, 2, 3)), static_cast<float>(angle));
+  Matrix const truth = Matrix::Translate(0.3F, -0.2F, 0.4F) * rotation.GetAsMatrix();
   Cloud const target = Sample(count, 1, noise, random);
-  std::vector<Point> const home = Sample(count, -1, noise, random).points;
+  std::vector<Point> const true_places = Sample(count, -1, noise, random).points;
   std::vector<Point> source(count);
-  lum::TransformPoints(truth.GetInverse(), home, source);
+  lum::TransformPoints(truth.GetInverse(), true_places, source);
 
-  Tree const tree(3, target);
-  Matrix estimate;
-  std::vector<Point> moved(count);
-  std::vector<common::Curve> curves = {{"between pairs", "#c05a1c", {}}, {"from the truth", "#205a9e", {}}};
-  std::vector<double>& apart = curves[0].values;
-  for (int step = 0; step < 200; ++step) {
-    lum::TransformPoints(estimate, source, moved);
-    std::vector<Pair> const pairs = FindPairs(moved, target, tree);
-    double squares = 0;
-    for (Pair const& pair : pairs) squares += static_cast<double>(pair.squared_distance);
-    apart.push_back(std::sqrt(squares / static_cast<double>(pairs.size())));
-    squares = 0;
-    for (std::size_t i = 0; i < count; ++i)
-      squares += static_cast<double>(GetSquaredLength(moved[i] - home[i]));
-    curves[1].values.push_back(std::sqrt(squares / static_cast<double>(count)));
-    if (step > 0 && std::abs(apart[apart.size() - 2] - apart.back()) < 1e-5 * apart.back()) break;
-    estimate = Align(pairs) * estimate;
-  }
-  common::WritePlot("Root mean square distance of the points", curves, file);
+  Registered const result = Register(source, target, true_places);
+  common::WritePlot(
+      "Root mean square distance of the points",
+      {{"between pairs", "#c05a1c", result.between_pairs}, {"from the truth", "#205a9e", result.from_truth}},
+      file);
   file.Publish();
-
-  Matrix const error = estimate * truth.GetInverse();
-  auto const [x, y, z, w] = lum::Quaternionf(error).GetCoefficients();
-  float const off = 2 * std::atan2(std::hypot(x, y, z), std::abs(w)) * 180 / std::numbers::pi_v<float>;
-  std::printf("%zu iterations, pairs %.4f apart\n", apart.size() - 1, apart.back());
-  std::printf("rotation off by %.3f degrees, translation by %.4f\n", static_cast<double>(off),
-              static_cast<double>(GetLength(error * Point() - Point())));
-  if (off > 1) throw std::runtime_error("the clouds settle in a wrong place");
+  Report(result, truth);
 }
 
 }  // namespace

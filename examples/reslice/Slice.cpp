@@ -13,8 +13,8 @@ namespace {
 using Point = lum::Point<double, 3>;
 using Vector = lum::Vector<double, 3>;
 
-// A rotation in single precision leaves about 1e-7 where a quarter turn has 0, which would smear every voxel
-// of a slice that lies on the grid. Components that close to -1, 0 or 1 are meant to be that.
+// Rounds a component that is almost -1, 0 or 1. In single precision, a quarter turn leaves about 1e-7 instead
+// of 0, which would blend neighbouring voxels in a slice that lies on the grid.
 double Snap(float i_component) {
   float const nearest = std::round(i_component);
   return static_cast<double>(std::abs(i_component - nearest) < 1e-6F ? nearest : i_component);
@@ -25,7 +25,7 @@ Vector Turn(lum::Quaternionf const& i_rotation, lum::Vector<float, 3> const& i_v
   return {Snap(x), Snap(y), Snap(z)};
 }
 
-// A voxel, not a point between two: the pixels of a straight slice fall on voxels.
+// The middle voxel, never a point between two, so that the pixels of an unrotated slice fall on voxels.
 Point GetMiddle(common::Volume const& i_volume) {
   Point middle;
   for (std::size_t axis = 0; axis < 3; ++axis) {
@@ -35,10 +35,7 @@ Point GetMiddle(common::Volume const& i_volume) {
   return middle;
 }
 
-// Pixels along a side.
-constexpr double largest_size = 16384;
-
-// How many pixels the slice reaches from its middle to either side.
+// The extent of a slice from its middle, in pixels.
 struct Reach {
   double left;
   double right;
@@ -53,7 +50,7 @@ Reach ReachOf(std::size_t i_size) {
   return {low, high, low, high};
 }
 
-// Far enough for the centres of all voxels.
+// The smallest extent that contains the centres of all voxels.
 Reach ReachOf(common::Volume const& i_volume, lum::Matrix<double> const& i_voxel_to_plane) {
   Reach reach{};
   for (unsigned corner = 0; corner < 8; ++corner) {
@@ -85,7 +82,7 @@ Slice PlaceSlice(common::Volume const& i_volume, Placement const& i_placement) {
   Reach const reach = i_placement.size
                           ? ReachOf(*i_placement.size)
                           : ReachOf(i_volume, plane_to_world.GetInverse() * i_volume.voxel_to_world);
-  if (!(std::max(reach.left + reach.right, reach.down + reach.up) < largest_size)) {
+  if (!(std::max(reach.left + reach.right, reach.down + reach.up) < static_cast<double>(largest_size))) {
     throw std::invalid_argument(
         "the slice would be more than 16384 pixels wide or high; --size makes it smaller");
   }

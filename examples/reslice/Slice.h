@@ -11,30 +11,34 @@
 
 namespace reslice {
 
-/// How the slice plane lies. Unturned it spans the world's x and y axes through the volume's middle voxel.
+/// The largest width and height of a slice, in pixels.
+constexpr std::size_t largest_size = 16384;
+
+/// The position of the slice plane. Without a rotation, it is parallel to the world's x and y axes, through
+/// the volume's middle voxel.
 struct Placement {
-  lum::Vector<float, 3> axis{0, 0, 1};  ///< what the plane is turned about, of any length but zero
-  double angle = 0;                     ///< radians, right-handed
-  double offset = 0;                    ///< millimetres along the turned normal
-  std::optional<std::size_t> size =
-      std::nullopt;  ///< pixels along each side; as many as show the whole volume if empty
+  lum::Vector<float, 3> axis{0, 0, 1};  ///< the axis of the rotation, of any length but zero
+  double angle = 0;                     ///< of the rotation, in radians, right-handed
+  double offset = 0;                    ///< millimetres along the rotated normal
+  /// Pixels along each side. If empty, the slice shows the whole volume.
+  std::optional<std::size_t> size = std::nullopt;
 };
 
-/// A grid of pixels of one square millimetre in the world: column right along the plane's x axis, row 0 on
-/// top.
+/// A grid of pixels of one square millimetre. Columns run along the plane's x axis; row 0 is at the top.
 struct Slice {
   std::size_t width;
   std::size_t height;
-  /// Takes (column, height - 1 - row, 0) to millimetres in the world.
+  /// Transforms (column, height - 1 - row, 0) to millimetres in the world.
   lum::Matrix<double> pixel_to_world;
 };
 
-/// A picture in the slice's order, row by row from the top; NaN outside the volume.
+/// Interpolated values, row by row from the top; NaN outside the volume.
 using Samples = std::vector<double>;
 
-/// An axis of length zero, and a slice of more than 16384 pixels along a side, throw `std::invalid_argument`.
+/// Throws `std::invalid_argument` if the axis has length zero or a side exceeds `largest_size`.
 Slice PlaceSlice(common::Volume const& i_volume, Placement const& i_placement);
 
+/// Samples the volume at the centre of each pixel.
 Samples Resample(common::Volume const& i_volume, Slice const& i_slice);
 
 }  // namespace reslice

@@ -1,6 +1,9 @@
 // reslice INPUT.nii[.gz] OUTPUT.png [--axis X,Y,Z] [--angle DEGREES] [--offset MM] [--size PIXELS]
 //
-// An oblique slice through a volume: pixels of one square millimetre, x to the right, y up.
+// Draws an oblique slice through a volume: pixels of one square millimetre, x to the right, y up.
+//
+// Slice.cpp places the slice and samples the volume. common/Volume.cpp reads and interpolates the volume, and
+// common/Picture.cpp turns samples into greys and writes the file.
 
 #include <algorithm>
 #include <cmath>
@@ -23,11 +26,9 @@ namespace {
 constexpr std::string_view usage =
     "usage: reslice INPUT.nii[.gz] OUTPUT.png [--axis X,Y,Z] [--angle DEGREES] [--offset MM] [--size PIXELS]";
 
-constexpr std::size_t largest_size = 16384;
-
 lum::Vector<float, 3> ParseAxis(std::string_view i_option, std::string_view i_text) {
   std::vector<double> axis = common::ParseList(i_option, i_text, "X,Y,Z");
-  // Only the direction counts, and floats hold no squares of very long or short axes.
+  // Only the direction counts. In float, the squares of very long or short axes overflow or underflow.
   double const largest = std::max({std::abs(axis[0]), std::abs(axis[1]), std::abs(axis[2])});
   if (largest == 0) throw std::invalid_argument("the axis has length zero");
   for (double& component : axis) component /= largest;
@@ -37,11 +38,11 @@ lum::Vector<float, 3> ParseAxis(std::string_view i_option, std::string_view i_te
 reslice::Placement GetPlacement(common::CommandLine const& i_line) {
   reslice::Placement placement;
   if (i_line.Has("--axis")) placement.axis = ParseAxis("--axis", i_line.Get("--axis"));
-  // In radians, and within a turn: floats tell no degrees apart in large angles.
+  // Reduced to one turn first: a float cannot resolve degrees in a large angle.
   placement.angle = std::remainder(i_line.GetNumber("--angle", 0), 360.0) * std::numbers::pi / 180;
   placement.offset = i_line.GetNumber("--offset", placement.offset);
   if (i_line.Has("--size")) {
-    placement.size = common::ParseCount("--size", i_line.Get("--size"), largest_size);
+    placement.size = common::ParseCount("--size", i_line.Get("--size"), reslice::largest_size);
   }
   return placement;
 }

@@ -1,7 +1,10 @@
 // scene OUTPUT.png [--nodes N] [--frames N]
 //
-// Boxes that turn on the faces of boxes: updates their world transforms frame by frame, then picks by the
-// inverses what each pixel of a picture shows.
+// A scene graph of boxes that rotate on the faces of other boxes. Updates their world transforms frame by
+// frame, then draws a picture by picking a box for each pixel through the inverses.
+//
+// MakeNodes builds the graph, Update computes the world transforms, GetRay is the camera, Pick finds the box
+// that a ray hits, GetColour shades the hit, and Draw calls these for each pixel.
 
 #include <geometry/Matrix.h>
 #include <geometry/Quaternion.h>
@@ -28,19 +31,19 @@ using Matrix = lum::Matrix<float>;
 using Point = lum::Point<float, 3>;
 using Vector = lum::Vector<float, 3>;
 
-// A box, which reaches from -1/2 to 1/2 along each axis of its own coordinates.
+// A box from -1/2 to 1/2 along each axis of its own coordinates.
 struct Node {
   std::size_t parent;
   std::size_t depth;
-  Vector normal;  // of the parent's face that carries this box, which turns about it
-  Matrix mount;   // from that face to the parent
+  Vector normal;  // of the parent's face on which this box stands, and the axis of its rotation
+  Matrix mount;   // from the centre of this box to the parent
   std::size_t first_child = 0;
-  std::size_t last_child = 0;  // the one behind the last
+  std::size_t end_child = 0;  // one past the last child
   Matrix world = {};
 };
 using Nodes = std::vector<Node>;
 
-// The points origin + t direction. However long the direction, transforms keep the t of each.
+// The points origin + t direction. Transforms preserve t, because the direction is not normalised.
 struct Ray {
   Point origin;
   Vector direction;
@@ -49,30 +52,30 @@ struct Ray {
 struct Hit {
   float t = std::numeric_limits<float>::infinity();
   std::size_t node = 0;
-  std::size_t axis = 0;  // of the face that is hit
+  std::size_t axis = 0;  // normal to the face that is hit
 };
 
 constexpr std::array<Vector, 3> axes = {Vector(1, 0, 0), Vector(0, 1, 0), Vector(0, 0, 1)};
 
-// Not alike along all axes, so that boxes shear those that turn on them.
+// The size of a box relative to its parent. It is not uniform, so a rotated child is sheared.
 constexpr Vector shrink(0.5F, 0.5F, 0.44F);
 
-// A box is at most 3/4 away from the middle of its parent and half as large, so whatever a box carries,
-// however deep, is within 3/2 of its middle: 3/4 + 1/2 * 3/2.
+// A sphere of this radius around a box's centre contains the box and all its descendants: a child's centre is
+// at most 3/4 away, and the child's own sphere is at most half as large, so 3/4 + 1/2 * 3/2 = 3/2 suffices.
 constexpr float reach = 1.5F;
 
-// Parents come before their children, and the children of one box stand together.
+// Parents precede their children, and the children of one box are consecutive.
 Nodes MakeNodes(std::size_t i_count) {
   Nodes nodes{{0, 0, axes[2], {}}};
   for (std::size_t index = 0; index < nodes.size(); ++index) {
     nodes[index].first_child = nodes.size();
     for (std::size_t face = 0; face < 6 && nodes.size() < i_count; ++face) {
       Vector const normal = axes[face / 2] * (face % 2 == 0 ? -1.0F : 1.0F);
-      if (index != 0 && normal == -nodes[index].normal) continue;  // it sits on that face
+      if (index != 0 && normal == -nodes[index].normal) continue;  // the box stands on this face
       Matrix const mount = Matrix::Translate(normal * (0.5F + 0.5F * shrink[face / 2]));
       nodes.push_back({index, nodes[index].depth + 1, normal, mount});
     }
-    nodes[index].last_child = nodes.size();
+    nodes[index].end_child = nodes.size();
   }
   return nodes;
 }
@@ -96,7 +99,8 @@ float GetLargestDeviation(Nodes const& i_nodes) {
   return largest;
 }
 
-// Along an axis that a ray does not follow, a and b are infinite: of one sign where it misses the box.
+// Intersects the ray with the box in the box's coordinates, then with its children. Along an axis that is
+// perpendicular to the ray, a and b are infinite, and have the same sign if the ray misses the box.
 void Pick(Nodes const& i_nodes, std::size_t i_node, Ray const& i_ray, Hit& io_best) {
   Node const& node = i_nodes[i_node];
   Matrix const to_node = node.world.GetInverse();
@@ -105,18 +109,18 @@ void Pick(Nodes const& i_nodes, std::size_t i_node, Ray const& i_ray, Hit& io_be
   if (GetSquaredLength(Cross(origin - Point(), direction)) > reach * reach * Dot(direction, direction))
     return;
   Hit hit{0, i_node};
-  float leave = io_best.t;
+  float exit = io_best.t;
   for (std::size_t axis = 0; axis < 3; ++axis) {
     float const a = (-0.5F - origin[axis]) / direction[axis];
     float const b = (0.5F - origin[axis]) / direction[axis];
     if (std::min(a, b) > hit.t) hit = {std::min(a, b), i_node, axis};
-    leave = std::min(leave, std::max(a, b));
+    exit = std::min(exit, std::max(a, b));
   }
-  if (hit.t < leave) io_best = hit;
-  for (auto child = node.first_child; child < node.last_child; ++child) Pick(i_nodes, child, i_ray, io_best);
+  if (hit.t < exit) io_best = hit;
+  for (auto child = node.first_child; child < node.end_child; ++child) Pick(i_nodes, child, i_ray, io_best);
 }
 
-// The same without inverses: takes the faces of every box to the world, where the ray meets them.
+// The same result without inverses: transforms the faces of every box to the world and intersects them there.
 Hit PickInWorld(Nodes const& i_nodes, Ray const& i_ray) {
   Hit nearest;
   for (std::size_t index = 0; index < i_nodes.size(); ++index) {
@@ -156,34 +160,55 @@ Vector GetColour(Nodes const& i_nodes, Hit const& i_hit) {
   return colours[node.depth % 3] * (0.35F + 0.65F * std::abs(Dot(normal, Vector(0.2F, -0.6F, 0.8F))));
 }
 
+// Returns the mean time of a frame in milliseconds.
+double UpdateRepeatedly(std::size_t i_frames, Nodes& io_nodes) {
+  auto const start = std::chrono::steady_clock::now();
+  for (std::size_t frame = 1; frame <= i_frames; ++frame) Update(io_nodes, 0.01F * static_cast<float>(frame));
+  std::chrono::duration<double, std::milli> const time = std::chrono::steady_clock::now() - start;
+  return time.count() / static_cast<double>(i_frames);
+}
+
+struct Drawing {
+  common::Picture picture{width, height, {}};
+  std::size_t hits = 0;         // of the picks that are compared with PickInWorld
+  std::size_t differences = 0;  // of these picks
+};
+
+Drawing Draw(Nodes const& i_nodes) {
+  constexpr std::size_t stride = 997;  // between compared pixels, because PickInWorld is slow
+  Drawing drawing;
+  for (std::size_t pixel = 0; pixel < width * height; ++pixel) {
+    Ray const ray = GetRay(pixel % width, pixel / width);
+    Hit hit;
+    Pick(i_nodes, 0, ray, hit);
+    for (float const value : GetColour(i_nodes, hit)) {
+      drawing.picture.pixels.push_back(static_cast<std::uint8_t>(value));
+    }
+    if (pixel % stride != 0) continue;
+    Hit const expected = PickInWorld(i_nodes, ray);
+    if (std::isfinite(expected.t)) ++drawing.hits;
+    bool const is_different = hit.node != expected.node || std::abs(hit.t - expected.t) > 1e-4F * hit.t;
+    if (is_different) ++drawing.differences;
+  }
+  return drawing;
+}
+
 void Run(common::CommandLine const& i_line) {
   i_line.RequirePaths(1, "usage: scene OUTPUT.png [--nodes N] [--frames N]");
   common::OutputFile file(i_line.GetPaths()[0]);
   Nodes nodes = MakeNodes(i_line.GetCount("--nodes", 1000000, 10000));
   std::size_t const frames = i_line.GetCount("--frames", 100000, 60);
-  auto const start = std::chrono::steady_clock::now();
-  for (std::size_t frame = 1; frame <= frames; ++frame) Update(nodes, 0.01F * static_cast<float>(frame));
-  std::chrono::duration<double, std::milli> const time = std::chrono::steady_clock::now() - start;
-  common::Picture picture{width, height, {}};
-  std::size_t hits = 0;
-  std::size_t differences = 0;
-  for (std::size_t pixel = 0; pixel < width * height; ++pixel) {
-    Ray const ray = GetRay(pixel % width, pixel / width);
-    Hit hit;
-    Pick(nodes, 0, ray, hit);
-    for (float value : GetColour(nodes, hit)) picture.pixels.push_back(static_cast<std::uint8_t>(value));
-    if (pixel % 997 != 0) continue;
-    Hit const expected = PickInWorld(nodes, ray);
-    if (std::isfinite(expected.t)) ++hits;
-    if (hit.node != expected.node || std::abs(hit.t - expected.t) > 1e-4F * hit.t) ++differences;
-  }
-  common::WritePng(picture, file);
+  double const frame_time = UpdateRepeatedly(frames, nodes);
+  Drawing const drawing = Draw(nodes);
+  common::WritePng(drawing.picture, file);
   file.Publish();
   std::printf("%zu nodes, %zu deep; %zu frames of %.2f ms\n", nodes.size(), nodes.back().depth, frames,
-              time.count() / static_cast<double>(frames));
-  std::printf("world * inverse is the identity to %.1e\n", static_cast<double>(GetLargestDeviation(nodes)));
-  std::printf("%zu picks that hit, %zu other than without inverses\n", hits, differences);
-  if (differences > 0) throw std::logic_error("picks by inverses are wrong");
+              frame_time);
+  std::printf("world * inverse deviates from the identity by %.1e\n",
+              static_cast<double>(GetLargestDeviation(nodes)));
+  std::printf("%zu picks hit, %zu differ from the picks without inverses\n", drawing.hits,
+              drawing.differences);
+  if (drawing.differences > 0) throw std::logic_error("picks through inverses are wrong");
 }
 
 }  // namespace

@@ -42,34 +42,34 @@ Index GetCorner(Index const& i_cell, Vertex i_vertex) {
   return {i_cell[0] + (bits & 1U), i_cell[1] + (bits >> 1 & 1U), i_cell[2] + (bits >> 2 & 1U)};
 }
 
-// Where the surface crosses an edge of the grid.
+// The intersection of the surface with a grid edge.
 struct Crossing {
   Point point;
   Vector normal;
 };
 
-// Where the field is flat, or normals cancel, there is none to normalise.
+// The fallback is for vectors of length zero: gradients of a flat field, and sums of normals that cancel.
 Vector NormalizedOr(Vector const& i_fallback, Vector const& i_vector) {
   return lum::GetSquaredLength(i_vector) > 0 ? lum::GetNormalized(i_vector) : i_fallback;
 }
 
 Point InCell(Point const& i_point, Point const& i_origin) { return lum::Origin + (i_point - i_origin); }
 
-// The corners of equal z, and the edges that start there: those within the layer, and those up to the next.
+// The corners of equal z, and the edges that start there, within the layer and up to the next one.
 struct CornerLayer {
   std::vector<double> values;
   std::vector<Crossing> crossings;
   std::array<std::vector<std::uint32_t>, 3> crossing_of_edge;  // by axis
 };
 
-// What one sweep gives.
+// The result of one sweep.
 struct Share {
   Mesh mesh;
-  std::size_t shared_vertices = 0;  // the first of them, which are also the last ones of the share below
+  std::size_t shared_vertices = 0;  // the first ones of the mesh, equal to the last ones of the share below
 };
 
-// Contours the edges that start in some of the layers of corners. The cells below the first layer have
-// vertices here too.
+// Contours the edges that start in a range of layers of corners. Includes the vertices of the cells just
+// below the first layer, because quadrilaterals around the first edges need them.
 class Sweep {
  public:
   Sweep(Field const& i_field, std::size_t i_first_layer, std::size_t i_last_layer);
@@ -77,7 +77,7 @@ class Sweep {
   Share Run(std::function<void()> const& i_begin_layer);
 
  private:
-  // A layer's place: the corners, or the cells above them, row by row.
+  // The index within a layer of a corner, or of the cell above it.
   std::size_t At(Index const& i_index) const { return i_index[0] + m_size[0] * i_index[1]; }
   CornerLayer& LayerOf(Index const& i_corner) { return m_corners[i_corner[2] % 2]; }
   std::vector<std::uint32_t>& VerticesOf(Index const& i_cell) { return m_vertices[i_cell[2] % 2]; }
@@ -149,7 +149,7 @@ void Sweep::Evaluate(std::size_t i_z) {
   });
 }
 
-// Along one axis, from all corners of a layer.
+// Finds the crossings of the edges along one axis that start in a layer.
 void Sweep::FindCrossings(std::size_t i_z, CanonicalEdge i_edge) {
   std::size_t const axis = CanonicalEdgeIterable::IndexOf(i_edge);
   CornerLayer& layer = LayerOf({0, 0, i_z});
@@ -202,8 +202,8 @@ void Sweep::PlaceVertex(Index const& i_cell) {
                              NormalizedOr(crossings.back().normal, normals), minimum.rank, minimum.is_off});
 }
 
-// Edges and corners once more, with planes that touch the surface close to them: where it is curved, those
-// that touch it at the crossings miss them.
+// Places a vertex on an edge or corner more precisely, with tangent planes close to the first result. If the
+// surface is curved, the tangent planes at the crossings miss the edge.
 Quadric::Minimum Sweep::Sharpen(std::vector<Crossing> const& i_crossings, Point const& i_origin,
                                 Quadric::Minimum const& i_minimum) const {
   constexpr double closeness = 0.3;
@@ -221,8 +221,8 @@ Quadric::Minimum Sweep::Sharpen(std::vector<Crossing> const& i_crossings, Point 
   return second.rank == i_minimum.rank ? second : i_minimum;
 }
 
-// A quadrilateral around each crossed edge that starts at this corner: the edge is one of the four parallel
-// edges of each of four cells. No edge on the border of the grid is crossed, so all four exist.
+// Adds a quadrilateral around each crossed edge that starts at this corner. It joins the vertices of the four
+// cells that share the edge. All four exist, because no edge on the border of the grid is crossed.
 void Sweep::AddQuads(Index const& i_corner) {
   for (CanonicalEdge const canonical : CanonicalEdgeIterable()) {
     std::size_t const axis = CanonicalEdgeIterable::IndexOf(canonical);
@@ -234,8 +234,8 @@ void Sweep::AddQuads(Index const& i_corner) {
       Index const cell = {i_corner[0] - x, i_corner[1] - y, i_corner[2] - z};
       quad[parallel.IndexOf(edge)] = VerticesOf(cell)[At(cell)];
     }
-    // The iterable lists the second and third across from each other. The cells go around the edge against
-    // the clock as seen from its end, where outside is if its start is inside.
+    // In the iterable's order, cells 1 and 2 lie opposite each other. The order 0, 1, 3, 2 is
+    // counterclockwise as seen from the edge's end, which is outside if the start is inside.
     if (IsInside(i_corner)) {
       AddQuad({quad[0], quad[1], quad[3], quad[2]});
     } else {
@@ -244,7 +244,7 @@ void Sweep::AddQuads(Index const& i_corner) {
   }
 }
 
-// Split along the diagonal whose two triangles bend less.
+// Splits along the diagonal whose two triangles are closer to one plane.
 void Sweep::AddQuad(std::array<std::uint32_t, 4> const& i_vertices) {
   auto const [a, b, c, d] = i_vertices;
   using Triangle = std::array<std::uint32_t, 3>;
@@ -263,45 +263,49 @@ void Sweep::AddQuad(std::array<std::uint32_t, 4> const& i_vertices) {
 
 }  // namespace
 
-// Each thread sweeps its share of the layers; fields and what they hold are only read. The mesh is the same,
-// to the bit, as that of a single sweep.
+// Each thread sweeps its share of the layers and only reads the field. The shares are appended in order, so
+// the mesh has the same bits as that of a single sweep.
 Mesh Contour(Field const& i_field, Progress const& i_progress, std::size_t i_threads) {
-  constexpr std::size_t least_share = 8;  // neighbours both evaluate the layer between them
+  constexpr std::size_t smallest_share = 8;  // since two neighbours both evaluate the layer between them
   std::size_t const size = i_field.GetSize()[2];
   if (size < 2) return {};
   std::size_t const layers = size - 1;
   std::size_t const count =
-      std::clamp<std::size_t>(layers / least_share, 1, std::max<std::size_t>(i_threads, 1));
+      std::clamp<std::size_t>(layers / smallest_share, 1, std::max<std::size_t>(i_threads, 1));
 
+  // No other data depends on these two; the results pass through the futures.
   std::atomic<std::size_t> begun = 0;
   std::atomic<bool> is_ended = false;
-  auto const tell = [&] {
+  auto const show_progress = [&] {
     i_progress(std::min(1.0, static_cast<double>(begun) / static_cast<double>(layers + 2 * count)));
   };
-  auto const run = [&](std::size_t i_number, std::function<void()> const& i_begin_layer) {
+  auto const begin_layer_here = [&] {
+    ++begun;
+    show_progress();
+  };
+  auto const begin_layer_elsewhere = [&] {
+    if (is_ended) throw std::runtime_error("the contouring has ended");
+    ++begun;
+  };
+  auto const sweep = [&](std::size_t i_number, std::function<void()> const& i_begin_layer) {
     return Sweep(i_field, layers * i_number / count, layers * (i_number + 1) / count).Run(i_begin_layer);
   };
 
   std::vector<std::future<Share>> others;
-  // However this thread leaves, the others end soon, before their futures let it go.
+  // Stops the other threads if an exception leaves this function. It is destroyed before the futures, whose
+  // destructors wait for their threads.
   struct End {
     ~End() { is_ended = true; }
     std::atomic<bool>& is_ended;
   } const end{is_ended};
-  // Where no thread is to be had, the share is swept when it is asked for.
+  // If no thread can be started, a share is swept on this thread when its result is requested.
   constexpr auto policy = std::launch::async | std::launch::deferred;
   for (std::size_t i = 1; i < count; ++i) {
-    others.push_back(std::async(policy, run, i, [&] {
-      if (is_ended) throw std::runtime_error("the contouring has ended");
-      ++begun;
-    }));
+    others.push_back(std::async(policy, sweep, i, begin_layer_elsewhere));
   }
-  Mesh mesh = run(0, [&] {
-                ++begun;
-                tell();
-              }).mesh;
+  Mesh mesh = sweep(0, begin_layer_here).mesh;
   for (std::future<Share>& other : others) {
-    while (other.wait_for(std::chrono::milliseconds(50)) == std::future_status::timeout) tell();
+    while (other.wait_for(std::chrono::milliseconds(50)) == std::future_status::timeout) show_progress();
     Share const share = other.get();
     mesh.Append(share.mesh, share.shared_vertices);
   }

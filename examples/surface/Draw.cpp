@@ -11,6 +11,11 @@
 #include <numbers>
 #include <vector>
 
+// Draw, at the end, runs four passes over a Canvas of samples:
+//   DrawMesh        the triangles: depth, shading, and whether the back of the surface is seen
+//   DrawInside      the cut of the clip plane
+//   DrawSharpEdges  lines along edges and dots at corners
+//   AverageSamples  the pixels, with the background
 namespace surface {
 namespace {
 
@@ -40,16 +45,14 @@ Box GetBox(Mesh const& i_mesh, lum::Matrix<double> const& i_transform) {
   return box;
 }
 
-// Turns the mesh and brings it between -1 and 1, where the picture is.
+// Rotates the mesh and fits it between -1 and 1, the range of the picture.
 lum::Matrix<double> GetWorldToView(Mesh const& i_mesh, lum::Quaternionf const& i_rotation,
                                    bool i_is_turning) {
   lum::Matrix<double> const rotation(i_rotation.GetAsMatrix());
-  lum::Matrix<double> const upright;
-  lum::Matrix<double> const& boxed = i_is_turning ? upright : rotation;
-  auto const [low, high] = GetBox(i_mesh, boxed);
+  auto const [low, high] = GetBox(i_mesh, i_is_turning ? lum::Matrix<double>() : rotation);
   lum::Vector<double, 3> const middle = Box{low, high}.GetMiddle();
   auto const [width, height, depth] = high - low;
-  // However a box is turned, it keeps within its diagonal.
+  // At any rotation, a box stays within its diagonal.
   double const extent = i_is_turning ? lum::GetLength(high - low) : 1.08 * std::max(width, height);
   lum::Matrix<double> const fit =
       lum::Matrix<double>::Normalize(extent, extent, extent) * lum::Matrix<double>::Translate(-middle);
@@ -58,7 +61,7 @@ lum::Matrix<double> GetWorldToView(Mesh const& i_mesh, lum::Quaternionf const& i
 
 struct Sample {
   float depth = -std::numeric_limits<float>::infinity();
-  bool is_inside = false;  // the back of the surface: the sight went in through the clip plane
+  bool is_inside = false;  // the back of the surface, visible through the clip plane
   Colour colour{};
 };
 
@@ -71,7 +74,7 @@ Colour Shade(Colour const& i_colour, Vector const& i_normal) {
   float const gloss = 0.18F * std::pow(std::max(0.0F, lum::Dot(i_normal, halfway)), 32.0F);
   Colour shaded{};
   for (std::size_t channel = 0; channel < 3; ++channel) {
-    // Light adds up in linear intensities; colours are stored by their square roots.
+    // Light is additive in linear intensity; colours are stored as its square root.
     float const colour = static_cast<float>(i_colour[channel]) / 255;
     float const intensity = colour * colour * light + gloss;
     shaded[channel] =
@@ -80,7 +83,7 @@ Colour Shade(Colour const& i_colour, Vector const& i_normal) {
   return shaded;
 }
 
-// Samples, x from the left and y from the bottom; the square from -1 to 1 fills them.
+// A square of samples, x from the left and y from the bottom, that covers the coordinates from -1 to 1.
 class Canvas {
  public:
   explicit Canvas(std::size_t i_size) : m_size(i_size), m_samples(i_size * i_size) {}
@@ -92,7 +95,7 @@ class Canvas {
   float ToCoordinate(std::size_t i_sample) const {
     return (static_cast<float>(i_sample) + 0.5F) / static_cast<float>(m_size) * 2 - 1;
   }
-  // The first sample between two coordinates, and the one behind the last.
+  // The first sample between two coordinates, and one past the last.
   std::array<std::size_t, 2> GetSamples(float i_low, float i_high) const {
     auto const size = static_cast<float>(m_size);
     float const first = std::ceil((i_low + 1) / 2 * size - 0.5F);
@@ -116,7 +119,7 @@ bool IsCutAway(std::optional<lum::Plane<float>> const& i_clip, Point const& i_po
   return i_clip && lum::GetSignedDistance(*i_clip, i_point) > 0;
 }
 
-// Twice the area of the triangle a, b and (x, y).
+// Twice the signed area of the triangle a, b, (x, y), positive if it is counterclockwise.
 float GetArea(Point const& i_a, Point const& i_b, float i_x, float i_y) {
   return (i_b.GetX() - i_a.GetX()) * (i_y - i_a.GetY()) - (i_b.GetY() - i_a.GetY()) * (i_x - i_a.GetX());
 }
@@ -178,8 +181,7 @@ void DrawMesh(Mesh const& i_mesh, Colour const& i_colour, lum::Matrix<float> con
     Corners corners{};
     for (std::size_t corner = 0; corner < 3; ++corner) {
       std::uint32_t const vertex = triangle[corner];
-      // Edges and corners have no normal of their own: each triangle keeps its own there, which shows them
-      // sharp.
+      // At an edge or corner, each triangle uses its own normal, so that the edge looks sharp.
       Vector const& normal = i_mesh.vertices[vertex].rank > 1 ? flat : normals[vertex];
       corners[corner] = {positions[vertex], lum::GetNormalized(normal)};
     }
@@ -187,7 +189,7 @@ void DrawMesh(Mesh const& i_mesh, Colour const& i_colour, lum::Matrix<float> con
   }
 }
 
-// A stroke from a to b, or a dot where they are the same, upon what is drawn unless that lies in front.
+// Draws a stroke from a to b, or a dot if they are equal, except where the mesh lies in front of it.
 void DrawStroke(Point const& i_a, Point const& i_b, float i_radius, Colour const& i_colour,
                 std::optional<lum::Plane<float>> const& i_clip, Canvas& io_canvas) {
   Vector const side = i_b - i_a;
@@ -231,7 +233,7 @@ void DrawSharpEdges(Mesh const& i_mesh, Palette const& i_palette, lum::Matrix<fl
   }
 }
 
-// Where the sight goes in through the clip plane, that is what is seen.
+// Colours the samples that show the back of the surface: there, the clip plane cuts the inside.
 void DrawInside(View const& i_view, lum::Plane<float> const& i_clip,
                 lum::Matrix<float> const& i_world_to_view, Canvas& io_canvas) {
   lum::Matrix<float> const view_to_world = i_world_to_view.GetInverse();
@@ -249,7 +251,7 @@ void DrawInside(View const& i_view, lum::Plane<float> const& i_clip,
   }
 }
 
-// Behind everything: light above, a little darker below.
+// A grey that is lighter at the top.
 float GetBackground(std::size_t i_row, std::size_t i_rows) {
   return 250 - 34 * static_cast<float>(i_row) / static_cast<float>(i_rows);
 }
@@ -291,7 +293,7 @@ lum::Quaternionf LookAt(double i_angle) {
 }
 
 lum::Quaternionf Turn(double i_angle, std::size_t i_step, std::size_t i_steps) {
-  // Slerp takes the shorter way, so a full turn needs three rotations to go between.
+  // Slerp interpolates along the shorter arc, so a full turn is divided into three.
   constexpr double third = 2 * std::numbers::pi / 3;
   std::size_t const before = 3 * i_step / i_steps;
   double const from = i_angle + third * static_cast<double>(before);

@@ -16,27 +16,29 @@
 
 namespace surface {
 
-/// How a mesh is shown: from +z once it is turned, x to the right and y up.
+/// How a mesh is shown: rotated, then seen from +z with x to the right and y up.
 struct View {
   lum::Quaternionf rotation;
-  /// Whether the mesh is to keep its size and place at any other rotation too, or just to fill the picture.
+  /// Whether the mesh has the same scale and centre at every rotation, or fills the picture at this one.
   bool is_turning = false;
-  /// What lies above this plane of the world, on the side of its normal, is cut away.
+  /// The part above this plane of the world, on the side of its normal, is cut away.
   std::optional<lum::Plane<double>> clip;
-  /// The colour of the inside at a point of the world, where the plane cuts it.
+  /// The colour of the inside at a point of the world, where the clip plane cuts it.
   std::function<Colour(lum::Point<double, 3> const&)> inside;
   Palette palette{};
   std::size_t size = 0;  ///< pixels along each side
 };
 
-/// The rotation that shows z upwards and -y in front, turned about z by an angle in radians, seen from a
-/// little above.
+/// The rotation that shows z upwards and -y in front, after a rotation about z by an angle in radians, seen
+/// from slightly above.
 lum::Quaternionf LookAt(double i_angle);
 
-/// `LookAt` of the angle and one of so many equal steps of a full turn beyond it.
+/// `LookAt` of the angle plus i_step of i_steps equal parts of a full turn.
 lum::Quaternionf Turn(double i_angle, std::size_t i_step, std::size_t i_steps);
 
-/// A picture by a plain z-buffer: parallel projection, shaded, edges smoothed.
+/// Draws a picture with a z-buffer: parallel projection, shaded, with several samples for each pixel.
+///
+/// An exception that i_progress throws is passed on.
 common::Picture Draw(Mesh const& i_mesh, View const& i_view, Progress const& i_progress);
 
 }  // namespace surface

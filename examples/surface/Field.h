@@ -12,21 +12,22 @@ namespace surface {
 using Point = lum::Point<double, 3>;
 using Vector = lum::Vector<double, 3>;
 
-/// A function on a grid, positive inside of what is to be shown.
+/// A function on a grid, positive inside the solid. It must not be positive on the border of the grid.
 ///
-/// Its corners have whole grid coordinates from 0 up; those on the border of the grid are never inside.
+/// The corners of the grid have integer coordinates from 0 upwards.
 class Field {
  public:
   virtual ~Field() = default;
 
   std::array<std::size_t, 3> const& GetSize() const { return m_size; }  ///< corners along each axis
   lum::Matrix<double> const& GetGridToWorld() const { return m_grid_to_world; }
-  /// How near to zero a value is taken for zero.
+  /// Values of at most this magnitude count as zero.
   double GetTolerance() const { return m_tolerance; }
 
+  /// Must be safe to call from several threads at the same time.
   virtual double Evaluate(Point const& i_grid_point) const = 0;
 
-  /// By central differences, in grid coordinates.
+  /// The gradient in grid coordinates, by central differences.
   Vector GetGradient(Point const& i_grid_point) const;
 
  protected:

@@ -16,7 +16,7 @@ Inside::Inside(common::Volume const& i_volume)
     : mp_volume(&i_volume), m_world_to_voxel(i_volume.voxel_to_world.GetInverse()) {
   lum::Range<double> const range = GetRange(i_volume);
   m_dark = range.GetLower();
-  // A histogram tells the quantile well enough for greys, without a copy of the volume.
+  // A histogram approximates the quantile precisely enough for greys, without sorting a copy of the volume.
   std::array<std::size_t, 1024> counts{};
   double const scale = (counts.size() - 1) / (range.GetUpper() - range.GetLower());
   std::size_t total = 0;

@@ -8,8 +8,8 @@
 
 namespace surface {
 
-/// The greys of a volume at points of the world: black at its lowest value, white where only a few voxels are
-/// brighter. The volume must not be the same everywhere.
+/// The greys of a volume at points of the world: black at its lowest value, white for the brightest 2 % of
+/// the voxels. The volume must have at least two different finite values.
 class Inside {
  public:
   /// Keeps a reference to the volume.

@@ -11,9 +11,9 @@ constexpr char const* usage =
     "usage: surface (INPUT.nii[.gz] --level V | --solid NAME) --mesh OUT.ply [--picture OUT.png] "
     "[--turntable N DIR] [--clip A,B,C,D] [--quiet]";
 
-constexpr std::size_t most_frames = 9999;
+constexpr std::size_t most_frames = 9999;  // frame-0000.png has four digits
 
-// Goes through the words; what an option takes follows it.
+// Reads the words in order. The values of an option follow it.
 class Words {
  public:
   explicit Words(std::vector<std::string_view> const& i_words) : m_words(i_words) {}

@@ -10,11 +10,11 @@
 
 namespace surface {
 
-/// What the command line asks for.
+/// The parsed command line.
 struct Options {
   std::string input;  ///< a volume, empty for a solid
   double level = 0;
-  std::string solid;
+  std::string solid;  ///< the name of a solid, empty for a volume
   std::string mesh;
   std::string picture;     ///< empty for none
   std::size_t frames = 0;  ///< of the turntable
@@ -23,7 +23,7 @@ struct Options {
   bool is_quiet = false;
 };
 
-/// Throws `std::invalid_argument` with one line of text.
+/// Throws `std::invalid_argument` with a one-line message.
 Options ParseOptions(std::vector<std::string_view> const& i_words);
 
 }  // namespace surface

@@ -11,14 +11,14 @@
 namespace surface {
 namespace {
 
-// Values in the order of the file, passed on in large pieces.
+// Buffers the bytes of the file and writes them in large pieces.
 class Bytes {
  public:
   explicit Bytes(std::ofstream& io_file) : m_file(io_file) {}
 
   template <class T>
   void Add(T i_value) {
-    static_assert(std::endian::native == std::endian::little, "bytes are written as they stand");
+    static_assert(std::endian::native == std::endian::little, "bytes are written in the native order");
     std::size_t const place = m_bytes.size();
     m_bytes.resize(place + sizeof(T));
     std::memcpy(&m_bytes[place], &i_value, sizeof(T));

@@ -7,8 +7,8 @@
 
 namespace surface {
 
-/// Writes a binary little-endian PLY file with positions, normals and colours. What cannot be written throws
-/// `std::runtime_error` with one line of text.
+/// Writes a binary little-endian PLY file with positions, normals and colours. Throws `std::runtime_error`
+/// with a one-line message on failure, and passes on an exception of i_progress.
 void WritePly(Mesh const& i_mesh, Palette const& i_palette, common::OutputFile& io_file,
               Progress const& i_progress);
 

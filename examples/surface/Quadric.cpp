@@ -5,12 +5,14 @@
 namespace surface {
 namespace {
 
-// The normals are weighed so that the singular values of their sum of n n^T add up to 3, and the largest is 1
-// or more. So each value that counts for the rank, by its ratio to the largest, is inverted too, by its size.
-// What is below the tolerance comes from a surface that is curved within the cell, not from an edge.
+// Below this, a singular value comes from a surface that is curved within the cell, not from an edge.
+//
+// CalculatePseudoInverse compares it with each value's ratio to the largest one for the rank, but with the
+// value itself for the inverse. The weight makes the singular values of the sum of n n^T add up to 3, so the
+// largest is at least 1, and every value that counts for the rank is also inverted.
 constexpr double tolerance = 0.03;
 
-// How far, as a part of the cell, a point may be off the planes and still count as on their edge or corner.
+// A vertex counts as lying on its edge or corner up to this distance, in cells.
 constexpr double largest_offset = 0.01;
 
 Eigen::Vector3d ToEigen(Quadric::Vector const& i_vector) {
@@ -38,8 +40,8 @@ Quadric::Minimum Quadric::Minimise() const {
   Eigen::Vector3d point = start;
   Eigen::Vector3d minimum = start;
   int rank = 0;
-  // A minimum outside of the cell is replaced by that on the side of the cell where it left, then on an edge
-  // of that side, so that a vertex on an edge of the surface stays on it. There are three axes to leave by.
+  // If the minimum lies outside the cell, the farthest axis is fixed at the side of the cell and the minimum
+  // is sought again, so that a vertex on an edge of the surface stays on it. There are three axes to fix.
   for (int round = 0; round < 4; ++round) {
     Eigen::Matrix3d const free_normals = is_free.asDiagonal() * normals * is_free.asDiagonal();
     Eigen::Vector3d const residual = is_free.cwiseProduct(distances - normals * start);

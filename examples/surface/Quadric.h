@@ -7,10 +7,10 @@
 
 namespace surface {
 
-/// Finds the point that lies closest to a number of planes: the vertex that a cell gets in dual contouring.
-/// (Ju, Losasso, Schaefer, Warren: Dual contouring of Hermite data, 2002.)
+/// Finds the point of a cell that is closest to several planes: the cell's vertex in dual contouring (Ju,
+/// Losasso, Schaefer, Warren: Dual contouring of Hermite data, 2002).
 ///
-/// Coordinates are those of the cell, from 0 to 1.
+/// Coordinates are relative to the cell, from 0 to 1.
 class Quadric {
  public:
   using Point = lum::Point<double, 3>;
@@ -18,16 +18,15 @@ class Quadric {
 
   struct Minimum {
     Point point;
-    int rank;     ///< 1 where the planes agree, 2 where they form an edge, 3 where they form a corner
-    bool is_off;  ///< whether the planes meet outside of the cell, and the point is not where they do
+    int rank;     ///< 1 if the planes agree, 2 if they form an edge, 3 if they form a corner
+    bool is_off;  ///< whether the planes meet outside the cell, so that the point lies elsewhere
   };
 
-  /// A plane by a point on it and its unit normal.
+  /// Adds the plane through a point with a unit normal.
   void Add(Point const& i_point, Vector const& i_normal);
 
-  /// The sum of squared distances is smallest here among the points of the cell; where it is the same along a
-  /// line or plane, this is the point closest to the mass point, the mean of the points. At least one plane
-  /// must have been added.
+  /// The point of the cell with the smallest sum of squared distances. If a line or plane of points has the
+  /// same sum, the one closest to the mean of the planes' points. At least one plane must have been added.
   Minimum Minimise() const;
 
  private:

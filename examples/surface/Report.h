@@ -6,18 +6,18 @@
 
 namespace surface {
 
-/// What the user sees of the work: a line of progress on a terminal, and the time of each phase at the end.
+/// Shows a line of progress on a terminal, and the time of each phase at the end.
 class Report {
  public:
   explicit Report(bool i_is_quiet);
 
-  /// Ends the phase before.
+  /// Ends the current phase and begins another.
   void Begin(std::string i_phase);
-  /// The part of the phase that is done, from 0 to 1.
+  /// Shows the finished fraction of the phase, from 0 to 1.
   void Show(double i_part);
-  /// Ends the last phase and prints a line and the times.
+  /// Ends the last phase and prints the line and the times.
   void End(std::string_view i_line);
-  /// Takes the line of progress away.
+  /// Erases the line of progress.
   void Clear();
 
  private:

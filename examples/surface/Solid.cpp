@@ -29,7 +29,7 @@ class SolidField : public Field {
   Shape m_shape;
 };
 
-// The pips of a face from 1 to 6, in units of the distance between rows.
+// The positions of a number's pips, in units of the distance between rows.
 std::vector<lum::Vector<double, 2>> GetPips(int i_number) {
   switch (i_number) {
     case 1:
@@ -84,7 +84,7 @@ std::string_view GetSolidNames() { return "die, sphere"; }
 std::unique_ptr<Field> MakeSolid(std::string_view i_name, std::size_t i_cells) {
   if (i_name == "die") return std::make_unique<SolidField<Die>>(Die(), i_cells);
   if (i_name == "sphere") return std::make_unique<SolidField<Sphere>>(Sphere(), i_cells);
-  throw std::invalid_argument("there is no solid \"" + std::string(i_name) + "\", but " +
+  throw std::invalid_argument("unknown solid \"" + std::string(i_name) + "\"; the solids are " +
                               std::string(GetSolidNames()));
 }
 

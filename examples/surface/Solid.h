@@ -17,17 +17,17 @@ struct Sphere {
   static double Evaluate(Point const& i_world);
 };
 
-/// A die: a cube with a spherical bite for each pip, turned out of the grid.
+/// A die: a cube with a spherical bite for each pip, rotated so that no face is parallel to the grid.
 class Die {
  public:
   static constexpr double half_edge = 0.54;
   static constexpr double bite_radius = 0.13;
-  /// How far the centre of a bite lies above the face.
+  /// The distance of a bite's centre above the face.
   static constexpr double bite_height = 0.04;
 
   Die();
 
-  /// Positive inside; the signed distance, but for rounded-off corners outside.
+  /// Positive inside. The signed distance, but of smaller magnitude outside edges and corners.
   double Evaluate(Point const& i_world) const;
 
   lum::Matrix<double> const& GetDieToWorld() const { return m_die_to_world; }
@@ -36,7 +36,8 @@ class Die {
 
  private:
   lum::Matrix<double> m_die_to_world;
-  // Held, since all threads that evaluate the field would count references to a copy that each makes.
+  // Kept, since every thread that evaluates the field would otherwise copy the inverse, and the threads would
+  // contend for its reference counts.
   lum::Matrix<double> m_world_to_die;
   std::vector<Point> m_bites;
 };
@@ -44,8 +45,8 @@ class Die {
 /// The names of the solids, separated by commas.
 std::string_view GetSolidNames();
 
-/// The solid of a name on a grid of so many cells along each side of the box from -1 to 1. A name that there
-/// is not throws `std::invalid_argument` with those that there are.
+/// The named solid on a grid with i_cells cells along each side of the box from -1 to 1. Throws
+/// `std::invalid_argument` for an unknown name; the message lists the known ones.
 std::unique_ptr<Field> MakeSolid(std::string_view i_name, std::size_t i_cells);
 
 }  // namespace surface

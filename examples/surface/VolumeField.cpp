@@ -15,14 +15,14 @@
 namespace surface {
 namespace {
 
-// All digits that tell it from its neighbours, and no more.
+// The shortest text that reads back as the same number.
 std::string Print(double i_value) {
   std::array<char, 32> text{};
   auto const [end, error] = std::to_chars(text.data(), text.data() + text.size(), i_value);
   return {text.data(), end};
 }
 
-// Blending along an edge is linear: false position meets zero at once, but for rounding.
+// Interpolation along an edge is linear, so regula falsi finds the root in one step, apart from rounding.
 constexpr double relative_tolerance = 1e-9;
 
 double GetTolerance(common::Volume const& i_volume) {
@@ -57,8 +57,8 @@ VolumeField::VolumeField(common::Volume const& i_volume, double i_level)
   lum::Range<double> const range = GetRange(i_volume);
   if (range.IsEmpty()) throw std::invalid_argument("none of the volume's values is finite");
   if (!std::isfinite(range.GetUpper() - range.GetLower())) {
-    throw std::invalid_argument("the volume's values range too far: from " + Print(range.GetLower()) +
-                                " to " + Print(range.GetUpper()));
+    throw std::invalid_argument("the range of the volume's values overflows: from " +
+                                Print(range.GetLower()) + " to " + Print(range.GetUpper()));
   }
   if (i_level >= range.GetLower() && i_level < range.GetUpper()) return;
   throw std::invalid_argument("the volume never crosses the level " + Print(i_level) +
@@ -73,7 +73,7 @@ double VolumeField::Evaluate(Point const& i_grid_point) const {
   return lum::TrilinearInterpolation(AtCorners(low), lum::Origin + (i_grid_point - low));
 }
 
-// Most cells lie among the voxels, and most volumes are finite: then nothing has to be asked of each corner.
+// The first branch needs no check of each corner. It serves most cells, which lie between finite voxels.
 std::array<double, 8> VolumeField::AtCorners(Point const& i_low) const {
   using lum::CubeElementIds::Vertex;
   constexpr lum::CubeVertexIterable<lum::CubeElementIds::Cube> corners;

@@ -10,23 +10,23 @@
 
 namespace surface {
 
-/// From the lowest to the highest finite value; empty when there is none.
+/// The range of the finite values; empty if there are none.
 lum::Range<double> GetRange(common::Volume const& i_volume);
 
-/// A volume less a level, blended between voxels.
+/// A volume minus a level, interpolated between voxels.
 ///
-/// A layer of its lowest value is laid around it, so that what reaches its border is closed there: the grid
-/// point (i, j, k) is the voxel (i - 1, j - 1, k - 1). A voxel that is not finite counts as the lowest.
+/// A layer of the volume's lowest value surrounds it and closes surfaces at the border, so grid point (i, j,
+/// k) is voxel (i - 1, j - 1, k - 1). Voxels that are not finite have the lowest value too.
 class VolumeField : public Field {
  public:
-  /// Keeps a reference to the volume. A level that it does not cross throws `std::invalid_argument` with the
-  /// range that it has; so does one whose range is not finite.
+  /// Keeps a reference to the volume. Throws `std::invalid_argument` if no value is finite, if the width of
+  /// the range is not finite, or if the level lies outside the range; the message states the range.
   VolumeField(common::Volume const& i_volume, double i_level);
 
   double Evaluate(Point const& i_grid_point) const override;
 
  private:
-  // By points of whole coordinates.
+  // All four expect integer coordinates.
   std::array<double, 8> AtCorners(Point const& i_low) const;
   double AtCorner(Point const& i_corner) const;
   bool IsVoxel(Point const& i_corner) const;

@@ -1,8 +1,18 @@
 // surface (INPUT.nii[.gz] --level V | --solid NAME) --mesh OUT.ply [--picture OUT.png] [--turntable N DIR]
 //         [--clip A,B,C,D] [--quiet]
 //
-// The surface of a volume at a level, or of a solid, as a mesh and in pictures. With --clip, pictures leave
-// out what lies above the plane A x + B y + C z = D of the world and show the inside there.
+// Writes the surface of a volume at a level, or of a solid, as a mesh and as pictures. With --clip, the
+// pictures omit the part above the plane A x + B y + C z = D of the world and show the inside there.
+//
+// The steps, in the order in which main and Program::Run call them:
+//   Options.cpp                    parses the command line
+//   VolumeField.cpp or Solid.cpp   provides the field, whose zeros are the surface
+//   Contour.cpp and Quadric.cpp    compute the mesh: its triangles and where its vertices lie
+//   Ply.cpp                        writes the mesh
+//   Draw.cpp                       draws a picture of the mesh; its first lines name its passes
+//   Colour.h and Inside.cpp        are the colours of the surface and of the cut
+//   common/Picture.cpp             writes a picture
+// Report.cpp shows progress and times.
 
 #include <atomic>
 #include <csignal>
@@ -44,11 +54,12 @@ constexpr std::size_t cells = 128;
 constexpr std::size_t picture_size = 900;
 constexpr std::size_t frame_size = 480;
 
-// Of a head, as volumes have their y axis forwards; dice look the same from everywhere.
+// The three-quarter view of a head, whose y axis points forwards. A die looks similar from every side.
 constexpr double three_quarter_view = 0.8 * std::numbers::pi;
 
-// Set by Ctrl-C, on whichever thread that finds running, and read between two steps of the work, where
-// unfinished files are taken away as for any error. Free of locks, so that a handler may set it.
+// Set by the signal handler, on any thread. Read between two steps of the work, which then throws, so that
+// unfinished files are removed as after any error. The handler may set it because it is lock-free, and no
+// other data depends on it.
 std::atomic<bool> is_interrupted = false;
 static_assert(std::atomic<bool>::is_always_lock_free);
 void Interrupt(int) { is_interrupted = true; }
@@ -62,7 +73,7 @@ void ThrowIfInterrupted() {
   if (is_interrupted) throw Interrupted();
 }
 
-// Whether what is to be written would replace something else that is read or written.
+// Throws if an output would replace the input or the other output.
 void RefuseEqualPaths(surface::Options const& i_options) {
   std::set<std::filesystem::path> paths;
   for (std::string const& path : {i_options.input, i_options.mesh, i_options.picture}) {
@@ -71,7 +82,7 @@ void RefuseEqualPaths(surface::Options const& i_options) {
   }
 }
 
-// What is shown and how, apart from where one stands.
+// The field to be contoured, with the volume that it refers to, and the view except for its rotation.
 struct Scene {
   std::optional<common::Volume> volume;
   std::unique_ptr<surface::Field> field;

@@ -197,7 +197,7 @@ TEST_F(Euler, RefusesBadArguments) {
   ExpectRefusal(input, "usage: euler", {});
   ExpectRefusal("--level 3", "usage: euler", {});
   ExpectRefusal(input + " " + input + " --level 3", "usage: euler", {});
-  ExpectRefusal(input + " --level high", "--level does not take \"high\"", {});
+  ExpectRefusal(input + " --level high", "--level takes a number, not \"high\"", {});
   ExpectRefusal("--radius 0", "--radius takes a whole number from 1 to 200", {});
   ExpectRefusal("--radius 201", "--radius takes a whole number from 1 to 200", {});
   ExpectRefusal("--solid torus", "unknown option --solid", {});

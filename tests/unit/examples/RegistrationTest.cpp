@@ -106,13 +106,13 @@ TEST_F(Registration, PlotsEveryIteration) {
 TEST_F(Registration, ReportsAWrongResultAndPlotsIt) {
   Printed const printed = Register(" --angle 120", 1);
   EXPECT_GT(printed.degrees, 1);
-  EXPECT_EQ(ReadText(In("err")), "registration: the clouds settle in a wrong place\n");
+  EXPECT_EQ(ReadText(In("err")), "registration: the clouds converged to a wrong pose\n");
   EXPECT_EQ(ReadLines(In("plot.svg")).size(), 2U);
 }
 
 TEST_F(Registration, RefusesPairsThatFixNoRotation) {
-  ExpectRefusal(In("refused.svg") + " --points 1", "the pairs fix no rotation", {In("refused.svg")});
-  ExpectRefusal(In("refused.svg") + " --points 2", "the pairs fix no rotation", {In("refused.svg")});
+  ExpectRefusal(In("refused.svg") + " --points 1", "the pairs determine no rotation", {In("refused.svg")});
+  ExpectRefusal(In("refused.svg") + " --points 2", "the pairs determine no rotation", {In("refused.svg")});
 }
 
 TEST_F(Registration, RefusesBadArguments) {
@@ -120,7 +120,7 @@ TEST_F(Registration, RefusesBadArguments) {
   ExpectRefusal("", "usage: registration", {output});
   ExpectRefusal(output + " --noise -0.1", "--noise takes a number from 0 to 1", {output});
   ExpectRefusal(output + " --noise 1.1", "--noise takes a number from 0 to 1", {output});
-  ExpectRefusal(output + " --noise inf", "--noise does not take", {output});
+  ExpectRefusal(output + " --noise inf", "--noise takes a number, not \"inf\"", {output});
   ExpectRefusal(output + " --points 2.5", "--points takes a whole number", {output});
   ExpectRefusal(output + " --seed", "--seed takes a value", {output});
   ExpectRefusal(output + " --turn 3", "unknown option --turn", {output});

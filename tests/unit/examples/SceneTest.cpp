@@ -38,8 +38,8 @@ class Scene : public test::ProgramTest {
     Printed printed{};
     EXPECT_EQ(std::sscanf(ReadText(In("out")).c_str(),
                           "%zu nodes, %zu deep; %zu frames of %lf ms\n"
-                          "world * inverse is the identity to %lf\n"
-                          "%zu picks that hit, %zu other than without inverses\n",
+                          "world * inverse deviates from the identity by %lf\n"
+                          "%zu picks hit, %zu differ from the picks without inverses\n",
                           &printed.nodes, &printed.depth, &printed.frames, &printed.time, &printed.deviation,
                           &printed.hits, &printed.differences),
               7)
@@ -144,7 +144,7 @@ TEST_F(Scene, RefusesBadArguments) {
   ExpectRefusal("", "usage: scene", {output});
   ExpectRefusal(output + " other.png", "usage: scene", {output});
   ExpectRefusal(output + " --nodes 0", "--nodes takes a whole number from 1 to 1000000", {output});
-  ExpectRefusal(output + " --frames many", "--frames does not take \"many\"", {output});
+  ExpectRefusal(output + " --frames many", "--frames takes a number, not \"many\"", {output});
   ExpectRefusal(output + " --frames", "--frames takes a value", {output});
   ExpectRefusal(output + " --depth 3", "unknown option --depth", {output});
   ExpectRefusal(In("no/such/folder.png") + " --nodes 2", "cannot write", {});

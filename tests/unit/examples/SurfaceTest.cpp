@@ -304,7 +304,8 @@ TEST(Contour, RefusesARangeThatOverflows) {
   common::Volume const volume =
       MakeVolume({3, 3, 3}, {}, [](std::size_t i_i, auto...) { return i_i == 1 ? 1.7e308 : -1.7e308; });
   EXPECT_TRUE(lum::test::Throws<std::invalid_argument>(
-      [&] { VolumeField(volume, 0); }, "the volume's values range too far: from -1.7e+308 to 1.7e+308"));
+      [&] { VolumeField(volume, 0); },
+      "the range of the volume's values overflows: from -1.7e+308 to 1.7e+308"));
 }
 
 TEST(Contour, TheLeastRangeIsContoured) {
@@ -612,7 +613,7 @@ TEST_F(Surface, RefusesALevelThatIsNeverCrossed) {
 }
 
 TEST_F(Surface, RefusesAnUnknownSolid) {
-  ExpectRefusal("--solid cone" + Outputs(), "there is no solid \"cone\", but die, sphere");
+  ExpectRefusal("--solid cone" + Outputs(), "unknown solid \"cone\"; the solids are die, sphere");
 }
 
 TEST_F(Surface, RefusesBadOptions) {
@@ -624,7 +625,7 @@ TEST_F(Surface, RefusesBadOptions) {
   ExpectRefusal("--solid die --level 3" + mesh, "usage");
   ExpectRefusal(input + " --level 3 --solid die" + mesh, "usage");
   ExpectRefusal(input + " " + input + " --level 3" + mesh, "usage");
-  ExpectRefusal(input + " --level high" + mesh, "--level does not take \"high\"");
+  ExpectRefusal(input + " --level high" + mesh, "--level takes a number, not \"high\"");
   ExpectRefusal("--solid die --mesh", "--mesh takes a value");
   ExpectRefusal("--solid die --turntable 0 " + In("frames") + mesh, "from 1 to 9999");
   ExpectRefusal("--solid die --turntable 5", "--turntable takes a value");
