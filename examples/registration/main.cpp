@@ -107,55 +107,52 @@ Matrix Align(std::vector<Pair> const& i_pairs) {
   return Matrix::Translate(to) * lum::Quaternionf(covariance).GetAsMatrix() * Matrix::Translate(-from);
 }
 
-double GetRoot(double i_sum_of_squares, std::size_t i_count) {
-  return std::sqrt(i_sum_of_squares / static_cast<double>(i_count));
-}
-
+// The root mean square distance.
 double GetDistance(std::vector<Pair> const& i_pairs) {
-  double squares = 0;
-  for (Pair const& pair : i_pairs) squares += static_cast<double>(pair.squared_distance);
-  return GetRoot(squares, i_pairs.size());
+  double sum = 0;
+  for (Pair const& pair : i_pairs) sum += static_cast<double>(pair.squared_distance);
+  return std::sqrt(sum / static_cast<double>(i_pairs.size()));
 }
-
 double GetDistance(std::vector<Point> const& i_a, std::vector<Point> const& i_b) {
-  double squares = 0;
-  for (std::size_t i = 0; i < i_a.size(); ++i)
-    squares += static_cast<double>(GetSquaredLength(i_a[i] - i_b[i]));
-  return GetRoot(squares, i_a.size());
+  double sum = 0;
+  for (std::size_t i = 0; i < i_a.size(); ++i) {
+    sum += static_cast<double>(GetSquaredLength(i_a[i] - i_b[i]));
+  }
+  return std::sqrt(sum / static_cast<double>(i_a.size()));
 }
 
-// The estimated transform, and the root mean square distances before each iteration.
-struct Registered {
+// The estimated transform, and the distances before each iteration.
+struct Registration {
   Matrix estimate;
   std::vector<double> between_pairs;
   std::vector<double> from_truth;
 };
 
-// Moves i_source onto i_target until the distance of the pairs settles. i_true_places are the right places of
-// the moved points, for the plot only.
-Registered Register(std::vector<Point> const& i_source, Cloud const& i_target,
-                    std::vector<Point> const& i_true_places) {
+// Moves i_source onto i_target until the distance of the pairs converges. i_true_places are the right places
+// of the moved points, for the plot only.
+Registration Register(std::vector<Point> const& i_source, Cloud const& i_target,
+                      std::vector<Point> const& i_true_places) {
   constexpr int most_iterations = 200;
   constexpr double least_progress = 1e-5;  // relative to the distance
   Tree const tree(3, i_target);
-  Registered result;
+  Registration result;
   std::vector<Point> moved(i_source.size());
+  double previous = std::numeric_limits<double>::infinity();
   for (int iteration = 0; iteration < most_iterations; ++iteration) {
     lum::TransformPoints(result.estimate, i_source, moved);
     std::vector<Pair> const pairs = FindPairs(moved, i_target, tree);
-    double const before =
-        iteration > 0 ? result.between_pairs.back() : std::numeric_limits<double>::infinity();
     double const distance = GetDistance(pairs);
     result.between_pairs.push_back(distance);
     result.from_truth.push_back(GetDistance(moved, i_true_places));
-    if (std::abs(before - distance) < least_progress * distance) break;
+    if (std::abs(previous - distance) < least_progress * distance) break;
+    previous = distance;
     result.estimate = Align(pairs) * result.estimate;
   }
   return result;
 }
 
 // Prints the error of the estimate. Throws if the rotation is wrong by more than a degree.
-void Report(Registered const& i_result, Matrix const& i_truth) {
+void Report(Registration const& i_result, Matrix const& i_truth) {
   Matrix const error = i_result.estimate * i_truth.GetInverse();
   auto const [x, y, z, w] = lum::Quaternionf(error).GetCoefficients();
   float const angle = 2 * std::atan2(std::hypot(x, y, z), std::abs(w)) * 180 / std::numbers::pi_v<float>;
@@ -183,7 +180,7 @@ void Run(common::CommandLine const& i_line) {
   std::vector<Point> source(count);
   lum::TransformPoints(truth.GetInverse(), true_places, source);
 
-  Registered const result = Register(source, target, true_places);
+  Registration const result = Register(source, target, true_places);
   common::WritePlot(
       "Root mean square distance of the points",
       {{"between pairs", "#c05a1c", result.between_pairs}, {"from the truth", "#205a9e", result.from_truth}},

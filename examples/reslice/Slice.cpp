@@ -20,7 +20,7 @@ double Snap(float i_component) {
   return static_cast<double>(std::abs(i_component - nearest) < 1e-6F ? nearest : i_component);
 }
 
-Vector Turn(lum::Quaternionf const& i_rotation, lum::Vector<float, 3> const& i_vector) {
+Vector Rotate(lum::Quaternionf const& i_rotation, lum::Vector<float, 3> const& i_vector) {
   auto const [x, y, z] = i_rotation.Transform(i_vector);
   return {Snap(x), Snap(y), Snap(z)};
 }
@@ -36,14 +36,14 @@ Point GetMiddle(common::Volume const& i_volume) {
 }
 
 // The extent of a slice from its middle, in pixels.
-struct Reach {
+struct Extent {
   double left;
   double right;
   double down;
   double up;
 };
 
-Reach ReachOf(std::size_t i_size) {
+Extent GetExtent(std::size_t i_size) {
   std::size_t const before = i_size / 2;
   auto const low = static_cast<double>(before);
   auto const high = static_cast<double>(i_size - 1 - before);
@@ -51,20 +51,20 @@ Reach ReachOf(std::size_t i_size) {
 }
 
 // The smallest extent that contains the centres of all voxels.
-Reach ReachOf(common::Volume const& i_volume, lum::Matrix<double> const& i_voxel_to_plane) {
-  Reach reach{};
+Extent GetExtent(common::Volume const& i_volume, lum::Matrix<double> const& i_voxel_to_plane) {
+  Extent extent{};
   for (unsigned corner = 0; corner < 8; ++corner) {
     Point voxel;
     for (std::size_t axis = 0; axis < 3; ++axis) {
       if ((corner >> axis & 1) != 0) voxel[axis] = static_cast<double>(i_volume.size[axis] - 1);
     }
     auto const [x, y, z] = i_voxel_to_plane * voxel;
-    reach.left = std::max(reach.left, std::floor(-x));
-    reach.right = std::max(reach.right, std::floor(x));
-    reach.down = std::max(reach.down, std::floor(-y));
-    reach.up = std::max(reach.up, std::floor(y));
+    extent.left = std::max(extent.left, std::floor(-x));
+    extent.right = std::max(extent.right, std::floor(x));
+    extent.down = std::max(extent.down, std::floor(-y));
+    extent.up = std::max(extent.up, std::floor(y));
   }
-  return reach;
+  return extent;
 }
 
 }  // namespace
@@ -73,22 +73,22 @@ Slice PlaceSlice(common::Volume const& i_volume, Placement const& i_placement) {
   if (!(lum::GetLength(i_placement.axis) > 0)) throw std::invalid_argument("the axis has length zero");
   lum::Quaternionf const rotation(lum::GetNormalized(i_placement.axis),
                                   static_cast<float>(i_placement.angle));
-  Vector const x = Turn(rotation, {1, 0, 0});
-  Vector const y = Turn(rotation, {0, 1, 0});
-  Vector const z = Turn(rotation, {0, 0, 1});
+  Vector const x = Rotate(rotation, {1, 0, 0});
+  Vector const y = Rotate(rotation, {0, 1, 0});
+  Vector const z = Rotate(rotation, {0, 0, 1});
   Point const middle = i_volume.voxel_to_world * GetMiddle(i_volume) + z * i_placement.offset;
 
   lum::Matrix<double> const plane_to_world(middle, x, y, z);
-  Reach const reach = i_placement.size
-                          ? ReachOf(*i_placement.size)
-                          : ReachOf(i_volume, plane_to_world.GetInverse() * i_volume.voxel_to_world);
-  if (!(std::max(reach.left + reach.right, reach.down + reach.up) < static_cast<double>(largest_size))) {
+  Extent const extent = i_placement.size
+                            ? GetExtent(*i_placement.size)
+                            : GetExtent(i_volume, plane_to_world.GetInverse() * i_volume.voxel_to_world);
+  if (!(std::max(extent.left + extent.right, extent.down + extent.up) < static_cast<double>(largest_size))) {
     throw std::invalid_argument(
         "the slice would be more than 16384 pixels wide or high; --size makes it smaller");
   }
-  return {static_cast<std::size_t>(reach.left + reach.right) + 1,
-          static_cast<std::size_t>(reach.down + reach.up) + 1,
-          plane_to_world * lum::Matrix<double>::Translate(-reach.left, -reach.down, 0)};
+  return {static_cast<std::size_t>(extent.left + extent.right) + 1,
+          static_cast<std::size_t>(extent.down + extent.up) + 1,
+          plane_to_world * lum::Matrix<double>::Translate(-extent.left, -extent.down, 0)};
 }
 
 Samples Resample(common::Volume const& i_volume, Slice const& i_slice) {

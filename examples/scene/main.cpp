@@ -144,20 +144,25 @@ Hit PickInWorld(Nodes const& i_nodes, Ray const& i_ray) {
 constexpr std::size_t width = 800, height = 600;
 
 Ray GetRay(std::size_t i_column, std::size_t i_row) {
+  constexpr float distance = 6;
+  constexpr float focal_length = 2.3F * height;  // in pixels
   static Vector const back = lum::GetNormalized(Vector(2, -3, 1.6F));
   static Vector const right = lum::GetNormalized(Cross(axes[2], back));
-  static Matrix const camera(Point() + back * 6, right, Cross(back, right), back);
+  static Matrix const camera(Point() + back * distance, right, Cross(back, right), back);
   float const x = static_cast<float>(i_column) - 0.5F * (width - 1);
   float const y = 0.5F * (height - 1) - static_cast<float>(i_row);
-  return {camera * Point(), camera * Vector(x, y, -2.3F * height)};
+  return {camera * Point(), camera * Vector(x, y, -focal_length)};
 }
 
 Vector GetColour(Nodes const& i_nodes, Hit const& i_hit) {
+  constexpr Vector light(0.2F, -0.6F, 0.8F);
+  constexpr Vector background(24, 24, 28);
+  // By depth in the graph.
   constexpr std::array<Vector, 3> colours = {Vector(38, 92, 160), Vector(236, 232, 222), Vector(206, 60, 44)};
-  if (!std::isfinite(i_hit.t)) return {24, 24, 28};
+  if (!std::isfinite(i_hit.t)) return background;
   Node const& node = i_nodes[i_hit.node];
   Vector const normal = lum::GetNormalized(node.world.GetNormalTransform() * axes[i_hit.axis]);
-  return colours[node.depth % 3] * (0.35F + 0.65F * std::abs(Dot(normal, Vector(0.2F, -0.6F, 0.8F))));
+  return colours[node.depth % 3] * (0.35F + 0.65F * std::abs(Dot(normal, light)));
 }
 
 // Returns the mean time of a frame in milliseconds.

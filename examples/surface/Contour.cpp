@@ -206,7 +206,7 @@ void Sweep::PlaceVertex(Index const& i_cell) {
 // surface is curved, the tangent planes at the crossings miss the edge.
 Quadric::Minimum Sweep::Sharpen(std::vector<Crossing> const& i_crossings, Point const& i_origin,
                                 Quadric::Minimum const& i_minimum) const {
-  constexpr double closeness = 0.3;
+  constexpr double closeness = 0.3;  // of a touching point: 0 at the first result, 1 at the crossing
   Point const first = i_origin + (i_minimum.point - lum::Origin);
   Quadric quadric;
   for (Crossing const& crossing : i_crossings) {

@@ -52,8 +52,9 @@ lum::Matrix<double> GetWorldToView(Mesh const& i_mesh, lum::Quaternionf const& i
   auto const [low, high] = GetBox(i_mesh, i_is_turning ? lum::Matrix<double>() : rotation);
   lum::Vector<double, 3> const middle = Box{low, high}.GetMiddle();
   auto const [width, height, depth] = high - low;
+  constexpr double margin = 1.08;
   // At any rotation, a box stays within its diagonal.
-  double const extent = i_is_turning ? lum::GetLength(high - low) : 1.08 * std::max(width, height);
+  double const extent = i_is_turning ? lum::GetLength(high - low) : margin * std::max(width, height);
   lum::Matrix<double> const fit =
       lum::Matrix<double>::Normalize(extent, extent, extent) * lum::Matrix<double>::Translate(-middle);
   return i_is_turning ? rotation * fit : fit * rotation;
@@ -192,6 +193,7 @@ void DrawMesh(Mesh const& i_mesh, Colour const& i_colour, lum::Matrix<float> con
 // Draws a stroke from a to b, or a dot if they are equal, except where the mesh lies in front of it.
 void DrawStroke(Point const& i_a, Point const& i_b, float i_radius, Colour const& i_colour,
                 std::optional<lum::Plane<float>> const& i_clip, Canvas& io_canvas) {
+  constexpr float depth_tolerance = 3;  // in radii, because strokes lie on the surface
   Vector const side = i_b - i_a;
   auto const [left, right] = std::minmax({i_a.GetX(), i_b.GetX()});
   auto const [bottom, top] = std::minmax({i_a.GetY(), i_b.GetY()});
@@ -207,7 +209,8 @@ void DrawStroke(Point const& i_a, Point const& i_b, float i_radius, Colour const
       if (std::hypot(x - along * side.GetX(), y - along * side.GetY()) > i_radius) continue;
       Point const point = i_a + side * along;
       Sample& sample = io_canvas.At(i, j);
-      if (point.GetZ() + 3 * i_radius < sample.depth || IsCutAway(i_clip, point)) continue;
+      bool const is_hidden = point.GetZ() + depth_tolerance * i_radius < sample.depth;
+      if (is_hidden || IsCutAway(i_clip, point)) continue;
       sample = {std::max(sample.depth, point.GetZ()), false, i_colour};
     }
   }
@@ -286,9 +289,10 @@ common::Picture AverageSamples(Canvas const& i_canvas, std::size_t i_size) {
 
 lum::Quaternionf LookAt(double i_angle) {
   constexpr auto quarter = static_cast<float>(std::numbers::pi / 2);
+  constexpr float tilt = 0.25F;
   lum::Quaternionf const turned({0, 0, 1}, static_cast<float>(i_angle));
   lum::Quaternionf const upright({1, 0, 0}, -quarter);
-  lum::Quaternionf const tilted({1, 0, 0}, 0.25F);
+  lum::Quaternionf const tilted({1, 0, 0}, tilt);
   return tilted * upright * turned;
 }
 
