@@ -80,6 +80,18 @@ TEST(ObjectPoolBlock, KeepsASingleSlotForASingleTake) {
   EXPECT_EQ(block.TakeSlot().value(), 31U);
 }
 
+// A take finds this state between the store of a return and its decrement of the count.
+TEST(ObjectPoolBlock, TakesNoTwoSlotsWhileTheCountLeavesRoomForOne) {
+  Block block;
+  TakeSlots(block, 32);
+  EXPECT_FALSE(block.ReturnTwoSlots(block.GetObject(9), block.GetObject(4)));
+  Access::UseCount(block).store(31);
+  EXPECT_FALSE(block.TakeTwoSlots());
+  EXPECT_EQ(Access::UseCount(block).load(), 31U);
+  EXPECT_EQ(Access::TakePosition(block).load(), 32U);
+  EXPECT_EQ(block.TakeSlot().value(), 9U);
+}
+
 // A take finds a mark when a return has claimed the position and has not stored its slot yet.
 TEST(ObjectPoolBlock, TakesNeitherSlotWhereOneIsMarked) {
   constexpr unsigned long mark = all_ones;
