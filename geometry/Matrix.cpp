@@ -24,8 +24,6 @@ struct internal::MatrixFactory {
 
 namespace {
 
-constexpr char const* no_inverse_message = "attempt to get inverse of non-invertible matrix";
-
 // The values of a transform in registers of 16 bytes. Single stores of two transforms would fill the store
 // buffer.
 template <class T>
@@ -282,11 +280,6 @@ bool Matrix<T>::IsKnownIdentity() const {
 }
 
 template <class T>
-void Matrix<T>::ThrowNoInverse() {
-  throw std::domain_error(no_inverse_message);
-}
-
-template <class T>
 Matrix<T> Matrix<T>::GetTranspose() const {
   if (IsKnownIdentity()) return *this;
   auto const transform = MakeTranspose(GetAsPtr());
@@ -359,7 +352,7 @@ Point<T, 3> Matrix<T>::operator*(Point<T, 3> const& i_point) const {
 template <class T>
 Plane<T> Matrix<T>::operator*(Plane<T> const& i_plane) const {
   if (IsKnownIdentity()) return i_plane;
-  T const* const m = GetInverseValues<T>(GetMatrixInverse(), no_inverse_message);
+  T const* const m = GetInverseValues<T>(GetMatrixInverse(), internal::no_inverse_message);
   T const a = i_plane.GetA();
   T const b = i_plane.GetB();
   T const c = i_plane.GetC();

@@ -2,6 +2,7 @@
 
 #include <cassert>
 #include <concepts>
+#include <stdexcept>
 #include <utility>
 
 #include "Utility/Lazy.h"
@@ -17,6 +18,14 @@ namespace lum {
 namespace internal {
 template <class T>
 struct MatrixFactory;
+
+/// The message of every function that needs an inverse and finds none.
+inline constexpr char const* no_inverse_message = "attempt to get inverse of non-invertible matrix";
+
+/// Out of line, so that the test before it costs little. Not a member: every caller compiles its own copy.
+[[noreturn, gnu::cold, gnu::noinline]] inline void ThrowNoInverse() {
+  throw std::domain_error(no_inverse_message);
+}
 }  // namespace internal
 
 /// A 4x4 transform that stores its own inverse.
@@ -177,10 +186,10 @@ class LUM_EXPORT LUM_STANDALONE_DEBUG Matrix {
 
   struct FreshObjects {};
   // Two fresh objects, whose values the caller writes before they are read.
-  explicit Matrix(FreshObjects) : m_objects(CreateTwoGlobalObjects<Object>()) {}
+  LUM_HIDDEN explicit Matrix(FreshObjects) : m_objects(CreateTwoGlobalObjects<Object>()) {}
 
-  void RequireInverse() const;
-  [[noreturn]] static void ThrowNoInverse();
+  // Always inlined, because inline members call it and the library does not export it.
+  [[gnu::always_inline]] LUM_HIDDEN void RequireInverse() const;
 
   // The transform, which only a moved-from matrix lacks, and the inverse. They are one member so that the
   // pool constructs both handles in place.
@@ -223,7 +232,7 @@ inline Matrix<T> Matrix<T>::GetInverse() && {
 template <class T>
 inline void Matrix<T>::RequireInverse() const {
   assert(GetMatrix());
-  if (!HasInverse()) ThrowNoInverse();
+  if (!HasInverse()) internal::ThrowNoInverse();
 }
 
 /// \cond

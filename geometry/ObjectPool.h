@@ -9,6 +9,7 @@
 #include "geometry/Handle.h"
 #include "geometry/ObjectPoolBlock.h"
 #include "geometry/ObjectPoolDeleter.h"
+#include "geometry/internal/Export.h"
 #include "geometry/internal/ObjectPoolPolicy.h"
 #include "geometry/internal/SingleThread.h"
 
@@ -66,10 +67,10 @@ class ObjectPool {
     std::size_t index;
   };
 
-  ObjectHandle MakeHandle(Block& io_block, std::size_t i_slot) noexcept;
-  Slot TakeSlotSlowly();
-  optional<Slot> TakeFromCurrentBlock();
-  Slot TakeFromNewBlock();
+  LUM_HIDDEN ObjectHandle MakeHandle(Block& io_block, std::size_t i_slot) noexcept;
+  LUM_HIDDEN Slot TakeSlotSlowly();
+  LUM_HIDDEN optional<Slot> TakeFromCurrentBlock();
+  LUM_HIDDEN Slot TakeFromNewBlock();
 
   // Never null. Guarded by m_current_block_mutex.
   Block* m_current_block;

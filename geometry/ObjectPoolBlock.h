@@ -7,6 +7,7 @@
 #include <type_traits>
 
 #include "Utility/optional.h"
+#include "geometry/internal/Export.h"
 #include "geometry/internal/ObjectPoolPolicy.h"
 #include "geometry/internal/SingleThread.h"
 
@@ -98,8 +99,8 @@ class ObjectPoolBlock {
     kPlacement = std::max<std::size_t>(Alignment, 64)
   };
 
-  static std::size_t ClaimPosition(Counter& io_position) noexcept;
-  void StoreSlot(std::size_t i_position, T const* ip_object) noexcept;
+  LUM_HIDDEN static std::size_t ClaimPosition(Counter& io_position) noexcept;
+  LUM_HIDDEN void StoreSlot(std::size_t i_position, T const* ip_object) noexcept;
 
   // Changed by atomic read-modify-writes, or by the only thread of the process, so exactly one operation
   // brings it to kSuperseded.

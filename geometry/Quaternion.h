@@ -83,7 +83,7 @@ class LUM_EXPORT LUM_STANDALONE_DEBUG Quaternionf {
   static Lazy<ObjectHandle> const& mgh_identity;
 
  private:
-  float const* GetValues() const noexcept;
+  LUM_HIDDEN float const* GetValues() const noexcept;
 
   // Empty only in a moved-from quaternion.
   ObjectHandle m_handle;

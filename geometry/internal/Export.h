@@ -5,6 +5,10 @@
 /// visibility.
 #define LUM_EXPORT __attribute__((visibility("default")))
 
+/// Keeps a private member of an exported class inside the shared library. An inline function that callers
+/// compile must not call it, unless it is always inlined there.
+#define LUM_HIDDEN __attribute__((visibility("hidden")))
+
 /// Makes clang describe the whole class in the debug information of every source that uses it, like g++. By
 /// default clang describes it only in the source with its constructors, which is the library's. A debugger
 /// could not show values then if the library is stripped.

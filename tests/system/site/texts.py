@@ -11,7 +11,7 @@ import sys
 
 LITERAL = r'"((?:[^"\\\n]|\\.)*)"'
 # Texts that streams and formatters print, and names of attributes.
-NO_ERRORS = re.compile(r".* with value: |nullopt|[][(),; ]+|default")
+NO_ERRORS = re.compile(r".* with value: |nullopt|[][(),; ]+|default|hidden")
 
 
 def find_texts(source):
