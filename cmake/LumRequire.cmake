@@ -1,22 +1,30 @@
-# What is missing is said in one line that names the command that installs it.
+# What is missing is said in one line, which names the command that installs it.
 
-# The command of scripts/setup that installs what the options ask for, in the order of what they include.
-if(LUM_BUILD_TESTS OR LUM_BUILD_VERIFICATION)
-  set(lum_setup test)
-elseif(LUM_BUILD_BENCHMARKS)
-  set(lum_setup benchmark)
-elseif(LUM_BUILD_EXAMPLES)
-  set(lum_setup demo)
-elseif(LUM_BUILD_DOCS)
-  set(lum_setup docs)
-else()
-  set(lum_setup build)
-endif()
+# lum_get_setup(<result>): the command that installs what the options ask for, in the order of what they include.
+function(lum_get_setup result)
+  if(LUM_BUILD_VERIFICATION AND CMAKE_CXX_COMPILER_ID STREQUAL Clang)
+    set(what verify)
+  elseif(LUM_BUILD_TESTS OR LUM_BUILD_VERIFICATION)
+    set(what test)
+  elseif(LUM_BUILD_BENCHMARKS)
+    set(what benchmark)
+  elseif(LUM_BUILD_EXAMPLES)
+    set(what demo)
+  elseif(LUM_BUILD_DOCS)
+    set(what docs)
+  else()
+    set(what build)
+  endif()
+  file(RELATIVE_PATH script "${CMAKE_SOURCE_DIR}" "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/../scripts/setup")
+  set(${result} "${script} ${what}" PARENT_SCOPE)
+endfunction()
 
-# lum_require(<who> <what> <Debian package> <found>): stops where found is false.
+# lum_require(<who> <what> <Debian package> <found>): stops where found is false. CMake does not wrap lines that start
+# with a space.
 macro(lum_require who what package)
   if(NOT (${ARGN}))
-    message(FATAL_ERROR "${who} needs ${what} (Debian: ${package}): run scripts/setup ${lum_setup}")
+    lum_get_setup(lum_setup)
+    message(FATAL_ERROR " ${who} needs ${what} (Debian: ${package}): run ${lum_setup}")
   endif()
 endmacro()
 
@@ -38,4 +46,16 @@ macro(lum_require_library who variable package name)
   find_library(${variable} NAMES ${name})
   mark_as_advanced(${variable})
   lum_require(${who} ${name} ${package} ${variable})
+endmacro()
+
+# lum_require_tools(): make and a compiler, before project() asks for them. The errors of CMake name no command.
+macro(lum_require_tools)
+  if(CMAKE_GENERATOR STREQUAL "Unix Makefiles")
+    lum_require_program(lum CMAKE_MAKE_PROGRAM make make gmake)
+  endif()
+  if(NOT CMAKE_CXX_COMPILER AND NOT CMAKE_TOOLCHAIN_FILE AND NOT DEFINED ENV{CXX})
+    find_program(lum_compiler NAMES c++ g++ clang++)
+    mark_as_advanced(lum_compiler)
+    lum_require(lum "a C++ compiler" g++ lum_compiler)
+  endif()
 endmacro()

@@ -31,6 +31,20 @@ function(expect_refusal text)
   endif()
 endfunction()
 
+# expect_to_miss(<text> <what> <command>...): the command fails and says in one line that scripts/setup installs what
+# is missing. Afterwards nothing is configured.
+function(expect_to_miss text what)
+  execute_process(
+    COMMAND ${ARGN}
+    RESULT_VARIABLE result
+    OUTPUT_VARIABLE output
+    ERROR_VARIABLE output)
+  if(result EQUAL 0 OR NOT output MATCHES "\n *${text}: run scripts/setup ${what}\n")
+    message(FATAL_ERROR "Exit ${result}, expected the line \"${text}: run scripts/setup ${what}\":\n${output}")
+  endif()
+  file(REMOVE_RECURSE "${WORK_DIR}/lum")
+endfunction()
+
 function(expect_consumer_works program)
   execute_process(
     COMMAND "${program}"
@@ -199,13 +213,44 @@ elseif(CASE STREQUAL "RefusesFastMathWhenCompiling")
     endforeach()
   endforeach()
 
-elseif(CASE STREQUAL "FindsEigenWithoutAPackage")
-  configure("${SOURCE_DIR}" "${WORK_DIR}/lum" ${hide_packages} "-DEIGEN3_INCLUDE_DIR=${EIGEN_INCLUDE_DIR}")
+elseif(CASE STREQUAL "ConfiguresWithNothingButEigen")
+  execute_process(
+    COMMAND "${CMAKE_COMMAND}" -S "${SOURCE_DIR}" -B "${WORK_DIR}/lum" -G "${GENERATOR}"
+            "-DCMAKE_CXX_COMPILER=${COMPILER}" ${hide_packages} "-DEIGEN3_INCLUDE_DIR=${EIGEN_INCLUDE_DIR}"
+    OUTPUT_VARIABLE output
+    ERROR_VARIABLE output COMMAND_ERROR_IS_FATAL ANY)
+  if(output MATCHES "[Ww]arning")
+    message(FATAL_ERROR "Configuring warns:\n${output}")
+  endif()
   load_cache("${WORK_DIR}/lum" READ_WITH_PREFIX found_ Eigen3_DIR Eigen3_INCLUDE_DIR)
   if(found_Eigen3_DIR OR NOT found_Eigen3_INCLUDE_DIR STREQUAL EIGEN_INCLUDE_DIR)
     message(FATAL_ERROR "The package was not hidden: ${found_Eigen3_DIR}, ${found_Eigen3_INCLUDE_DIR}")
   endif()
   run("${CMAKE_COMMAND}" --build "${WORK_DIR}/lum")
+
+elseif(CASE STREQUAL "ConfiguresTestsWithGoogleTestAlone")
+  configure("${SOURCE_DIR}" "${WORK_DIR}/lum" ${hide_packages} "-DEIGEN3_INCLUDE_DIR=${EIGEN_INCLUDE_DIR}"
+            "-DGTest_DIR=${GTEST_DIR}" -DLUM_BUILD_TESTS=ON)
+
+elseif(CASE STREQUAL "SaysWhatIsMissing")
+  set(has_eigen "-DEIGEN3_INCLUDE_DIR=${EIGEN_INCLUDE_DIR}")
+  expect_to_miss("lum needs Eigen 3.2 or later \\(Debian: libeigen3-dev\\)" "build" ${configure_lum} ${hide_packages})
+  expect_to_miss("LUM_BUILD_TESTS needs GoogleTest \\(Debian: libgtest-dev\\)" "test" ${configure_lum} ${hide_packages}
+                 ${has_eigen} -DLUM_BUILD_TESTS=ON)
+  expect_to_miss("LUM_BUILD_EXAMPLES needs [^\n]*" "demo" ${configure_lum} ${hide_packages} ${has_eigen}
+                 -DLUM_BUILD_EXAMPLES=ON)
+  expect_to_miss("LUM_BUILD_BENCHMARKS needs benchmark \\(Debian: libbenchmark-dev\\)" "benchmark" ${configure_lum}
+                 ${hide_packages} ${has_eigen} -DLUM_BUILD_BENCHMARKS=ON)
+  expect_to_miss("LUM_BUILD_DOCS needs Doxygen \\(Debian: doxygen\\)" "docs" ${configure_lum} ${hide_packages}
+                 ${has_eigen} -DLUM_BUILD_DOCS=ON)
+  expect_to_miss("LUM_BUILD_VERIFICATION needs [^\n]*" "(test|verify)" ${configure_lum} ${hide_packages} ${has_eigen}
+                 -DLUM_BUILD_VERIFICATION=ON)
+  # Before CMake's own errors, which name no command.
+  set(configure_dev "${CMAKE_COMMAND}" -E env --unset=CXX PATH=/nonexistent "${CMAKE_COMMAND}" --preset dev -S
+                    "${SOURCE_DIR}" -B "${WORK_DIR}/lum")
+  expect_to_miss("lum needs make \\(Debian: make\\)" "test" ${configure_dev} -G "Unix Makefiles")
+  expect_to_miss("lum needs a C\\+\\+ compiler \\(Debian: g\\+\\+\\)" "test" ${configure_dev} -G "${GENERATOR}"
+                 "-DCMAKE_MAKE_PROGRAM=${MAKE_PROGRAM}")
 
 elseif(CASE STREQUAL "RefusesAnOldEigen")
   set(old "${WORK_DIR}/old")
