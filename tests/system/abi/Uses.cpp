@@ -24,7 +24,7 @@ bool UsePool() {
   auto const one = pool.CreateObject();
   auto const two = pool.CreateTwoObjects();
   auto const shared = two.first;
-  typename lum::PoolTypes<Object>::ObjectPoolBlock block;
+  typename lum::PoolTypes<Object>::ObjectPool::Block block;
   auto const slot = block.TakeSlot();
   auto const slots = block.TakeTwoSlots();
   return slot && slots && !block.ReturnSlot(block.GetObject(*slot)) &&
@@ -36,8 +36,8 @@ bool UsePool() {
 
 int main() {
   bool const matrices = UseMatrix<float>() && UseMatrix<double>();
-  bool const pools = UsePool<lum::MatrixObject<float>>() && UsePool<lum::MatrixObject<double>>() &&
-                     UsePool<lum::QuaternionObject>();
+  bool const pools = UsePool<lum::Matrix<float>::Object>() && UsePool<lum::Matrix<double>::Object>() &&
+                     UsePool<lum::Quaternionf::Object>();
   lum::Quaternionf const q;
   return matrices && pools && (q * q).GetCoefficients()[3] == 1 ? 0 : 1;
 }

@@ -31,9 +31,9 @@ namespace {
 template <class T, std::size_t Size, std::size_t Alignment>
 constexpr bool kOccupies = sizeof(T) == Size && alignof(T) == Alignment;
 
-using FloatTypes = PoolTypes<MatrixObject<float>>;
-using DoubleTypes = PoolTypes<MatrixObject<double>>;
-using QuaternionTypes = PoolTypes<QuaternionObject>;
+using FloatTypes = MatrixPoolTypes<float>;
+using DoubleTypes = MatrixPoolTypes<double>;
+using QuaternionTypes = QuaternionPoolTypes;
 
 static_assert(kOccupies<Vector<float, 2>, 8, 4> && kOccupies<Vector<float, 3>, 12, 4>);
 static_assert(kOccupies<Vector<double, 2>, 16, 8> && kOccupies<Vector<double, 3>, 24, 8>);
@@ -61,9 +61,9 @@ static_assert(kOccupies<Lazy<FloatTypes::ObjectHandle>, 136, 8>);
 
 static_assert(kOccupies<FloatTypes::ObjectPool, 88, 8> && kOccupies<DoubleTypes::ObjectPool, 88, 8>);
 static_assert(kOccupies<QuaternionTypes::ObjectPool, 88, 8>);
-static_assert(kOccupies<FloatTypes::ObjectPoolBlock, 2656, 8>);
-static_assert(kOccupies<DoubleTypes::ObjectPoolBlock, 4704, 8>);
-static_assert(kOccupies<QuaternionTypes::ObjectPoolBlock, 1120, 8>);
+static_assert(kOccupies<FloatTypes::ObjectPool::Block, 2656, 8>);
+static_assert(kOccupies<DoubleTypes::ObjectPool::Block, 4704, 8>);
+static_assert(kOccupies<QuaternionTypes::ObjectPool::Block, 1120, 8>);
 
 static_assert(std::bit_cast<std::array<float, 2>>(Range<float>(1, 2)) == std::array<float, 2>{1, 2});
 static_assert(std::bit_cast<std::array<float, 3>>(Vector<float, 3>(1, 2, 3)) ==
@@ -90,9 +90,9 @@ TEST(Abi, APlaneHoldsItsCoefficientsInOrder) {
 
 TEST(Abi, AHandleHoldsObjectThenCountThenDeleter) {
   FloatTypes::ObjectPool pool;
-  FloatTypes::ObjectPoolBlock block;
-  FloatTypes::ObjectPoolBlock::ReferenceCount* const count = block.GetReferenceCount(*block.TakeSlot());
-  MatrixObject<float>* const object = block.GetObject(0);
+  FloatTypes::ObjectPool::Block block;
+  FloatTypes::ObjectPool::Block::ReferenceCount* const count = block.GetReferenceCount(*block.TakeSlot());
+  FloatTypes::Object* const object = block.GetObject(0);
   FloatTypes::ObjectHandle const handle(object, count, {&pool, &block});
   EXPECT_EQ(GetPointers(handle), (std::array<void const*, 4>{object, count, &pool, &block}));
 }
@@ -121,7 +121,7 @@ void ExpectLayoutOfPoolAndBlock() {
   EXPECT_EQ(GetOffset(&pool, &Access::CreationMutex(pool)), 8);
   EXPECT_EQ(GetOffset(&pool, &Access::CurrentBlockMutex(pool)), 48);
 
-  typename Types::ObjectPoolBlock block;
+  typename Types::ObjectPool::Block block;
   EXPECT_EQ(GetOffset(&block, &Access::UseCount(block)), 0);
   EXPECT_EQ(GetOffset(&block, &Access::TakePosition(block)), 8);
   EXPECT_EQ(GetOffset(&block, &Access::Entry(block, 0)), 16);
