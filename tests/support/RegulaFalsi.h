@@ -80,7 +80,7 @@ inline std::string FindViolation(Record const& i_record, double i_lower, double 
   auto const say = [](std::size_t i_call, char const* i_what) {
     return "call " + std::to_string(i_call) + ' ' + i_what;
   };
-  std::string const ends_early = i_record.is_cut_off ? "" : "the search ends too early";
+  char const* const ends_early = i_record.is_cut_off ? "" : "the search ends too early";
 
   std::array<double, 4> const ends = {i_lower, i_upper, i_lower, i_upper};
   for (std::size_t call = 0; call < ends.size(); ++call) {
