@@ -13,7 +13,7 @@
 
 namespace {
 
-using Object = lum::Matrix<float>::Object;
+using Object = lum::MatrixPoolTypes<float>::Object;
 
 // The resident pages of the process, in bytes.
 long GetResidentSize() {
