@@ -1,14 +1,15 @@
 /* A block's ring of free slots, its use count and its superseding, as geometry/ObjectPoolBlock.h and
  * geometry/ObjectPool.h have them; for spin, which searches every interleaving of sequentially consistent steps.
  *
- * Threads take a slot and return it, some times each; one process supersedes the block at any moment. It is
- * asserted that no slot has two owners, that no step touches the freed block, that it is freed once, and at the
- * end that it has been, with every slot back on the ring.
+ * Each thread takes a slot and returns it ROUNDS times; one process supersedes the block at any moment. Four things are
+ * asserted: no slot has two owners, no step touches the freed block, the block is freed once at most, and at the end it
+ * has been freed, with every slot back on the ring. ONLY, defined as one of the four numbers below, leaves out the other
+ * three.
  *
- * Each of these, defined, undoes one closing and must be found to fail:
- *   TAKE_AFTER_LOCK   a take claims and reads its entry when the lock is gone
+ * Each of these definitions reverts one fix and breaks one of the assertions:
+ *   TAKE_AFTER_LOCK   a take claims and reads its entry after it has released the lock
  *   NO_MARK           a take leaves the entry that it reads as it is
- *   LOOK_AGAIN        a return decides by a second look at the use count whether to free the block
+ *   LOOK_AGAIN        a return reads the use count again to decide whether to free the block
  */
 #ifndef SLOTS
 #define SLOTS 2
@@ -18,6 +19,16 @@
 #endif
 #define ROUNDS 2
 #define TAKEN 255
+
+#define ONE_OWNER 1
+#define UNTOUCHED 2
+#define FREED_ONCE 3
+#define NOTHING_LOST 4
+#ifdef ONLY
+#define ASSERT(which, condition) assert(which != ONLY || (condition))
+#else
+#define ASSERT(which, condition) assert(condition)
+#endif
 
 byte use_count = 0;
 bool superseded = false;
@@ -35,41 +46,41 @@ inline release() { locked = false }
 
 inline free_block() {
   d_step {
-    assert(!freed);
+    ASSERT(FREED_ONCE, !freed);
     freed = true
   }
 }
 
 inline claim_and_read() {
   d_step {
-    assert(!freed);
+    ASSERT(UNTOUCHED, !freed);
     position = take_position % SLOTS
   }
   d_step {
-    assert(!freed);
+    ASSERT(UNTOUCHED, !freed);
     slot = ring[position]
   }
   if
   :: slot == TAKEN ->
     d_step {
-      assert(!freed);
+      ASSERT(UNTOUCHED, !freed);
       use_count--
     }
   :: else ->
 #ifndef NO_MARK
     d_step {
-      assert(!freed);
+      ASSERT(UNTOUCHED, !freed);
       ring[position] = TAKEN
     }
 #endif
     d_step {
-      assert(!freed);
+      ASSERT(UNTOUCHED, !freed);
       take_position++
     }
   fi
 }
 
-/* Leaves the slot, or TAKEN when there is none to have. */
+/* The result is in slot: TAKEN when none is free. */
 inline take() {
   slot = TAKEN;
   acquire();
@@ -77,14 +88,14 @@ inline take() {
   :: superseded -> release()  /* another block is current */
   :: else ->
     d_step {
-      assert(!freed);
+      ASSERT(UNTOUCHED, !freed);
       is_full = use_count >= SLOTS;
       use_count++
     }
     if
     :: is_full ->
       d_step {
-        assert(!freed);
+        ASSERT(UNTOUCHED, !freed);
         use_count--
       }
       release()
@@ -102,26 +113,26 @@ inline take() {
 
 inline give_back() {
   d_step {
-    assert(!freed);
+    ASSERT(UNTOUCHED, !freed);
     position = return_position % SLOTS;
     return_position++
   }
   d_step {
-    assert(!freed);
+    ASSERT(UNTOUCHED, !freed);
     ring[position] = slot
   }
 #ifdef LOOK_AGAIN
   d_step {
-    assert(!freed);
+    ASSERT(UNTOUCHED, !freed);
     use_count--
   }
   d_step {
-    assert(!freed);
+    ASSERT(UNTOUCHED, !freed);
     is_last = superseded && use_count == 0
   }
 #else
   d_step {
-    assert(!freed);
+    ASSERT(UNTOUCHED, !freed);
     is_last = superseded && use_count == 1;
     use_count--
   }
@@ -147,7 +158,7 @@ proctype Thread() {
     :: slot == TAKEN
     :: else ->
       d_step {
-        assert(owners[slot] == 0);
+        ASSERT(ONE_OWNER, owners[slot] == 0);
         owners[slot]++
       }
       d_step { owners[slot]-- }
@@ -169,9 +180,9 @@ proctype Publisher() {
   :: is_empty -> free_block()
   :: else
   fi;
-  /* When all have ended, nothing is lost. */
+  /* When all threads have ended, nothing is lost. */
   running == 0;
-  assert(freed && use_count == 0 && take_position == return_position)
+  ASSERT(NOTHING_LOST, freed && use_count == 0 && take_position == return_position)
 }
 
 init {
