@@ -31,7 +31,7 @@ constexpr int rounds = 5000;
 
 std::map<std::string, std::uint64_t> hashes;
 
-// FNV-1a. All NaNs count as one: their signs and payloads are the processor's choice of operand.
+// FNV-1a. All NaNs hash alike: the processor chooses the operand that gives their signs and payloads.
 template <class T>
 void Add(std::string const& i_operation, T const* ip_values, std::size_t i_count) {
   std::uint64_t& hash = hashes[i_operation];
@@ -46,7 +46,7 @@ void Add(std::string const& i_operation, T const* ip_values, std::size_t i_count
 template <class T>
 class Numbers {
  public:
-  // Mostly of ordinary size, now and then huge, tiny, zero or infinite.
+  // Mostly ordinary numbers, sometimes huge, tiny, zero or infinite ones.
   T operator()() {
     constexpr std::array<T, 6> special = {0,
                                           -T(0),
@@ -174,7 +174,8 @@ void AddRoots() {
     double const square = 1 + std::abs(next());
     double const lower = -1 / square;
     double const tolerance = 1e-6 * square;
-    // Its values are kept from being fused into anything: this file is compiled like a user's.
+    // The square is stored first so that no operation is fused with it: this file is compiled with flags of
+    // callers.
     auto const parabola = [square](double i_x) {
       double volatile const x_squared = i_x * i_x;
       return x_squared - square;

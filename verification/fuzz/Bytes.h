@@ -8,14 +8,14 @@
 
 namespace lum::test {
 
-/// Ends the process with one line, which the fuzzer takes for a finding.
+/// Ends the process with one line unless the condition holds; the fuzzer reports that as a finding.
 inline void Require(bool i_holds, char const* ip_what) {
   if (i_holds) return;
   std::fprintf(stderr, "failed: %s\n", ip_what);
   std::abort();
 }
 
-/// Values read from the fuzzer's input; zeros when it is at its end.
+/// Values read from the fuzzer's input; zeros past its end.
 class Bytes {
  public:
   Bytes(std::uint8_t const* ip_data, std::size_t i_size) : mp_data(ip_data), m_left(i_size) {}

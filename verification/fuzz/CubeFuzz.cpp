@@ -1,5 +1,5 @@
-// The cube's identifiers, spaces and ranges with arbitrary 32-bit values: every call throws just when its
-// message says, and otherwise gives what its formula gives in arithmetic with shifts modulo 32.
+// The cube's identifiers, spaces and ranges with arbitrary 32-bit values: every call throws exactly when its
+// message says so, and otherwise gives the result of its formula with shifts modulo 32.
 
 #include <bit>
 #include <functional>
@@ -31,12 +31,12 @@ Word Left(Word i_x, Word i_s) { return i_x << i_s % 32; }
 Word Right(Word i_x, Word i_s) { return i_x >> i_s % 32; }
 Word Turn(Word i_x, Word i_s) { return Left(i_x, i_s) % 7; }
 
-// Null for a call that is to throw nothing.
+// `ip_message` is null for a call that must not throw.
 template <class Call>
 void Expect(char const* ip_message, Word i_expected, Call const& i_call) {
   try {
     Word const value = static_cast<Word>(i_call());
-    Require(ip_message == nullptr, "a call that is to throw throws");
+    Require(ip_message == nullptr, "a call that must throw throws");
     Require(value == i_expected, "a value");
   } catch (std::invalid_argument const& exception) {
     Require(ip_message != nullptr && std::string_view(exception.what()) == ip_message, "a message");
@@ -45,7 +45,7 @@ void Expect(char const* ip_message, Word i_expected, Call const& i_call) {
 
 char const* Unless(bool i_is_valid, char const* ip_message) { return i_is_valid ? nullptr : ip_message; }
 
-// The axis that is left of three, or 0.
+// The axis that is not in the plane, or 0.
 Word GetNormal(Word i_plane) {
   Word const rest = (i_plane & 7U) ^ 7U;
   return std::has_single_bit(rest) ? rest : 0;

@@ -1,6 +1,6 @@
 // A program of operations on transforms in both precisions, rotations and handles, checked after every step
-// against a model that holds plain values: each value keeps its bits whatever happens to the others, and each
-// object counts as many references as there are handles onto it.
+// against a model of plain values: each value keeps its bits when others change, and the reference count of
+// each object equals the number of handles onto it.
 
 #include <array>
 #include <cmath>
@@ -30,7 +30,7 @@ template <class T>
 struct Model {
   std::array<T, 16> transform;
   std::optional<std::array<T, 16>> inverse;
-  bool is_identity = false;  // the shared one
+  bool is_identity = false;  // the known identity
 };
 
 template <class T>
@@ -181,7 +181,7 @@ class Matrices {
   }
 
  private:
-  // Takes what the library just made for the model.
+  // Copies the current value of the library into the model.
   void Adopt(std::size_t i_slot) {
     Matrix<T> const& matrix = m_matrices[i_slot];
     m_models[i_slot] = {Copy(matrix.GetAsPtr()), {}, matrix.IsKnownIdentity()};
@@ -201,7 +201,7 @@ class Matrices {
     try {
       m_matrices[i_to] = m_matrices[i_from].GetInverse();
       Require(model.inverse.has_value(), "an inverse that is not there");
-      // What was the inverse may be the identity's object too.
+      // The former inverse may itself be the identity object.
       m_models[i_to] = {*model.inverse, model.transform, m_matrices[i_to].IsKnownIdentity()};
     } catch (std::domain_error const& error) {
       Require(!model.inverse &&

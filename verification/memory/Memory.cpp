@@ -1,6 +1,7 @@
-// Every operation of the library under the memory sanitizer, with each result looked at. Only headers of the
-// standard library are used whose code is compiled here: what its shared library writes, the sanitizer would
-// take for uninitialised. With an argument, reads a fresh object before it is written, which must be found.
+// Every operation of the library under the memory sanitizer, with each result checked. Only those standard
+// headers are used whose code is compiled here: the sanitizer would report values that the shared standard
+// library writes as uninitialised. With an argument, reads a fresh object before it is written, which must be
+// reported.
 
 #include <array>
 #include <cstddef>
@@ -21,7 +22,7 @@ namespace {
 
 int looked_at = 0;
 
-// A branch on the value is what the sanitizer reports.
+// The sanitizer reports branches on uninitialised values.
 template <class T>
 void Look(T i_value) {
   if (i_value != T(12345)) ++looked_at;
@@ -41,7 +42,7 @@ template <class T>
 void LookAtTransforms() {
   using M = lum::Matrix<T>;
   using Vector = lum::Vector<T, 3>;
-  // More than a block, so that recycled objects and a second block are met.
+  // More objects than a block holds, so that objects are recycled and a second block is made.
   for (int round = 0; round < 100; ++round) {
     auto const x = static_cast<T>(round + 1);
     M const translation = M::Translate(x, 2, 3);
@@ -124,7 +125,7 @@ int main(int i_count, char**) {
   LookAtNumerics();
   LookAtTheCube();
   if (i_count > 1) {
-    // More than were ever in use at once, so the last has not been handed out before.
+    // More objects than were ever in use at once, so the last one is fresh.
     std::array<lum::Matrix<double>::ObjectHandle, 100> handles;
     for (auto& handle : handles) handle = lum::CreateGlobalObject<lum::Matrix<double>::Object>();
     Look(*handles.back()->data());
