@@ -29,6 +29,7 @@ TESTS = {
     "geometry/GlobalObjectPool.h": ["GlobalObjectPoolTest", "MatrixTest"],
     "geometry/Handle.h": ["HandleTest", "ObjectPoolTest", "ObjectPoolInterleavingTest", "ObjectPoolExplorationTest"],
     "geometry/internal/IndexIterator.h": ["CubeVertexIteratorTest", "CubeEdgeIteratorTest"],
+    "geometry/internal/RequireSameSize.h": ["TransformArraysTest", "QuaternionTest"],
     "geometry/internal/Lanes.h": ["TransformArraysTest", "QuaternionTest"],
     "geometry/LinearInterpolation.h": ["LinearInterpolationTest"],
     "geometry/Matrix.cpp": MATRIX,
@@ -51,7 +52,7 @@ TESTS = {
 }
 # Declarations, and checks of compiler flags: nothing in them runs.
 NOTHING_TO_RUN = {"geometry/internal/EigenAlgorithms.h", "geometry/Quaternion.h", "geometry/internal/StrictArithmetic.h",
-                  "geometry/TrilinearInterpolation.h"}
+                  "geometry/TransformArrays.h", "geometry/TrilinearInterpolation.h"}
 # The part of a long test that is enough: blocks of two slots.
 FILTERS = {"ObjectPoolExplorationTest": "ObjectPoolExploration/0.*:*AtTheWrap*"}
 # These are built and run under the thread sanitizer: nothing else shows a weaker memory order on x86.
