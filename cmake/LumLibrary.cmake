@@ -73,19 +73,19 @@ function(lum_add_library target)
                SOVERSION ${PROJECT_VERSION_MAJOR})
   get_target_property(type ${target} TYPE)
   if(type STREQUAL SHARED_LIBRARY)
-    # Values may outlive whatever loaded the library, and need its pools and identities.
+    # Values may outlive the plugin that loaded the library, and still need its pools and identities.
     target_link_options(${target} PRIVATE LINKER:-z,nodelete)
-    # Calls within the library go straight to it, and may be inlined: nobody is to replace single functions.
+    # Calls within the library are direct and may be inlined: a program cannot replace single functions.
     target_compile_options(${target} PRIVATE -fno-semantic-interposition)
     target_link_options(${target} PRIVATE LINKER:-Bsymbolic-functions)
   endif()
   if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
-    # Eigen gives up on matrices that are not finite; g++ cannot see that none such gets there.
+    # Eigen returns early for matrices that are not finite; g++ cannot see that no such matrix gets here.
     set_source_files_properties("${PROJECT_SOURCE_DIR}/geometry/internal/EigenAlgorithms.cpp"
                                 PROPERTIES COMPILE_OPTIONS -Wno-maybe-uninitialized)
   endif()
   if(NOT target STREQUAL "lum")
-    # Its headers are the same.
+    # The headers are the same as those of lum.
     set_target_properties(${target} PROPERTIES VERIFY_INTERFACE_HEADER_SETS OFF)
   endif()
   lum_keep_order_of_operations(${target})

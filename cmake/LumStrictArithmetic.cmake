@@ -4,12 +4,12 @@ function(lum_keep_order_of_operations target)
   target_compile_options(
     ${target}
     PRIVATE -ffp-contract=off
-            # g++ 12 forms vfmaddsub from separate operations where it vectorises straight-line code,
-            # -ffp-contract=off notwithstanding.
+            # g++ 12 forms vfmaddsub from separate operations when it vectorises straight-line code, even
+            # with -ffp-contract=off.
             $<$<CXX_COMPILER_ID:GNU>:-fno-tree-slp-vectorize>)
 endfunction()
 
-# Refuses what can be seen when configuring; geometry/internal/StrictArithmetic.h refuses the rest when compiling.
+# Refuses the flags that are known when configuring; geometry/internal/StrictArithmetic.h refuses the rest when compiling.
 function(lum_refuse_fast_math)
   string(TOUPPER "${CMAKE_BUILD_TYPE}" config)
   get_directory_property(options COMPILE_OPTIONS)

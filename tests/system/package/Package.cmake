@@ -4,7 +4,7 @@ file(MAKE_DIRECTORY "${WORK_DIR}")
 set(configure_lum
     "${CMAKE_COMMAND}" -S "${SOURCE_DIR}" -B "${WORK_DIR}/lum" -G "${GENERATOR}"
     "-DCMAKE_CXX_COMPILER=${COMPILER}" -DCMAKE_BUILD_TYPE=Release)
-# Nothing below the system's prefixes or PATH is searched: no package of Eigen is found.
+# Neither the system's prefixes nor PATH are searched, so no installed package is found.
 set(hide_packages "-DCMAKE_MAKE_PROGRAM=${MAKE_PROGRAM}" -DCMAKE_FIND_USE_CMAKE_SYSTEM_PATH=OFF
                   -DCMAKE_FIND_USE_SYSTEM_ENVIRONMENT_PATH=OFF -DCMAKE_FIND_USE_PACKAGE_REGISTRY=OFF)
 
@@ -86,8 +86,8 @@ function(check_manifest manifest)
       file(READ_SYMLINK "${PREFIX}/${path}" target)
       string(APPEND line " -> ${target}")
     endif()
-    # Whatever the machine, the version and the build type are called. gdb looks for its script below the whole path
-    # of the library.
+    # Placeholders stand for what depends on the machine, the version and the build type. gdb looks for its script
+    # below the whole path of the library.
     string(REGEX REPLACE "gdb/auto-load/.*/${libdir}/" "gdb/auto-load/@INSTALL_PREFIX@/@LIBDIR@/" line "${line}")
     string(REGEX REPLACE "(^|/)${libdir}/" "\\1@LIBDIR@/" line "${line}")
     string(REGEX REPLACE "so\\.[0-9]+\\.[0-9]+\\.[0-9]+" "so.@VERSION@" line "${line}")

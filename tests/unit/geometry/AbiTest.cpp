@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstring>
 #include <functional>
+#include <span>
 
 #include "Utility/Lazy.h"
 #include "Utility/optional.h"
@@ -78,7 +79,8 @@ std::ptrdiff_t GetOffset(void const* ip_whole, void const* ip_part) {
 template <class T>
 std::array<void const*, sizeof(T) / sizeof(void*)> GetPointers(T const& i_value) {
   std::array<void const*, sizeof(T) / sizeof(void*)> pointers;
-  std::memcpy(pointers.data(), &i_value, sizeof(T));
+  auto const bytes = std::as_bytes(std::span(&i_value, 1));
+  std::memcpy(pointers.data(), bytes.data(), bytes.size());
   return pointers;
 }
 
