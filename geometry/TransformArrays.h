@@ -8,8 +8,9 @@
 
 namespace lum {
 
+// clang exports the members only if the first declaration has the attribute.
 template <class T>
-class Matrix;
+class LUM_EXPORT Matrix;
 
 ///@{
 /// Transforms every point of an array. Each result has the bits of the product with that point, except for
