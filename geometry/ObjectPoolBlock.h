@@ -44,8 +44,9 @@ namespace lum {
 ///
 /// \tparam T          the object, trivially destructible
 /// \tparam Size       the number of objects; a power of two, so that the ring has no gap where a position
-/// wraps \tparam Alignment  the minimum alignment of the objects in bytes \tparam Policy     the atomics and
-/// the mutex
+///                    wraps
+/// \tparam Alignment  the minimum alignment of the objects in bytes
+/// \tparam Policy     the atomics and the mutex
 template <class T, std::size_t Size, std::size_t Alignment, class Policy = internal::ObjectPoolPolicy>
 class ObjectPoolBlock {
   static_assert(std::is_trivially_destructible_v<T>, "a pool never runs a destructor of its objects");
