@@ -1,6 +1,6 @@
-# What is missing is said in one line, which names the command that installs it.
+# Errors for missing dependencies: one line each, with the command that installs what is missing.
 
-# lum_get_setup(<result>): the command that installs what the options ask for, in the order of what they include.
+# lum_get_setup(<result>): the command that installs what all enabled options need.
 function(lum_get_setup result)
   if(LUM_BUILD_VERIFICATION AND CMAKE_CXX_COMPILER_ID STREQUAL Clang)
     set(what verify)
@@ -48,7 +48,7 @@ macro(lum_require_library who variable package name)
   lum_require(${who} ${name} ${package} ${variable})
 endmacro()
 
-# lum_require_tools(): make and a compiler, before project() asks for them. The errors of CMake name no command.
+# lum_require_tools(): checks for make and a compiler before project() does, because CMake's errors name no command.
 macro(lum_require_tools)
   if(CMAKE_GENERATOR STREQUAL "Unix Makefiles")
     lum_require_program(lum CMAKE_MAKE_PROGRAM make make gmake)
