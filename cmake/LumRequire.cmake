@@ -4,6 +4,8 @@
 function(lum_get_setup result)
   if(LUM_BUILD_VERIFICATION AND CMAKE_CXX_COMPILER_ID STREQUAL Clang)
     set(what verify)
+  elseif(LUM_BUILD_DOCS AND (LUM_BUILD_TESTS OR LUM_BUILD_EXAMPLES OR LUM_BUILD_BENCHMARKS OR LUM_BUILD_VERIFICATION))
+    set(what verify) # the only set with what docs needs and more
   elseif(LUM_BUILD_TESTS OR LUM_BUILD_VERIFICATION)
     set(what test)
   elseif(LUM_BUILD_BENCHMARKS)
