@@ -36,31 +36,42 @@ using FloatTypes = MatrixPoolTypes<float>;
 using DoubleTypes = MatrixPoolTypes<double>;
 using QuaternionTypes = QuaternionPoolTypes;
 
-static_assert(kOccupies<Vector<float, 2>, 8, 4> && kOccupies<Vector<float, 3>, 12, 4>);
-static_assert(kOccupies<Vector<double, 2>, 16, 8> && kOccupies<Vector<double, 3>, 24, 8>);
-static_assert(kOccupies<Point<float, 2>, 8, 4> && kOccupies<Point<float, 3>, 12, 4>);
-static_assert(kOccupies<Point<double, 2>, 16, 8> && kOccupies<Point<double, 3>, 24, 8>);
-static_assert(kOccupies<Plane<float>, 16, 4> && kOccupies<Plane<double>, 32, 8>);
-static_assert(kOccupies<Range<float>, 8, 4> && kOccupies<Range<double>, 16, 8>);
-static_assert(kOccupies<Matrix<float>, 64, 8> && kOccupies<Matrix<double>, 64, 8>);
+static_assert(kOccupies<Vector<float, 2>, 8, 4>);
+static_assert(kOccupies<Vector<float, 3>, 12, 4>);
+static_assert(kOccupies<Vector<double, 2>, 16, 8>);
+static_assert(kOccupies<Vector<double, 3>, 24, 8>);
+static_assert(kOccupies<Point<float, 2>, 8, 4>);
+static_assert(kOccupies<Point<float, 3>, 12, 4>);
+static_assert(kOccupies<Point<double, 2>, 16, 8>);
+static_assert(kOccupies<Point<double, 3>, 24, 8>);
+static_assert(kOccupies<Plane<float>, 16, 4>);
+static_assert(kOccupies<Plane<double>, 32, 8>);
+static_assert(kOccupies<Range<float>, 8, 4>);
+static_assert(kOccupies<Range<double>, 16, 8>);
+static_assert(kOccupies<Matrix<float>, 64, 8>);
+static_assert(kOccupies<Matrix<double>, 64, 8>);
 static_assert(kOccupies<Quaternionf, 32, 8>);
 
 static_assert(kOccupies<PseudoInverseResult, 80, 8>);
-static_assert(offsetof(PseudoInverseResult, pseudoInverse) == 0 && offsetof(PseudoInverseResult, rank) == 72);
+static_assert(offsetof(PseudoInverseResult, pseudoInverse) == 0);
+static_assert(offsetof(PseudoInverseResult, rank) == 72);
 
-static_assert(kOccupies<FloatTypes::ObjectHandle, 32, 8> && kOccupies<DoubleTypes::ObjectHandle, 32, 8>);
+static_assert(kOccupies<FloatTypes::ObjectHandle, 32, 8>);
+static_assert(kOccupies<DoubleTypes::ObjectHandle, 32, 8>);
 static_assert(kOccupies<QuaternionTypes::ObjectHandle, 32, 8>);
 static_assert(kOccupies<FloatTypes::ObjectPool::TwoObjects, 64, 8>);
 static_assert(offsetof(FloatTypes::ObjectPool::TwoObjects, first) == 0);
 static_assert(offsetof(FloatTypes::ObjectPool::TwoObjects, second) == 32);
 
-static_assert(kOccupies<optional<float>, 8, 4> && kOccupies<optional<std::size_t>, 16, 8>);
+static_assert(kOccupies<optional<float>, 8, 4>);
+static_assert(kOccupies<optional<std::size_t>, 16, 8>);
 static_assert(kOccupies<optional<std::array<std::size_t, 2>>, 24, 8>);
 static_assert(kOccupies<optional<std::function<int()>>, 40, 8>);
 static_assert(kOccupies<Lazy<FloatTypes::ObjectPool*>, 112, 8>);
 static_assert(kOccupies<Lazy<FloatTypes::ObjectHandle>, 136, 8>);
 
-static_assert(kOccupies<FloatTypes::ObjectPool, 88, 8> && kOccupies<DoubleTypes::ObjectPool, 88, 8>);
+static_assert(kOccupies<FloatTypes::ObjectPool, 88, 8>);
+static_assert(kOccupies<DoubleTypes::ObjectPool, 88, 8>);
 static_assert(kOccupies<QuaternionTypes::ObjectPool, 88, 8>);
 static_assert(kOccupies<FloatTypes::ObjectPool::Block, 2656, 8>);
 static_assert(kOccupies<DoubleTypes::ObjectPool::Block, 4704, 8>);
