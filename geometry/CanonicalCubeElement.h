@@ -18,7 +18,7 @@
 ///          +---+---+---+        3, 5, 6  a face, by the two axes that it spans
 ///                               7        the cube
 ///
-/// It is the element's value >> 3.
+/// The value of an element's canonical element is the element's value >> 3.
 namespace lum::CanonicalCubeElementIds {
 
 /// 0.
@@ -36,8 +36,8 @@ namespace lum {
 
 /// A canonical element of any dimension, with checked conversions to edge and face.
 ///
-/// A plain value, safe from any thread. Construction checks nothing. The conversions check the number of set
-/// bits of the whole value and nothing else.
+/// A plain value, safe from any thread. Construction checks nothing. The conversions check only the number of
+/// set bits of the whole value.
 class CanonicalCubeElement {
  public:
   ///@{
@@ -92,7 +92,7 @@ class CanonicalEdgeIterator
     : public internal::IndexIterator<CanonicalEdgeIterator, CanonicalCubeElementIds::CanonicalEdge> {
  public:
   constexpr CanonicalEdgeIterator() noexcept = default;  ///< At the first of the three.
-  /// At the element of an index from 0 to 3; 3 is the end.
+  /// At the first of the three, or at the end.
   explicit constexpr CanonicalEdgeIterator(bool i_end) noexcept : IndexIterator(i_end ? 3 : 0) {}
 
   /// The element, computed.
@@ -110,7 +110,7 @@ class CanonicalFaceIterator
     : public internal::IndexIterator<CanonicalFaceIterator, CanonicalCubeElementIds::CanonicalFace> {
  public:
   constexpr CanonicalFaceIterator() noexcept = default;  ///< At the first of the three.
-  /// At the element of an index from 0 to 3; 3 is the end.
+  /// At the first of the three, or at the end.
   explicit constexpr CanonicalFaceIterator(bool i_end) noexcept : IndexIterator(i_end ? 3 : 0) {}
 
   /// The element, computed.
@@ -124,7 +124,7 @@ class CanonicalFaceIterator
 };
 
 /// The three canonical edges in the order of their axes: 1, 2, 4. Nothing is checked; `IndexOf` of any other
-/// value is unspecified. Iterators may outlive the range; both are safe from any thread.
+/// value is unspecified. Iterators may outlive the range. Iterators and ranges are safe from any thread.
 class CanonicalEdgeIterable {
  public:
   using Iterator = CanonicalEdgeIterator;  ///< The iterator of the range.
@@ -145,7 +145,8 @@ class CanonicalEdgeIterable {
 };
 
 /// The three canonical faces in the order of their normals: 6, 5, 3. Nothing is checked; `IndexOf` of any
-/// other value is unspecified. Iterators may outlive the range; both are safe from any thread.
+/// other value is unspecified. Iterators may outlive the range. Iterators and ranges are safe from any
+/// thread.
 class CanonicalFaceIterable {
  public:
   using Iterator = CanonicalFaceIterator;  ///< The iterator of the range.

@@ -10,7 +10,7 @@
 #include "geometry/internal/IndexIterator.h"
 
 /// \file
-/// The edges of the cube, of the cube along one axis, and of a face, as random access ranges.
+/// All edges of the cube, its edges along one axis, and the edges of a face, as random access ranges.
 ///
 /// An edge is computed from its index i in the range, without tables. Its layout is
 ///
@@ -24,9 +24,9 @@
 ///     of a face f          o << 3 | ((f & 7) ^ offset)     o = rot(n, s), offset = rot(i & 1 ? n : 0, s ^ 3)
 ///                                                          with n the normal axis and s = (i >> 1) + 1
 ///
-/// where rot rotates three bits cyclically. So the range of a face with normal n has two edges along rot(n,
-/// 1), at its base and shifted along rot(n, 2), and then two along rot(n, 2), at its base and shifted along
-/// rot(n, 1).
+/// where rot rotates three bits cyclically. The range of a face with normal n therefore begins with its two
+/// edges along rot(n, 1), the second of them shifted along rot(n, 2). Its two edges along rot(n, 2) follow,
+/// the second of them shifted along rot(n, 1).
 ///
 /// Iterators and ranges are small values, safe from any thread. Iterators may outlive their range. `IndexOf`
 /// of an element that is not in the range is unspecified.
@@ -44,9 +44,9 @@ class CubeEdgeIterator<CubeElementIds::Cube>
     : public internal::IndexIterator<CubeEdgeIterator<CubeElementIds::Cube>, CubeElementIds::Edge> {
  public:
   constexpr CubeEdgeIterator() noexcept = default;
-  /// Over all 12 edges.
+  /// At the first of all 12 edges, or at the end.
   explicit constexpr CubeEdgeIterator(bool i_end) noexcept : IndexIterator(i_end ? 12 : 0) {}
-  /// Over the four along one axis.
+  /// At the first of the four edges along one axis, or at the end.
   constexpr CubeEdgeIterator(CubeSpaceIds::Orientation i_orientation, bool i_end) noexcept
       : IndexIterator(i_end ? 4 : 0), m_space(i_orientation) {}
 
@@ -75,7 +75,7 @@ class CubeEdgeIterator<CubeElementIds::Face>
     : public internal::IndexIterator<CubeEdgeIterator<CubeElementIds::Face>, CubeElementIds::Edge> {
  public:
   constexpr CubeEdgeIterator() noexcept = default;
-  /// At the edge of an index from 0 to 4; 4 is the end.
+  /// At the first of the four edges of a face, or at the end.
   constexpr CubeEdgeIterator(CubeElementIds::Face i_face, bool i_end) noexcept
       : IndexIterator(i_end ? 4 : 0), m_face(i_face) {}
 
@@ -97,7 +97,7 @@ class CubeEdgeIterator<CubeElementIds::Face>
   CubeElementIds::Face m_face{};
 };
 
-/// All 12 edges, four along each axis, x first; or the four along one axis.
+/// All 12 edges, four along each axis and x first, or the four edges along one axis.
 ///
 /// `size`, `begin`, `end` and `operator[]` throw `std::invalid_argument` if the number of set bits of the
 /// space is neither 1 nor 3. `IndexOf` does not check the space.
@@ -107,7 +107,7 @@ class CubeEdgeIterable<CubeElementIds::Cube> {
   using Iterator = CubeEdgeIterator<CubeElementIds::Cube>;  ///< The iterator of the range.
 
   constexpr CubeEdgeIterable() noexcept = default;
-  /// The edges along this axis, which is checked on use.
+  /// The edges along an axis. The axis is checked when the range is used.
   explicit constexpr CubeEdgeIterable(CubeSpaceIds::Orientation i_orientation) noexcept
       : m_space(i_orientation) {}
 
@@ -149,7 +149,7 @@ class CubeEdgeIterable<CubeElementIds::Face> {
  public:
   using Iterator = CubeEdgeIterator<CubeElementIds::Face>;  ///< The iterator of the range.
 
-  /// Of this face, which is not checked.
+  /// The edges of this face, which is not checked.
   explicit constexpr CubeEdgeIterable(CubeElementIds::Face i_face) noexcept : m_face(i_face) {}
 
   ///@{

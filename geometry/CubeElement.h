@@ -6,7 +6,8 @@
 
 namespace lum {
 
-/// An element of the unit cube of any dimension. CubeElementIds.h draws the layout of its value.
+/// A vertex, edge or face of the unit cube, or the cube itself. CubeElementIds.h draws the layout of its
+/// value.
 ///
 /// A plain value, safe from any thread. Construction checks nothing.
 class CubeElement {

@@ -15,7 +15,8 @@
 ///                       free axes   position
 ///
 /// The free axes are the axes along which the element extends: a space as in CubeSpaceIds.h, or none for a
-/// vertex. The position is the coordinate, 0 or 1, along each other axis, and 0 along each free axis.
+/// vertex. The position is the element's coordinate, 0 or 1, along each of the other axes. Its bits for free
+/// axes are 0.
 ///
 ///     free axes              element >> 3
 ///     position               element & 7
@@ -32,9 +33,9 @@ namespace lum::CubeElementIds {
 
 /// 0 to 7: bit k is the coordinate along axis k.
 enum class Vertex : unsigned int {};
-/// Along x 8, 10, 12, 14, along y 16, 17, 20, 21, along z 32 to 35.
+/// Along x: 8, 10, 12, 14. Along y: 16, 17, 20, 21. Along z: 32 to 35.
 enum class Edge : unsigned int {};
-/// Across x 48 and 49, across y 40 and 42, across z 24 and 28.
+/// Perpendicular to x: 48, 49. Perpendicular to y: 40, 42. Perpendicular to z: 24, 28.
 enum class Face : unsigned int {};
 /// 56.
 enum class Cube : unsigned int {};

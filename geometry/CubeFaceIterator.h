@@ -22,7 +22,7 @@
 ///     of the cube          (n << 3 ^ 56) | (i & 1) << k      k = i >> 1 numbers the normal axis, n = 1 << k
 ///     with a normal n      (n << 3 ^ 56) | (i & 1) << k      k = n >> 1
 ///
-/// So an even index gives the face at coordinate 0 along the normal, and an odd index the face at
+/// An even index gives the face at coordinate 0 along the normal, and an odd index gives the face at
 /// coordinate 1.
 ///
 /// Iterators and ranges are small values, safe from any thread. Iterators may outlive their range.
@@ -40,14 +40,14 @@ class CubeFaceIterator<CubeElementIds::Cube>
     : public internal::IndexIterator<CubeFaceIterator<CubeElementIds::Cube>, CubeElementIds::Face> {
  public:
   constexpr CubeFaceIterator() noexcept = default;
-  /// Over all six faces.
+  /// At the first of all six faces, or at the end.
   explicit constexpr CubeFaceIterator(bool i_end) noexcept : IndexIterator(i_end ? 6 : 0) {}
-  /// Over the two faces that span a plane.
+  /// At the first of the two faces parallel to a plane, or at the end.
   constexpr CubeFaceIterator(CubeSpaceIds::Plane i_plane, bool i_end) noexcept
       : IndexIterator(i_end ? 2 : 0), m_space(i_plane) {}
 
-  /// The face, computed. Throws `std::invalid_argument`, like `GetNormalOrientation`, if the two set bits are
-  /// not a plane.
+  /// The face, computed. Throws `std::invalid_argument`, like `GetNormalOrientation`, if the plane has two
+  /// set bits that are not two axes, such as 9.
   constexpr CubeElementIds::Face operator*() const {
     auto const normal = static_cast<unsigned int>(GetNormal());
     unsigned int const position = internal::ShiftLeft(GetIndex() & 1U, internal::GetAxisNumber(normal));
@@ -66,7 +66,7 @@ class CubeFaceIterator<CubeElementIds::Cube>
   CubeSpace m_space = CubeSpaceIds::VolumeXYZ;
 };
 
-/// All six faces, two for each normal, x first; or the two faces with one normal.
+/// All six faces, two for each normal and x first, or the two faces with one normal.
 ///
 /// `size`, `begin`, `end` and `operator[]` throw `std::invalid_argument` if the space perpendicular to the
 /// given axis is neither a plane nor the volume. `IndexOf` does not check the axis.

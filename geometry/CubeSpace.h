@@ -15,8 +15,8 @@ namespace lum {
 ///          | z | y | x |      one bit set: an orientation, two: a plane, three: the volume
 ///          +---+---+---+
 ///
-/// A plain value, safe from any thread. Construction checks nothing. The conversions check the number of set
-/// bits of the whole value and nothing else, so 9 converts to a plane.
+/// A plain value, safe from any thread. Construction checks nothing. The conversions check only the number of
+/// set bits of the whole value, so 9 converts to a plane.
 class CubeSpace {
  public:
   ///@{
@@ -63,8 +63,8 @@ constexpr CubeSpaceIds::Plane GetPerpendicularPlane(CubeSpaceIds::Orientation i_
   return CubeSpaceIds::Plane{~static_cast<unsigned int>(i_orientation) & 7U};
 }
 
-/// The one axis that is not among the low three bits of a plane. Throws `std::invalid_argument`, like
-/// `GetAsOrientation`, if there is none or more than one.
+/// The axis whose bit is clear in a plane. Bits above the low three are ignored. Throws
+/// `std::invalid_argument`, like `GetAsOrientation`, unless exactly one of the low three bits is clear.
 constexpr CubeSpaceIds::Orientation GetNormalOrientation(CubeSpaceIds::Plane i_plane) {
   return CubeSpace((static_cast<unsigned int>(i_plane) & 7U) ^ 7U).GetAsOrientation();
 }

@@ -41,13 +41,13 @@ class CubeVertexIterator<CubeElementIds::Cube>
     : public internal::IndexIterator<CubeVertexIterator<CubeElementIds::Cube>, CubeElementIds::Vertex> {
  public:
   constexpr CubeVertexIterator() noexcept = default;
-  /// At the vertex of an index from 0 to 8; 8 is the end.
+  /// At the first vertex, or at the end.
   explicit constexpr CubeVertexIterator(bool i_end) noexcept : IndexIterator(i_end ? 8 : 0) {}
 
   /// The vertex, computed.
   constexpr CubeElementIds::Vertex operator*() const noexcept { return CubeElementIds::Vertex{GetIndex()}; }
 
-  /// Compares the indices, then the containing elements.
+  /// Compares the indices.
   friend constexpr auto operator<=>(CubeVertexIterator const&, CubeVertexIterator const&) noexcept = default;
 };
 
@@ -57,7 +57,7 @@ class CubeVertexIterator<CubeElementIds::Face>
     : public internal::IndexIterator<CubeVertexIterator<CubeElementIds::Face>, CubeElementIds::Vertex> {
  public:
   constexpr CubeVertexIterator() noexcept = default;
-  /// At the vertex of an index from 0 to 4; 4 is the end.
+  /// At the first vertex of a face, or at the end.
   constexpr CubeVertexIterator(CubeElementIds::Face i_face, bool i_end) noexcept
       : IndexIterator(i_end ? 4 : 0), m_face(i_face) {}
 
@@ -81,7 +81,7 @@ class CubeVertexIterator<CubeElementIds::Edge>
     : public internal::IndexIterator<CubeVertexIterator<CubeElementIds::Edge>, CubeElementIds::Vertex> {
  public:
   constexpr CubeVertexIterator() noexcept = default;
-  /// At the vertex of an index from 0 to 2; 2 is the end.
+  /// At the first vertex of an edge, or at the end.
   constexpr CubeVertexIterator(CubeElementIds::Edge i_edge, bool i_end) noexcept
       : IndexIterator(i_end ? 2 : 0), m_edge(i_edge) {}
 
@@ -123,13 +123,13 @@ class CubeVertexIterable<CubeElementIds::Cube> {
   }
 };
 
-/// The four vertices of a face, in the order of the bits.
+/// The four vertices of a face. The second and third are diagonal to each other.
 template <>
 class CubeVertexIterable<CubeElementIds::Face> {
  public:
   using Iterator = CubeVertexIterator<CubeElementIds::Face>;  ///< The iterator of the range.
 
-  /// Of this face, which is not checked.
+  /// The vertices of this face, which is not checked.
   explicit constexpr CubeVertexIterable(CubeElementIds::Face i_face) noexcept : m_face(i_face) {}
 
   ///@{
@@ -158,7 +158,7 @@ class CubeVertexIterable<CubeElementIds::Edge> {
  public:
   using Iterator = CubeVertexIterator<CubeElementIds::Edge>;  ///< The iterator of the range.
 
-  /// Of this edge, which is not checked.
+  /// The vertices of this edge, which is not checked.
   explicit constexpr CubeVertexIterable(CubeElementIds::Edge i_edge) noexcept : m_edge(i_edge) {}
 
   ///@{
