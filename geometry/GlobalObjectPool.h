@@ -20,7 +20,7 @@ namespace lum {
 /// that handles can return their objects while the process shuts down. The library has three such pools:
 /// `MatrixPoolTypes<float>`, `MatrixPoolTypes<double>` and `QuaternionPoolTypes`.
 ///
-/// Thread safety: any number of threads, from before `main` to the end of the process.
+/// Thread safety: any number of threads may use the pools, from before `main` to the end of the process.
 template <class Pool, class Handle>
 struct GlobalObjectPool {
   static Lazy<Pool*> const& m_pool;  ///< The pool.
@@ -32,7 +32,7 @@ struct PoolTypes {
   using Object = T;                                           ///< The pooled object.
   using ObjectPool = lum::ObjectPool<T, 32, 16>;              ///< The pool, with blocks of 32 objects.
   using ObjectHandle = typename ObjectPool::ObjectHandle;     ///< A shared owner of an object.
-  using Global = GlobalObjectPool<ObjectPool, ObjectHandle>;  ///< Where the process-wide pool is found.
+  using Global = GlobalObjectPool<ObjectPool, ObjectHandle>;  ///< Holds the process-wide pool.
 };
 
 /// The pool of `Matrix<T>`. An object holds all 16 values, column by column.

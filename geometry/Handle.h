@@ -29,7 +29,7 @@ concept PairDeleter = std::is_nothrow_invocable_v<D const&, T*> &&
 /// object calls the deleter with it. The object is neither destroyed nor cleared.
 ///
 /// Cost: a copy is one increment and never allocates. A move changes no count. Counts are atomic; while the
-/// process has never had a second thread, they are changed by plain stores.
+/// process has never had a second thread, they are changed by relaxed loads and stores.
 ///
 /// Thread safety: distinct handles that own one object may be copied, assigned and destroyed on different
 /// threads. Exactly one of them makes the last release. A handle must not be written while another thread
@@ -46,8 +46,8 @@ class Handle {
 
   /// Increments the count of the object.
   ///
-  /// A null object, a null count or an empty deleter throws `std::invalid_argument`, tested in this order. No
-  /// count has changed then.
+  /// A null object, a null count or an empty deleter throws `std::invalid_argument`, tested in this order. An
+  /// error leaves the count unchanged.
   Handle(T* ip_object, C* ip_reference_count, D i_delete);
 
   /// Sets the count, which is 0, to 1. Arguments are not checked.
@@ -63,10 +63,11 @@ class Handle {
   }
 
   ///@{
-  /// Shares or takes over the other's object after releasing its own.
+  /// Shares or takes over the object of the other handle, and releases the previous object.
   ///
   /// Self-assignment, and copying another handle that owns the same object, leave the count unchanged. If the
-  /// deleter throws, this handle is empty and the count of the other's object is as before a copy.
+  /// deleter throws, this handle is empty. A copied handle then has its previous count; a moved-from handle
+  /// is empty and its object is released.
   // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): a counted copy is taken first
   Handle& operator=(Handle const& i_other) noexcept(kIsReleaseNoexcept);
   // NOLINTNEXTLINE(performance-noexcept-move-constructor): noexcept if the deleter is
@@ -76,7 +77,7 @@ class Handle {
   /// The object; null for an empty handle.
   T* Get() const noexcept { return mp_object; }
   ///@{
-  /// The object; undefined for an empty handle.
+  /// The object. Undefined behaviour for an empty handle.
   T& operator*() const noexcept { return *mp_object; }
   T* operator->() const noexcept { return mp_object; }
   ///@}
@@ -105,7 +106,7 @@ class Handle {
 
   T* mp_object = nullptr;
   // Changed by sequentially consistent additions and subtractions, so exactly one release reads 1. A sole
-  // owner and a process with one thread may use plain stores, since nothing else can access the count then.
+  // owner, or the only thread of a process, may store instead, since nothing else can change the count.
   C* mp_reference_count = nullptr;
   D m_delete{};
 };
@@ -174,8 +175,8 @@ void Handle<T, C, D>::Swap(Handle& io_other) noexcept {
   std::swap(m_delete, io_other.m_delete);
 }
 
-// The handle is emptied before the deleter is called, so a deleter that throws, or uses this handle, never
-// finds an object that is no longer owned.
+// The handle is emptied before the deleter is called. It therefore never points to a released object, even if
+// the deleter throws or uses this handle.
 template <class T, class C, class D>
 void Handle<T, C, D>::Release() noexcept(kIsReleaseNoexcept) {
   T* const object = std::exchange(mp_object, nullptr);
@@ -184,8 +185,8 @@ void Handle<T, C, D>::Release() noexcept(kIsReleaseNoexcept) {
   if (DropReference(*reference_count)) release(object);
 }
 
-// A count of 1 is this handle's own, and no other owner could increment it. The acquire load orders what
-// former owners did with the object before its return.
+// A count of 1 is this handle's own, so there is no other owner that could increment it. The acquire load
+// orders what former owners did with the object before its return.
 template <class T, class C, class D>
 inline bool Handle<T, C, D>::DropReference(C& io_reference_count) noexcept {
   if (io_reference_count.load(std::memory_order_acquire) == 1) {

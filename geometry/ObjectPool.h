@@ -15,7 +15,7 @@
 
 namespace lum {
 
-/// Hands out fixed-size objects, and takes each back when its last handle releases it.
+/// Creates handles onto fixed-size objects. An object returns to the pool when its last handle releases it.
 ///
 /// Objects come from the current block. A new block supersedes a full one. A superseded block is freed when
 /// the last of its objects returns. The pool keeps no list of blocks.
@@ -35,20 +35,21 @@ class ObjectPool {
   /// A shared owner of an object.
   using ObjectHandle = Handle<T, typename Block::ReferenceCount, ObjectPoolDeleter<T, ObjectPool, Block>>;
 
-  /// Allocates the first block, and passes on what that throws.
+  /// Allocates the first block. Passes on what the allocation throws.
   ObjectPool();
   ObjectPool(ObjectPool const&) = delete;
   ObjectPool& operator=(ObjectPool const&) = delete;
   /// Supersedes the current block, which is freed when the last of its objects has returned.
   ~ObjectPool();
 
-  /// The only handle onto an object that is not initialised: the caller writes every value before the object
-  /// is read. A recycled object has its previous values.
+  /// Returns the only handle onto an uninitialised object. The caller must write every value before it is
+  /// read. A recycled object has its previous values.
   ///
-  /// Passes on what allocating a block or locking a mutex throws. The pool is unchanged then.
+  /// Passes on what allocating a block or locking a mutex throws. An error leaves the pool unchanged.
   ///
-  /// Cost: one lock, which is elided while the process has never had a second thread. If no objects return,
-  /// one in `Size` calls allocates a block and locks twice more.
+  /// Cost: one lock of the current-block mutex, which is elided while the process has never had a second
+  /// thread. If no objects return, one in `Size` calls also allocates a block, locks that mutex twice more
+  /// and locks the creation mutex.
   ObjectHandle CreateObject();
   /// The only handles onto two objects.
   struct TwoObjects {
@@ -56,7 +57,7 @@ class ObjectPool {
     ObjectHandle second;  ///< Onto the object taken second.
   };
   /// The two objects that two calls of `CreateObject` would give, at little more than the cost of one call.
-  /// Throws what those calls throw, and has returned any object that it took then.
+  /// Throws what those calls throw. An error leaves no object taken.
   TwoObjects CreateTwoObjects();
 
  private:
@@ -117,8 +118,8 @@ ObjectPool<T, Size, Alignment, Policy>::MakeHandle(Block& io_block, std::size_t 
                       io_block.GetReferenceCount(i_slot), {this, &io_block});
 }
 
-// A thread that finds the block full while another thread creates the next one retries at once: publishing
-// the new block takes one allocation, and a return may come first.
+// A thread that finds the block full while another thread creates the next one retries at once. The wait is
+// short: the other thread allocates one block, and a return may free a slot sooner.
 template <class T, std::size_t Size, std::size_t Alignment, class Policy>
 typename ObjectPool<T, Size, Alignment, Policy>::Slot
 ObjectPool<T, Size, Alignment, Policy>::TakeSlotSlowly() {
@@ -130,8 +131,8 @@ ObjectPool<T, Size, Alignment, Policy>::TakeSlotSlowly() {
   }
 }
 
-// The slot is read from the ring under the lock. If a take only reserved a slot there, a take and a return of
-// another slot could overwrite the ring entry before it is read.
+// The slot is read from the ring under the lock. If a take only reserved its slot under the lock and read the
+// ring afterwards, another take and a return could overwrite the entry before it is read.
 template <class T, std::size_t Size, std::size_t Alignment, class Policy>
 inline optional<typename ObjectPool<T, Size, Alignment, Policy>::Slot>
 ObjectPool<T, Size, Alignment, Policy>::TakeFromCurrentBlock() {

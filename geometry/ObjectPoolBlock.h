@@ -15,8 +15,8 @@ namespace lum {
 
 /// A block of `Size` objects of T, with the ring of its free slots and a reference count for each object.
 ///
-/// The ring hands slots out first in, first out. Takes read it in the same cyclic order in which returns
-/// write it:
+/// The ring is a first-in, first-out queue. Takes read its entries in the same cyclic order in which returns
+/// write them:
 ///
 ///     ring entry    0    1    2    3   ...  31        a slot index, or kTaken
 ///                        ^              ^
@@ -26,9 +26,9 @@ namespace lum {
 ///
 /// A take replaces the entry that it reads by kTaken. A return claims its position, stores its slot and then
 /// decrements the use count. The caller serialises takes, so return n claims its position after take n has
-/// read and marked that entry: no return overwrites an entry that is still to be read. A take that reads
-/// kTaken has met a return between its claim and its store. It then takes nothing and treats the block as
-/// full.
+/// read and marked that entry: no return overwrites an entry that is still to be read. If a take reads
+/// kTaken, a return has claimed that position and not yet stored its slot. The take then takes nothing and
+/// treats the block as full.
 ///
 /// Two slots can be taken, or returned, in one operation that is equivalent to two consecutive operations.
 ///
@@ -43,8 +43,7 @@ namespace lum {
 /// that no other thread knows yet.
 ///
 /// \tparam T          the object, trivially destructible
-/// \tparam Size       the number of objects; a power of two, so that the ring has no gap where a position
-///                    wraps
+/// \tparam Size       the number of objects; a power of two, so that positions wrap without a gap
 /// \tparam Alignment  the minimum alignment of the objects in bytes
 /// \tparam Policy     the atomics and the mutex
 template <class T, std::size_t Size, std::size_t Alignment, class Policy = internal::ObjectPoolPolicy>
@@ -75,7 +74,7 @@ class ObjectPoolBlock {
   /// Returns the slots of two objects, in this order.
   [[nodiscard]] bool ReturnTwoSlots(T const* ip_first, T const* ip_second) noexcept;
 
-  /// Marks the block as no longer current. From now on its last return frees it.
+  /// Marks the block as no longer current. The return that leaves no slot in use then returns true.
   /// \return true if no slot is in use: the caller frees the block.
   [[nodiscard]] bool Supersede() noexcept;
 
@@ -95,8 +94,8 @@ class ObjectPoolBlock {
     kSuperseded = 1UL << 63,
     kTaken = ~0UL,
     kLastPosition = ~0UL,
-    // Objects whose size is a multiple of 64 have cache lines of their own. Callers that are compiled for
-    // wide vectors also access the objects by aligned operations of up to 64 bytes.
+    // Objects start on a cache line, so objects whose size is a multiple of 64 share none. Callers that are
+    // compiled for wide vectors need the alignment for aligned operations of up to 64 bytes.
     kPlacement = std::max<std::size_t>(Alignment, 64)
   };
 
@@ -111,7 +110,7 @@ class ObjectPoolBlock {
   // Plain words, accessed only through atomic references once the block is shared, because a take may read an
   // entry while a return stores it. A return stores with release and a take loads with acquire, so everything
   // that the old owner of a slot did happens before the new owner's use. Takes are serialised, and a return
-  // stores to a marked entry only after the take that marked it.
+  // stores to an entry only after a take has marked it.
   std::array<unsigned long, Size> m_free_slots;
   // Running count of returns. A read-modify-write gives each return a position of its own.
   Counter m_return_position{0};
@@ -199,8 +198,8 @@ bool ObjectPoolBlock<T, Size, Alignment, Policy>::Supersede() noexcept {
 }
 
 // The last position is reset by a compare-exchange instead of wrapping in the addition. Both give the same
-// ring order, since 2^64 is a multiple of the size. The load keeps a failing compare-exchange out of every
-// other call.
+// ring order, since 2^64 is a multiple of the size. The load avoids a failing compare-exchange in every other
+// call.
 template <class T, std::size_t Size, std::size_t Alignment, class Policy>
 inline std::size_t ObjectPoolBlock<T, Size, Alignment, Policy>::ClaimPosition(Counter& io_position) noexcept {
   unsigned long last = kLastPosition;

@@ -6,7 +6,7 @@
 namespace lum::internal {
 
 /// The types by which pools and blocks synchronise: the standard ones. Tests substitute types that yield to a
-/// scheduler before every operation, and so step through the code that is shipped.
+/// scheduler before every operation, so that they step through the shipped code.
 struct ObjectPoolPolicy {
   /// A word that several threads access.
   template <class Word>

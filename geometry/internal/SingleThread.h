@@ -9,9 +9,10 @@
 
 namespace lum::internal {
 
-/// Whether plain loads and stores may replace operations on this atomic or mutex, because the process has
-/// never had a second thread. Starting a thread synchronises with it, so it sees everything that was stored
-/// before. False for other types than the standard ones: tests substitute them to observe every operation.
+/// Whether relaxed loads and stores may replace the read-modify-writes of an atomic of this type, and a lock
+/// of a mutex of this type may be elided, because the process has never had a second thread. Starting a
+/// thread synchronises with the new thread, which therefore sees every earlier store. False for types other
+/// than the standard ones, which tests substitute to observe every operation.
 template <class Synchronised>
 bool IsSingleThreaded() noexcept {
 #if __has_include(<sys/single_threaded.h>)
@@ -50,7 +51,8 @@ unsigned long FetchSubtract(Counter& io_counter, unsigned long i_value) {
 }
 
 /// Locks a mutex, or elides the lock while the process has never had a second thread. Code that a caller can
-/// replace must not run meanwhile: a thread that it started would not be locked out.
+/// replace, such as an allocator, must not run while the lock is elided: it could start a thread, which would
+/// not be locked out.
 template <class Mutex>
 class ThreadLock {
  public:
