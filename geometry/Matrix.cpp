@@ -16,7 +16,7 @@
 
 namespace lum {
 
-// The one user of the constructor that leaves the values to be written.
+// The only user of the constructor that does not write the values.
 template <class T>
 struct internal::MatrixFactory {
   static Matrix<T> Create() { return Matrix<T>(typename Matrix<T>::FreshObjects()); }
@@ -24,8 +24,8 @@ struct internal::MatrixFactory {
 
 namespace {
 
-// The values of a transform in registers of 16 bytes. Single stores of two transforms would fill the store
-// buffer.
+// The values of a transform in registers of 16 bytes. Storing two transforms value by value would fill the
+// store buffer.
 template <class T>
 struct Columns {
   using Column = internal::Column<T>;
@@ -122,8 +122,8 @@ Columns<T> MakeTranspose(T const* s) {
           {s[3], s[7], s[11], 1}};
 }
 
-// The first application in a process creates the identity. A function of its own, so that later applications
-// need not save registers for that call.
+// The first application in a process creates the identity. Out of line, so that later applications need not
+// save registers for that call.
 template <class T, class Argument>
 [[gnu::noinline]] Argument ApplyFirst(Matrix<T> const& i_matrix, Argument const& i_argument) {
   Matrix<T>::mgh_identity.GetValue();

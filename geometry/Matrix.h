@@ -22,7 +22,8 @@ struct MatrixFactory;
 /// The message of every function that needs an inverse and finds none.
 inline constexpr char const* no_inverse_message = "attempt to get inverse of non-invertible matrix";
 
-/// Out of line, so that the test before it costs little. Not a member: every caller compiles its own copy.
+/// Out of line, so that the test before it costs little. Not a member, because every caller compiles its own
+/// copy and the library does not export it.
 [[noreturn, gnu::cold, gnu::noinline]] inline void ThrowNoInverse() {
   throw std::domain_error(no_inverse_message);
 }
@@ -35,8 +36,8 @@ inline constexpr char const* no_inverse_message = "attempt to get inverse of non
 ///
 /// A matrix is two handles onto pooled objects. The first holds the transform. The second holds the inverse,
 /// or is empty. A copy shares both objects. A shared object is never written: every operation fills fresh
-/// objects, the transform and its inverse in closed form, so inverting swaps the two handles. A stored
-/// inverse is never recomputed and never checked.
+/// objects. It computes the inverse together with the transform, so inverting only swaps the two handles. A
+/// stored inverse is never recomputed and never checked.
 ///
 /// A default-constructed matrix shares the one identity object, which is recognised by its address (a *known
 /// identity*). Operations with a known identity share objects instead of computing.
@@ -47,11 +48,12 @@ inline constexpr char const* no_inverse_message = "attempt to get inverse of non
 /// Thread safety: a matrix must not be written while another thread uses it. Matrices that share objects may
 /// be used by different threads.
 ///
-/// Errors: a member that takes a pooled object passes on what the pool throws (`std::bad_alloc`) and leaves
-/// its operands unchanged.
+/// Errors: a member that takes a pooled object passes on what the pool throws (`std::bad_alloc`). Its
+/// operands are then unchanged, except by the converting assignment.
 ///
-/// Cost: each member states how many objects it takes and how many counts it increments; a member that states
-/// nothing does neither. Destruction decrements the same counts. The identity object is created on first use.
+/// Cost: each member states how many objects it takes and how many counts it increments. A member that states
+/// neither takes no object and increments no count. Destruction decrements the same counts. The identity
+/// object is created on first use.
 ///
 /// Units: translations, origins and planes share one unit of length, which the caller chooses.
 ///
@@ -85,11 +87,11 @@ class LUM_EXPORT LUM_STANDALONE_DEBUG Matrix {
   template <class U>
   requires(!std::same_as<T, U>) Matrix(Matrix<U> const& i_other);
 
-  /// Shares the objects of the other, then releases its previous transform and inverse. Increments 2 counts,
-  /// or 1 without an inverse.
+  /// Shares the objects of the other matrix, then releases the previous transform and inverse. Increments 2
+  /// counts, or 1 without an inverse.
   // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): a counted copy is taken first
   Matrix& operator=(Matrix const& i_other) noexcept { return *this = Matrix(i_other); }
-  /// Takes over both handles, then releases its previous transform and inverse.
+  /// Takes over both handles, then releases the previous transform and inverse.
   Matrix& operator=(Matrix&& io_other) noexcept;
   /// Converts like the constructor and returns a reference to const. If taking the second object throws, this
   /// matrix has its new transform and its old inverse.
@@ -114,7 +116,7 @@ class LUM_EXPORT LUM_STANDALONE_DEBUG Matrix {
   /// Maps a box of these extents, centred on the origin, onto the cube from -1 to 1.
   ///
   /// An extent that is zero or negative throws `std::invalid_argument`, which names the first such extent. A
-  /// NaN does not throw; the result has no inverse then. Takes as many objects as `Scale`.
+  /// NaN does not throw, and gives a result without an inverse. Takes as many objects as `Scale`.
   static Matrix Normalize(T i_width, T i_height, T i_depth);
 
   ///@{
@@ -156,7 +158,7 @@ class LUM_EXPORT LUM_STANDALONE_DEBUG Matrix {
   /// The 4x4 product. Its inverse is the product of the inverses in the opposite order, if both factors have
   /// one. Takes 2 objects, or 1 without an inverse. A product with a known identity copies the other factor.
   Matrix operator*(Matrix const& i_right) const;
-  /// Becomes the product, at the cost of the product.
+  /// Assigns the product. Costs the same as the product.
   Matrix& operator*=(Matrix const& i_right);
   /// Component i is ((M(i,0) x + M(i,1) y) + M(i,2) z) + M(i,3) 0. A non-finite translation yields NaN.
   Vector<T, 3> operator*(Vector<T, 3> const& i_vector) const;
@@ -174,7 +176,7 @@ class LUM_EXPORT LUM_STANDALONE_DEBUG Matrix {
   /// again after copying the matrix, since the copy shares the object. The inverse does not change: the
   /// caller keeps transform and inverse consistent.
   Object* GetMutableInternal();
-  /// The inverse for writing, on the same terms. An assertion requires that there is one.
+  /// The inverse for writing, like `GetMutableInternal`. An assertion requires that there is one.
   Object* GetMutableInverseInternal();
 
   /// The handle onto the identity object, which is created on first use and never written. Valid from before

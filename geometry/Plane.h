@@ -18,7 +18,7 @@ class LUM_STANDALONE_DEBUG Plane {
   /// Divides all four values by the length of (i_a, i_b, i_c).
   ///
   /// A squared length below the smallest normal number of T throws `std::invalid_argument`. A NaN does not
-  /// throw; the result is NaNs.
+  /// throw: in i_a, i_b or i_c it makes all four values NaN, in i_d it makes only d NaN.
   Plane(T i_a, T i_b, T i_c, T i_d);
 
   ///@{

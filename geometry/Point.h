@@ -20,8 +20,8 @@ constexpr Origin_t Origin{};
 /// A position: N coordinates of type T, in the order x, y (, z).
 ///
 /// A plain value that consists of its coordinates. Transforms apply their translation to points. Arithmetic
-/// is by coordinate in T. Nothing is checked, nothing throws, and nothing is taken from the pools. Safe from
-/// any thread that does not share the value.
+/// is by coordinate in T. Nothing is checked, nothing throws, and nothing is taken from the pools. A point
+/// must not be written while another thread uses it.
 ///
 /// \tparam T  `float` or `double`
 /// \tparam N  2 or 3

@@ -26,7 +26,7 @@ namespace lum {
 ///
 /// Errors: a member that takes a pooled object passes on what the pool throws (`std::bad_alloc`).
 ///
-/// Cost: a copy increments 1 count, which includes arguments passed by value. Each member states how many
+/// Cost: a copy increments 1 count. Arguments passed by value are copies, too. Each member states how many
 /// objects it takes; a member that states nothing takes none. The identity object is created on first use.
 class LUM_EXPORT LUM_STANDALONE_DEBUG Quaternionf {
  public:
@@ -46,7 +46,7 @@ class LUM_EXPORT LUM_STANDALONE_DEBUG Quaternionf {
   /// Takes over a handle; nothing is checked.
   explicit Quaternionf(ObjectHandle i_handle) noexcept;
 
-  /// The Hamilton product, which rotates by i_right first. Takes 1 object, also for known identities.
+  /// The Hamilton product, which rotates by i_right first. Takes 1 object, even for known identities.
   Quaternionf operator*(Quaternionf const& i_right) const;
 
   /// The rotation matrix of a quaternion of length 1, by the Euler-Rodrigues formula. Its inverse is computed
@@ -61,21 +61,22 @@ class LUM_EXPORT LUM_STANDALONE_DEBUG Quaternionf {
   /// Rotates a vector: v + w u + q x u with u = 2 (q x v), where q is the vector part. For length 1 this is
   /// the product of the quaternion, v and the conjugate, expanded.
   Vector<float, 3> Transform(Vector<float, 3> const& i_vector) const;
-  /// Rotates every vector of an array. Each result has the bits of the rotation of that vector, except for
-  /// the signs and payloads of NaNs.
+  /// Rotates every vector of an array. Each result has the same bits as the rotation of that vector alone,
+  /// except for the signs and payloads of NaNs.
   ///
   /// The two arrays may be the same array, but must not overlap otherwise. Arrays of different sizes throw
-  /// `std::invalid_argument`, and nothing is written then.
+  /// `std::invalid_argument` before anything is written.
   void Transform(std::span<Vector<float, 3> const> i_vectors, std::span<Vector<float, 3>> o_vectors) const;
-  /// Applies the inverse of `GetAsMatrix`, at the cost of that: for length 1, the opposite rotation.
+  /// Applies the inverse of `GetAsMatrix`, at the cost of `GetAsMatrix`. For length 1 this is the opposite
+  /// rotation.
   Vector<float, 3> InverseTransform(Vector<float, 3> const& i_vector) const;
 
   /// Whether |a - b|^2 <= tolerance^2 min(|a|^2, |b|^2) over the coefficients, like Eigen's `isApprox`.
   /// Although q and -q are the same rotation, they are not approximately equal.
   bool IsApproximately(Quaternionf i_other, float i_tolerance) const;
-  /// Spherical linear interpolation along the shorter arc, from this at i_t = 0 to i_other at i_t = 1
-  /// (Shoemake, Animating Rotation with Quaternion Curves, 1985). Interpolates linearly if the angle between
-  /// the two rounds to 0. The result is not normalised. Takes 1 object.
+  /// Spherical linear interpolation along the shorter arc, from this quaternion at i_t = 0 to i_other at
+  /// i_t = 1 (Shoemake, Animating Rotation with Quaternion Curves, 1985). Interpolates linearly if the
+  /// magnitude of the dot product is at least 1 - 2^-23. The result is not normalised. Takes 1 object.
   Quaternionf Slerp(float i_t, Quaternionf i_other) const;
 
   /// The handle onto the identity object, which is created on first use and never written. Valid from before

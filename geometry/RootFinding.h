@@ -24,12 +24,10 @@ namespace lum::RootFinding {
 /// \param i_range      the interval; its ends may be equal
 /// \param i_tolerance  above 0, for the absolute value of the function; a NaN ends the first iteration
 /// \returns the last x, or a quiet NaN if neither product is <= 0, which happens only when a value is NaN.
-/// Equal
-///          ends at a zero also give NaN, since t is 0 / 0.
-/// \throws std::invalid_argument  if the tolerance is 0 or less, if the range is empty, or if the values at
-/// the
-///          ends have the same sign, tested in this order. An empty function throws `std::bad_function_call`
-///          after the first two tests. What the function throws passes through.
+///          Equal ends at a zero also give NaN, since t is 0 / 0.
+/// \throws std::invalid_argument  if the tolerance is 0 or less, if the range is empty, or if the values
+///          at the ends have the same sign, tested in this order. An empty function throws
+///          `std::bad_function_call` after the first two tests. Exceptions of the function are passed on.
 LUM_EXPORT double RegulaFalsi(std::function<double(double)> const& i_function, Range<double> const& i_range,
                               double i_tolerance);
 

@@ -16,8 +16,8 @@ namespace {
 using internal::DoubleLanes;
 using internal::FloatLanes;
 
-// The two overloads transform triples by the sums that `Matrix` states for one, with a last addend for each
-// row. They copy the coefficients, which the compiler would otherwise reload after every store.
+// The two overloads compute the sums that `Matrix` documents for one point, with a last addend for each row.
+// They copy the coefficients, which the compiler would otherwise reload after every store.
 void TransformTriples(double const* ip_matrix, std::array<double, 3> const& i_last, double const* ip_values,
                       double* op_values, std::size_t i_count) {
   std::array<DoubleLanes, 12> c;
@@ -37,7 +37,7 @@ void TransformTriples(double const* ip_matrix, std::array<double, 3> const& i_la
   internal::TransformTriples(ip_values, op_values, i_count, transform_group);
 }
 
-// Each loads four consecutive floats and repeats the first and the last of them, as often as its name says.
+// Each loads four consecutive floats, and repeats the first and the last of them as often as its name states.
 FloatLanes LoadThreeAndOne(float const* ip_window) {
   FloatLanes const window = internal::LoadLanes(ip_window);
   return __builtin_shufflevector(window, window, 0, 0, 0, 3);

@@ -14,8 +14,8 @@ namespace lum {
 /// A direction: N components of type T, in the order x, y (, z).
 ///
 /// A plain value that consists of its components. Transforms ignore their translation for vectors. Arithmetic
-/// is by component in T. Nothing is checked, nothing throws, and nothing is taken from the pools. Safe from
-/// any thread that does not share the value.
+/// is by component in T. Nothing is checked, nothing throws, and nothing is taken from the pools. A vector
+/// must not be written while another thread uses it.
 ///
 /// \tparam T  `float` or `double`
 /// \tparam N  2 or 3
@@ -65,7 +65,7 @@ class Vector {
   ///@}
 
   ///@{
-  /// By component. A division by a scalar divides each component by it.
+  /// By component. Division divides each component, and does not multiply by a reciprocal.
   constexpr Vector& operator+=(Vector const& i_other) noexcept;
   constexpr Vector& operator-=(Vector const& i_other) noexcept;
   constexpr Vector& operator*=(T i_factor) noexcept;
@@ -76,7 +76,7 @@ class Vector {
   friend constexpr bool operator==(Vector const&, Vector const&) noexcept = default;
 
   ///@{
-  /// By component. A division by a scalar divides each component by it.
+  /// By component. Division divides each component, and does not multiply by a reciprocal.
   friend constexpr Vector operator+(Vector i_a, Vector const& i_b) noexcept { return i_a += i_b; }
   friend constexpr Vector operator-(Vector i_a, Vector const& i_b) noexcept { return i_a -= i_b; }
   friend constexpr Vector operator*(Vector i_vector, T i_factor) noexcept { return i_vector *= i_factor; }

@@ -39,8 +39,8 @@ std::array<float, 4> ExtractRotation(float const* ip_values) {
       }
     }
   }
-  // Transform::computeRotationScaling of Eigen 3.4, written out because older versions reverse another column
-  // of a block that mirrors.
+  // Transform::computeRotationScaling of Eigen 3.4, written out because older versions reverse a different
+  // column if the block mirrors.
   lum_eigen::Matrix3f const block = transform.matrix().topLeftCorner<3, 3>();
   lum_eigen::JacobiSVD<lum_eigen::Matrix3f> const svd(block,
                                                       lum_eigen::ComputeFullU | lum_eigen::ComputeFullV);

@@ -5,7 +5,7 @@
 namespace lum::internal {
 
 /// \file
-/// The algorithms that are Eigen's. Matrices are plain values, column by column.
+/// The algorithms that Eigen implements. Matrices are arrays of values, column by column.
 
 /// The closed-form inverse of a 4x4 matrix: its cofactors times the reciprocal of its determinant. The
 /// determinant is not tested.

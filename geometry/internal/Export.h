@@ -10,8 +10,8 @@
 #define LUM_HIDDEN __attribute__((visibility("hidden")))
 
 /// Makes clang describe the whole class in the debug information of every source that uses it, like g++. By
-/// default clang describes it only in the source with its constructors, which is the library's. A debugger
-/// could not show values then if the library is stripped.
+/// default clang describes a class only in the source that defines its constructors, which is in the library.
+/// If the library is stripped, a debugger could then not show the class's values.
 #if __has_attribute(standalone_debug)
 #define LUM_STANDALONE_DEBUG __attribute__((standalone_debug))
 #else

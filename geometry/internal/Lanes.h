@@ -151,7 +151,7 @@ template <class T, class Operation, class Store>
   TransformRemainder(ip_values, op_values, i_count, i_transform);
 }
 
-/// Transforms an array with streaming stores. A function of its own: inlined, it slowed small arrays.
+/// Transforms an array with streaming stores. Not inlined, because inlining slows down small arrays.
 template <class T, class Operation>
 [[gnu::noinline]] void StreamTriples(T const* ip_values, T* op_values, std::size_t i_count,
                                      Operation i_transform) noexcept {
@@ -165,12 +165,12 @@ template <class T, class Operation>
   FinishStreaming();
 }
 
-/// Results of at least this size do not stay in the caches: it is the size of the last-level cache of common
-/// processors.
+/// Results of at least this size are streamed, because they do not stay in the caches: common processors have
+/// last-level caches of this size.
 constexpr std::size_t kStreamedBytes = std::size_t{32} << 20U;
 
-/// Transforms every triple of an array. `i_transform` reads a group at one address, writes it to another, and
-/// stores by its third argument. The two arrays may be the same array.
+/// Transforms every triple of an array. `i_transform` reads a group at its first argument and stores the
+/// result at its second by calling its third. The two arrays may be the same array.
 template <class T, class Operation>
 void TransformTriples(T const* ip_values, T* op_values, std::size_t i_count,
                       Operation const& i_transform) noexcept {
