@@ -33,8 +33,8 @@ class Lazy {
   Lazy(Lazy const&) = delete;
   Lazy& operator=(Lazy const&) = delete;
 
-  /// The value, created on the first call. Passes on what the factory throws; the next call runs the factory
-  /// again then.
+  /// The value, created on the first call. If the factory throws, the exception is passed on, and the next
+  /// call runs the factory again.
   T const& GetValue() const;
   /// The value if it has been created, null otherwise.
   T const* GetValueIfCreated() const noexcept {
@@ -50,8 +50,8 @@ class Lazy {
   // Written under m_mutex before m_is_created is true, and read-only afterwards. Declared before the factory,
   // and so destroyed after it.
   mutable optional<T> m_value;
-  // Never written after construction. Exactly one of the two is set. A std::function has no constexpr
-  // constructor, so a plain function has its own member.
+  // The factory: exactly one of mp_function and m_function is set. Never written after construction. A
+  // std::function has no constexpr constructor, so a plain function has its own member.
   T (*mp_function)() = nullptr;
   optional<std::function<T()>> m_function;
   // Guards the creation of m_value. Held while the factory runs, so that it runs once.

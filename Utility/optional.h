@@ -58,7 +58,8 @@ class optional {
   constexpr optional& operator=(optional&& i_other) noexcept(
       std::is_nothrow_move_constructible_v<T>&& std::is_nothrow_move_assignable_v<T>);
   ///@}
-  /// Assigns or constructs the value. Not for `{}`: `o = {}` empties an optional of a scalar too.
+  /// Assigns or constructs the value. Does not take `{}`, even if T is a scalar: `o = {}` empties the
+  /// optional.
   template <class U = T>
   requires(!std::same_as<std::remove_cvref_t<U>, optional<T>> && std::constructible_from<T, U> &&
            std::is_assignable_v<T&, U> &&
@@ -75,7 +76,7 @@ class optional {
   ///@}
 
   ///@{
-  /// The value. Undefined for an empty optional.
+  /// The value. Undefined behaviour for an empty optional.
   constexpr T& operator*() & noexcept { return m_value; }
   constexpr T const& operator*() const& noexcept { return m_value; }
   constexpr T&& operator*() && noexcept { return std::move(m_value); }
@@ -101,7 +102,7 @@ class optional {
   template <class... Arguments>
   constexpr T& emplace(Arguments&&... i_arguments);
   constexpr void reset() noexcept;          ///< Destroys the value, if there is one.
-  constexpr void swap(optional& io_other);  ///< By three moves.
+  constexpr void swap(optional& io_other);  ///< Exchanges the two, by three moves.
 
  private:
   template <class U>
@@ -216,7 +217,7 @@ constexpr void optional<T>::Assign(U&& i_value) {
   }
 }
 
-/// By three moves.
+/// Exchanges the two optionals, by three moves.
 template <class T>
 constexpr void swap(optional<T>& io_a, optional<T>& io_b) {
   io_a.swap(io_b);
@@ -234,7 +235,7 @@ constexpr bool operator==(optional<T> const& i_a, nullopt_t) noexcept {
   return !i_a.has_value();
 }
 
-/// Whether the optional holds a value that equals this one.
+/// Whether the optional holds a value that equals i_value.
 template <class T>
 constexpr bool operator==(optional<T> const& i_a, T const& i_value) {
   return i_a.has_value() && *i_a == i_value;

@@ -150,7 +150,7 @@ auto FromEigen(Source const& i_transform) {
   return FromColumnMajor(values);
 }
 
-/// The same with an inverse that the caller knows, which is stored unchecked.
+/// Converts in the same way, and stores an inverse that the caller knows. The inverse is not checked.
 template <internal::IsTransform Source, internal::IsTransform Inverse>
 requires std::same_as<typename Source::Scalar, typename Inverse::Scalar>
 auto FromEigen(Source const& i_transform, Inverse const& i_inverse) {

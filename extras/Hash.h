@@ -48,7 +48,7 @@ concept Hashable = requires(T const& i_value) {
   { std::hash<T>()(i_value) } -> std::convertible_to<std::size_t>;
 };
 
-/// Combines two hashes in order. A change of one input bit affects all output bits.
+/// Combines two hashes in order. A change of one input bit can change every output bit.
 constexpr std::size_t CombineHashes(std::size_t i_first, std::size_t i_second) noexcept {
   static_assert(sizeof(std::size_t) == 8, "the multipliers are odd numbers of 64 bits");
   std::size_t hash = i_first * 0x9e3779b97f4a7c15U + i_second;

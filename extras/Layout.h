@@ -11,8 +11,8 @@
 #include "geometry/Quaternion.h"
 
 /// \file
-/// Conversions of matrices and quaternions to and from arrays, in the order that the function's name states.
-/// Values keep their bits.
+/// Conversions of matrices and quaternions to and from arrays. The name of each function states the order of
+/// the array. Values keep their bits.
 ///
 /// Matrices are created as by `Matrix(T const*)`, with an inverse computed by cofactors, and acquire 2
 /// objects; quaternions acquire 1. Functions that acquire objects pass on the pool's exceptions
@@ -23,7 +23,7 @@
 namespace lum {
 
 ///@{
-/// From the library's own order: value r + 4 c is at row r, column c.
+/// A matrix from values in the library's own order: value r + 4 c is at row r, column c.
 inline Matrix<float> FromColumnMajor(std::span<float const, 16> i_values) {
   return Matrix<float>(i_values.data());
 }
@@ -53,7 +53,7 @@ std::array<T, 16> Transpose(std::span<T const, 16> i_values) {
 }  // namespace internal
 
 ///@{
-/// From rows: value 4 r + c is at row r, column c.
+/// A matrix from rows: value 4 r + c is at row r, column c.
 inline Matrix<float> FromRowMajor(std::span<float const, 16> i_values) {
   return FromColumnMajor(internal::Transpose(i_values));
 }
@@ -61,7 +61,7 @@ inline Matrix<double> FromRowMajor(std::span<double const, 16> i_values) {
   return FromColumnMajor(internal::Transpose(i_values));
 }
 ///@}
-/// From four rows of four.
+/// A matrix from four rows of four values.
 template <class T>
 Matrix<T> FromRowMajor(T const (&i_rows)[4][4]) {
   std::array<T, 16> values;
@@ -76,8 +76,8 @@ std::array<T, 16> ToRowMajor(Matrix<T> const& i_matrix) {
 }
 
 ///@{
-/// From x, y, z, w, the library's own order, in which `Quaternionf::GetCoefficients` returns them. Does not
-/// normalise them; the result is never a known identity.
+/// A quaternion from x, y, z, w, the order of `Quaternionf::GetCoefficients`. Does not normalise them. The
+/// result is never a known identity.
 inline Quaternionf QuaternionFromWLast(std::span<float const, 4> i_xyzw) {
   auto handle = CreateGlobalObject<Quaternionf::Object>();
   std::copy(i_xyzw.begin(), i_xyzw.end(), handle->coeffs().data());
@@ -89,7 +89,7 @@ inline Quaternionf QuaternionFromWLast(float i_x, float i_y, float i_z, float i_
 ///@}
 
 ///@{
-/// From w, x, y, z. Otherwise like `QuaternionFromWLast`.
+/// A quaternion from w, x, y, z. Otherwise like `QuaternionFromWLast`.
 inline Quaternionf QuaternionFromWFirst(float i_w, float i_x, float i_y, float i_z) {
   return QuaternionFromWLast(i_x, i_y, i_z, i_w);
 }

@@ -20,8 +20,8 @@
 /// If the stream's locale writes commas within numbers, semicolons separate the numbers: (1,5; 2; 3).
 ///
 /// Streaming acquires no object and changes no reference count. An exception of the stream is passed on; the
-/// part already written remains. As thread-safe as the stream, for values that no other thread writes. A
-/// matrix or quaternion must not be moved-from.
+/// part already written remains. Streaming is as thread-safe as the stream, for values that no other thread
+/// writes. A matrix or quaternion must not be moved-from.
 namespace lum {
 
 namespace internal {
