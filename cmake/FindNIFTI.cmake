@@ -1,4 +1,4 @@
-# Finds libnifti, which ships no CMake package. Defines the target NIFTI::NIFTI.
+# Finds libnifti, which has no CMake package. Defines the target NIFTI::NIFTI.
 find_path(NIFTI_INCLUDE_DIR NAMES nifti1_io.h PATH_SUFFIXES nifti)
 find_library(NIFTI_LIBRARY NAMES niftiio)
 find_library(NIFTI_ZNZ_LIBRARY NAMES znz)

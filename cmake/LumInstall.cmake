@@ -28,13 +28,13 @@ file(RELATIVE_PATH lum_pc_includedir "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig"
 configure_file("${PROJECT_SOURCE_DIR}/cmake/lum.pc.in" "${PROJECT_BINARY_DIR}/lum.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/lum.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 
-# For debuggers. gdb looks for a script below its data folder, at the place and under the name of the library's file.
+# For debuggers. gdb looks for a script below its data folder, at the path of the library's file plus -gdb.py.
 install(FILES "${PROJECT_SOURCE_DIR}/debuggers/lum_gdb.py" "${PROJECT_SOURCE_DIR}/debuggers/lum_lldb.py"
               "${PROJECT_SOURCE_DIR}/debuggers/lum_values.py" DESTINATION "${CMAKE_INSTALL_DATADIR}/lum")
 if(BUILD_SHARED_LIBS)
   set(lum_library_dir "${CMAKE_INSTALL_LIBDIR}")
   if(NOT IS_ABSOLUTE "${lum_library_dir}")
-    # Left for the installation to fill in: cmake --install may be given another prefix.
+    # Expanded during installation, because cmake --install may be given another prefix.
     string(PREPEND lum_library_dir "\${CMAKE_INSTALL_PREFIX}/")
   endif()
   install(

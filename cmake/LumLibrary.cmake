@@ -1,6 +1,6 @@
 # lum_add_library(<target> [STATIC|SHARED])
 #
-# The library: its files and how they are compiled. The tests build it again under other flags.
+# Adds the library: its files, and how they are compiled. Tests build it again with other flags.
 function(lum_add_library target)
   add_library(${target} ${ARGN})
   target_sources(

@@ -1,6 +1,6 @@
-# Errors for missing dependencies: one line each, with the command that installs what is missing.
+# Reports a missing requirement in one line, which names the command that installs it.
 
-# lum_get_setup(<result>): the command that installs what all enabled options need.
+# lum_get_setup(<result>): the command that installs what the options need. A command that installs more is tried first.
 function(lum_get_setup result)
   if(LUM_BUILD_VERIFICATION AND CMAKE_CXX_COMPILER_ID STREQUAL Clang)
     set(what verify)
@@ -21,8 +21,8 @@ function(lum_get_setup result)
   set(${result} "${script} ${what}" PARENT_SCOPE)
 endfunction()
 
-# lum_require(<who> <what> <Debian package> <found>): stops where found is false. CMake does not wrap lines that start
-# with a space.
+# lum_require(<who> <what> <Debian package> <condition>...): stops if the condition is false. The message starts with a
+# space because CMake does not wrap such lines.
 macro(lum_require who what package)
   if(NOT (${ARGN}))
     lum_get_setup(lum_setup)
@@ -50,7 +50,7 @@ macro(lum_require_library who variable package name)
   lum_require(${who} ${name} ${package} ${variable})
 endmacro()
 
-# lum_require_tools(): checks for make and a compiler before project() does, because CMake's errors name no command.
+# lum_require_tools(): requires make and a compiler before project() does, because CMake's own errors name no command.
 macro(lum_require_tools)
   if(CMAKE_GENERATOR STREQUAL "Unix Makefiles")
     lum_require_program(lum CMAKE_MAKE_PROGRAM make make gmake)

@@ -1,4 +1,4 @@
-# The order of operations is a promise of the library: no product is fused into a sum, no sum reordered.
+# The library documents its order of operations: no product may be fused into a sum, and no sum reordered.
 
 function(lum_keep_order_of_operations target)
   target_compile_options(

@@ -1,4 +1,4 @@
-# Warnings are for builds of lum itself, where presets make them errors. As a subproject lum adds none.
+# Adds warnings to builds of lum itself, where presets make them errors. As a subproject, lum adds none.
 function(lum_warnings target)
   if(PROJECT_IS_TOP_LEVEL)
     target_compile_options(

@@ -1,6 +1,6 @@
 """Prints a compilation database with one command for each file, the first: first_commands.py <compile_commands.json>
 
-clang-tidy checks a file as often as the database compiles it.
+clang-tidy checks a file once for each command that compiles it, and some files are compiled several times.
 """
 
 import json
