@@ -33,7 +33,7 @@ class optional {
 
   constexpr optional() noexcept : m_nothing{} {}           ///< Empty.
   constexpr optional(nullopt_t) noexcept : m_nothing{} {}  ///< Empty.
-  /// A value that is constructed from i_value. Implicit if the conversion to T is.
+  /// A value that is constructed from i_value. Implicit if i_value converts implicitly to T.
   template <class U = T>
   requires(!std::same_as<std::remove_cvref_t<U>, optional<T>> &&
            !std::same_as<std::remove_cvref_t<U>, std::in_place_t> &&

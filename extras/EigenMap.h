@@ -18,8 +18,9 @@
 /// \file
 /// Eigen maps of lum's values, without a copy, and conversions from Eigen's types.
 ///
-/// Maps are unaligned: vectors have no alignment, and the alignment that Eigen assumes for pooled objects
-/// depends on the caller's compiler flags. So the type of a map is the same in every translation unit.
+/// Maps are unaligned: vectors are not aligned beyond their components, and the alignment that Eigen assumes
+/// for pooled objects depends on the caller's compiler flags. An unaligned map has the same type in every
+/// translation unit.
 ///
 /// A map acquires no object and changes no reference count. `FromEigen` acquires 2 objects for a transform
 /// and 1 for a quaternion, and passes on the pool's exceptions (`std::bad_alloc`). All functions are

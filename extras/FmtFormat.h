@@ -8,7 +8,7 @@
 #include "extras/ValueFormatter.h"
 
 /// \file
-/// Formatters of values and identifiers for the library {fmt}, which only users of this header need.
+/// Formatters of values and identifiers for the library {fmt}. No other header of lum needs {fmt}.
 /// ValueText.h lists the texts; ValueFormatter.h describes the format options.
 /// \cond
 template <lum::internal::HasText Value>

@@ -31,7 +31,7 @@
 namespace lum {
 
 /// The equality to use with `std::hash<Quaternionf>`, because quaternions have no `==`. Compares the
-/// coefficients as numbers, so q and -q, the same rotation, differ, and a NaN equals nothing.
+/// coefficients as numbers, so a NaN equals nothing, and q and -q differ although they are the same rotation.
 ///
 ///     std::unordered_set<Quaternionf, std::hash<Quaternionf>, EqualCoefficients> rotations;
 struct EqualCoefficients {

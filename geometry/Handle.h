@@ -92,8 +92,8 @@ class Handle {
   /// Exchanges the objects of the two handles. Changes no count.
   void Swap(Handle& io_other) noexcept;
 
-  /// Releases both objects, the first handle's first, and empties the handles. If both are last owners of
-  /// objects of one block, one call of the deleter returns the two objects.
+  /// Releases both objects, that of the first handle first, and empties the handles. If each handle is the
+  /// last owner of its object, and both objects are in one block, one call of the deleter returns both.
   static void ReleaseTogether(Handle& io_first,
                               Handle& io_second) noexcept requires internal::PairDeleter<D, T>;
 

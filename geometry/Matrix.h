@@ -77,8 +77,8 @@ class LUM_EXPORT LUM_STANDALONE_DEBUG Matrix {
   /// Copies 16 values, column by column, and inverts them by their cofactors. The inverse of a singular or
   /// nearly singular matrix is infinities, NaNs or meaningless large numbers. Takes 2 objects.
   explicit Matrix(T const* ip_values);
-  /// The frame that maps (0, 0, 0) onto the origin and the unit axes onto the three vectors, which need not
-  /// be orthogonal or of unit length. Inverted like the matrix from values. Takes 2 objects.
+  /// The frame that maps (0, 0, 0) to i_origin and the unit axes to the three vectors, which need not be
+  /// orthogonal or of unit length. The inverse is computed as for the matrix from values. Takes 2 objects.
   Matrix(Point<T, 3> const& i_origin, Vector<T, 3> const& i_x, Vector<T, 3> const& i_y,
          Vector<T, 3> const& i_z);
   /// Converts transform and inverse value by value: rounded to the nearest float, or widened exactly. Has an
@@ -202,8 +202,8 @@ template <class T>
 inline Matrix<T>::Matrix(ObjectHandle i_transform, ObjectHandle i_inverse) noexcept
     : m_objects{std::move(i_transform), std::move(i_inverse)} {}
 
-// Usually both objects are replaced. They are then released together, the transform first. A handle onto the
-// same object is kept.
+// If both objects differ, which is the usual case, the old ones are released together, the transform first. A
+// handle that already owns the same object is kept.
 template <class T>
 inline Matrix<T>& Matrix<T>::operator=(Matrix&& io_other) noexcept {
   Matrix taken(std::move(io_other));

@@ -61,7 +61,7 @@ class ObjectPoolBlock {
   ObjectPoolBlock(ObjectPoolBlock const&) = delete;
   ObjectPoolBlock& operator=(ObjectPoolBlock const&) = delete;
 
-  /// Reserves a slot and takes it from the ring. Empty if the block is full.
+  /// Reserves a slot and takes it from the ring. Empty if the block is full, or treated as full.
   optional<std::size_t> TakeSlot() noexcept;
   /// Two slots, in the order in which `TakeSlot` would give them. Empty if the block does not have two free
   /// slots.

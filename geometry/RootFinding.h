@@ -10,9 +10,9 @@ namespace lum::RootFinding {
 /// A zero of a function inside a bracketing interval, by the method of false position (regula falsi).
 ///
 /// Let a, b be the ends and fa, fb the values there. Each iteration computes t = (0 - fa) / (fb - fa), or
-/// t = (0 - fb) / (fb - fa) + 1 if fa is infinite, and evaluates the function at x = b t + (1 - t) a. x
+/// t = (0 - fb) / (fb - fa) + 1 if fa is not finite, and evaluates the function at x = b t + (1 - t) a. x
 /// replaces b if fa f(x) <= 0, else a if f(x) fb <= 0. The other end keeps its value (Press et al., Numerical
-/// Recipes, 9.2), so a strongly convex function converges slowly, from one side.
+/// Recipes, 9.2), so the iteration converges slowly, from one side, if the function is strongly convex.
 ///
 /// The iteration ends when |f(x)| <= tolerance. The width of the interval is not tested, and the number of
 /// iterations is not limited. The iteration may never end if rounding keeps the function from reaching the

@@ -1,7 +1,7 @@
 #pragma once
 
 /// Marks what the shared library exports; everything else is hidden. A macro, because an attribute cannot be
-/// named in another way. It also keeps the symbol visible in callers that are compiled with hidden
+/// named in another way. The attribute also keeps the symbol visible in callers that are compiled with hidden
 /// visibility.
 #define LUM_EXPORT __attribute__((visibility("default")))
 

@@ -129,7 +129,7 @@ void StoreTriples(LaneTriple<double> const& i_lanes, double* op_values, Store co
   i_store(__builtin_shufflevector(y, z, 1, 3), op_values + 4);
 }
 
-/// Transforms the last partial group, padded with zeros.
+/// Transforms a partial group, padded with zeros: the last one, or the first before streaming stores.
 template <class T, class Operation>
 [[gnu::always_inline]] inline void TransformRemainder(T const* ip_values, T* op_values, std::size_t i_count,
                                                       Operation const& i_transform) noexcept {

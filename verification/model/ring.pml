@@ -1,10 +1,10 @@
-/* A block's ring of free slots, its use count and its superseding, as geometry/ObjectPoolBlock.h and
- * geometry/ObjectPool.h have them; for spin, which searches every interleaving of sequentially consistent steps.
+/* Models a block's ring of free slots, its use count and its superseding, as in geometry/ObjectPoolBlock.h and
+ * geometry/ObjectPool.h. spin searches every interleaving of its sequentially consistent steps.
  *
  * Each thread takes a slot and returns it ROUNDS times; one process supersedes the block at any moment. Four things are
  * asserted: no slot has two owners, no step touches the freed block, the block is freed once at most, and at the end it
- * has been freed, with every slot back on the ring. ONLY, defined as one of the four numbers below, leaves out the other
- * three.
+ * has been freed, with every slot back on the ring. If ONLY is one of the four numbers below, only that
+ * assertion is checked.
  *
  * Each of these definitions reverts one fix and breaks one of the assertions:
  *   TAKE_AFTER_LOCK   a take claims and reads its entry after it has released the lock

@@ -1,4 +1,4 @@
-"""The list of mutants that cannot be told from the original, and what it says of those that survive."""
+"""The list of mutants that no test can tell from the original, with the reasons. Explains survivors by it."""
 
 import collections
 import os
@@ -21,12 +21,12 @@ class Equivalent:
                     self.reasons[tuple(key)] = reason
 
     def reason(self, mutant):
-        """Why a survivor is equivalent; None when no line is left that says so."""
+        """Why a survivor is equivalent; None if no unused line of the list gives a reason."""
         key = (mutant.file, mutant.before.strip(), mutant.after.strip())
         self.met[key] += 1
         return self.reasons[key] if self.met[key] <= self.listed[key] else None
 
     def stale(self, mutants):
-        """Lines about these mutants' files that no survivor matched."""
+        """Lines of the list that no survivor matched, among those for the files of these mutants."""
         files = {mutant.file for mutant in mutants}
         return [key for key in self.listed if key[0] in files and self.met[key] < self.listed[key]]

@@ -7,7 +7,7 @@ import re
 from programs import SOURCE_DIR
 
 NUMBER = r"(?<![\w.>])\d+(?=(?:\.0)?[UL]*F?(?:\.\d)?\b)(?!\.5)"
-# A replacement is a text, or a function of the matched text that gives None where there is no mutant.
+# A replacement is a text, or a function of the matched text that returns None if there is no mutant.
 RULES = [
     ("comparison", r"(?<= )<(?= )", "<="),
     ("comparison", r"(?<= )<=(?= )", "<"),
@@ -53,7 +53,7 @@ IS_DECLARATION = re.compile(r"^ +(?:auto|bool|int|double|float|T|Slot|Values|Coe
 STRING = re.compile(r'"(?:[^"\\]|\\.)*"')
 SKIPPED = re.compile(r"^\s*(?:#|//|static_assert|assert\b|template\b|requires\b|using\b|namespace\b|extern\b)")
 
-# The kinds of which a file of arithmetic has very many.
+# The kinds that are very frequent in files of arithmetic.
 ARITHMETIC = ("number raised", "number lowered", "sign", "operator")
 
 Mutant = collections.namedtuple("Mutant", "file line kind before after")

@@ -1,11 +1,11 @@
-"""Which test programs check which file, and what they are built from."""
+"""The test programs that check each file, and the sources that each program is built from."""
 
 import glob
 import os
 
 SOURCE_DIR = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 
-# The test programs of each file, the one that finds most first.
+# The test programs of each file. The one that finds most mutants comes first.
 POOL = ["ObjectPoolBlockTest", "ObjectPoolTest", "ObjectPoolInterleavingTest", "ObjectPoolExplorationTest"]
 MATRIX = ["MatrixBuildTest", "MatrixInverseTest", "MatrixProductTest", "MatrixTest", "MatrixConversionTest",
           "AllocationFailureTest"]
@@ -50,12 +50,12 @@ TESTS = {
     "geometry/Vector.cpp": ["VectorTest"],
     "geometry/Vector.h": ["VectorTest"],
 }
-# Declarations, and checks of compiler flags: nothing in them runs.
+# Headers with only declarations or checks of compiler flags: no test can run them.
 NOTHING_TO_RUN = {"geometry/internal/EigenAlgorithms.h", "geometry/Quaternion.h", "geometry/internal/StrictArithmetic.h",
                   "geometry/TransformArrays.h", "geometry/TrilinearInterpolation.h"}
-# The part of a long test that is enough: blocks of two slots.
+# The part of a long test that suffices to find mutants: blocks of two slots.
 FILTERS = {"ObjectPoolExplorationTest": "ObjectPoolExploration/0.*:*AtTheWrap*"}
-# These are built and run under the thread sanitizer: nothing else shows a weaker memory order on x86.
+# Tests of these files run under the thread sanitizer: on x86, nothing else detects a weaker memory order.
 UNDER_THREAD_SANITIZER = {"Utility/Lazy.h"}
 # Tests that need these sources only. They are built by the compiler alone, since a mutant of a header would rebuild the
 # whole library.

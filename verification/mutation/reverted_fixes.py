@@ -1,7 +1,7 @@
-"""Reverts a fix and expects the tests that hold it in place to fail, each by an assertion of its own.
+"""Reverts a fix and expects the tests listed for it to fail, each by an assertion of its own.
 
-The program is built and run as it is first: there the same tests pass. A timeout, a signal, an error of the compiler or
-the failure of another test is an error.
+The same tests must pass before the fix is reverted. A timeout, an unexpected signal, an error of the compiler or the
+failure of another test is an error.
 """
 
 import os
@@ -19,7 +19,7 @@ RAN_ALONE = "[==========] 1 test from 1 test suite ran."
 
 
 class NotFound(Exception):
-    """Why the reverted fix does not count as found."""
+    """Why the reverted fix does not count as found by its tests."""
 
 
 def read_fixes():
@@ -32,7 +32,7 @@ def check(name, fix, standalone, work_dir):
     with open(os.path.join(SOURCE_DIR, fix["file"]), encoding="utf-8") as stream:
         source = stream.read()
     if source.count(fix["text"]) != 1:
-        raise NotFound(f"{fix['file']} contains {source.count(fix['text'])} times what is to be replaced:\n{fix['text']}")
+        raise NotFound(f"{fix['file']} contains this text {source.count(fix['text'])} times, not once:\n{fix['text']}")
     reverted = source.replace(fix["text"], fix["replacement"])
     for program, tests in fix["tests"].items():
         try:

@@ -1,7 +1,8 @@
 """Builds test programs by the compiler alone, from the sources with one file changed.
 
-The changed file stands in a directory that is searched before the sources. Objects whose sources do not include it are
-those of the control, the program built from the sources as they are; they are kept as long as nothing changes.
+The changed file is in a directory that the compiler searches before the sources. The control is the program built from
+the unchanged sources. Objects that do not depend on the changed file are taken from the control, which is built again
+only when a source changes.
 """
 
 import fcntl

@@ -1,4 +1,4 @@
-"""A copy of the sources with builds of its own, in which one worker judges its mutants."""
+"""A copy of the sources with builds of its own, in which one worker tests its mutants."""
 
 import filecmp
 import os
@@ -25,7 +25,7 @@ class Tree:
                     self.copy(os.path.relpath(os.path.join(folder, file), SOURCE_DIR))
 
     def copy(self, file):
-        """Files that differ are written again, with the time of now: an interrupted run leaves a mutant behind."""
+        """Copies the file if it differs: an interrupted run leaves a mutant. Its new time makes ninja rebuild."""
         source, target = os.path.join(SOURCE_DIR, file), os.path.join(self.root, file)
         if not (os.path.isfile(target) and filecmp.cmp(source, target, shallow=False)):
             os.makedirs(os.path.dirname(target), exist_ok=True)
@@ -44,7 +44,7 @@ class Tree:
             sys.exit(output)
 
     def build(self, file, test, content=None):
-        """The path of the test program, built with this content of the file; without one, as it is."""
+        """Builds the test program, with this content of the file if any is given, and returns its path."""
         if test in STANDALONE:
             if content is None:
                 return self.standalone.control(test)
@@ -60,7 +60,7 @@ class Tree:
         return run([path, "--gtest_brief=1", "--gtest_fail_fast", "--gtest_filter=" + program_filter], self.root, 240)
 
     def check_unchanged(self, file):
-        """The tests as they are have to pass, or every mutant would be found."""
+        """Requires the tests to pass without a mutant; otherwise every mutant would count as found."""
         for test in TESTS[file]:
             try:
                 status, output = self.test(self.build(file, test))
@@ -70,7 +70,7 @@ class Tree:
                 sys.exit(f"{test} fails without a mutant:\n{output}")
 
     def judge(self, mutant):
-        """Whether a mutant is found (by what), survives, or is none since it does not compile."""
+        """Whether a mutant is found, and by what; survives; or is no mutant, because it does not compile."""
         path = os.path.join(self.root, mutant.file)
         with open(path, encoding="utf-8") as stream:
             original = stream.read()

@@ -1,4 +1,4 @@
-# Both callers print the same, unless this processor cannot run the second.
+# Both callers print the same bits, unless this processor cannot run the second.
 execute_process(COMMAND "${PLAIN}" OUTPUT_VARIABLE plain COMMAND_ERROR_IS_FATAL ANY)
 execute_process(
   COMMAND "${CALLER}"

@@ -1,4 +1,4 @@
-"""Holds the includes of the sources to the table of geometry/README.md: layers.py <root of the sources>
+"""Checks the includes of the sources against the table of geometry/README.md: layers.py <root of the sources>
 
 The table has a row for each subject: its headers, and the subjects that it may use. A source belongs to the row of its
 name. Every row may use the row "Shared by all". Prints one line for each fault.
@@ -11,7 +11,7 @@ import sys
 LIBRARY = ("geometry", "geometry/internal", "Utility")
 USERS = ("benchmarks", "debuggers", "docs", "examples", "extras", "README.md", "CONTRIBUTING.md")
 SHARED = "shared by all"
-# Fewer than these are not all of them.
+# If fewer includes are found, the search itself is broken.
 FEWEST_INCLUDES = 200
 INCLUDE = re.compile(r'^\s*#\s*include\s*(["<])([^">]+)[">]', re.MULTILINE)
 

@@ -1,4 +1,4 @@
-# One case of tests/system/package/CMakeLists.txt.
+# Runs one case of tests/system/package/CMakeLists.txt.
 file(REMOVE_RECURSE "${WORK_DIR}")
 file(MAKE_DIRECTORY "${WORK_DIR}")
 set(configure_lum
@@ -18,7 +18,7 @@ function(configure source build)
       "-DCMAKE_CXX_FLAGS=${FLAGS}" -DCMAKE_BUILD_TYPE=Release ${ARGN})
 endfunction()
 
-# expect_refusal(<text> <command>...): the command fails and says the text.
+# expect_refusal(<expression> <command>...): the command must fail, with output that matches the regular expression.
 function(expect_refusal text)
   execute_process(
     COMMAND ${ARGN}
@@ -31,8 +31,8 @@ function(expect_refusal text)
   endif()
 endfunction()
 
-# expect_to_miss(<text> <what> <command>...): the command fails and says in one line that scripts/setup installs what
-# is missing. Afterwards nothing is configured.
+# expect_to_miss(<expression> <what> <command>...): the command must fail, with one line that says what is missing and
+# names the command of scripts/setup that installs it. Removes the build directory afterwards.
 function(expect_to_miss text what)
   execute_process(
     COMMAND ${ARGN}
@@ -69,13 +69,13 @@ function(find_libdir result)
   set(${result} "${libdir}" PARENT_SCOPE)
 endfunction()
 
-# install(<build directory>): into a prefix that is moved then.
+# install(<build directory>): installs into a prefix, and then moves the prefix.
 function(install build)
   run("${CMAKE_COMMAND}" --install "${build}" --prefix "${WORK_DIR}/prefix")
   file(RENAME "${WORK_DIR}/prefix" "${WORK_DIR}/moved")
 endfunction()
 
-# check_manifest(<file>): the prefix holds exactly what the file lists.
+# check_manifest(<file>): the prefix must hold exactly the files that the manifest lists.
 function(check_manifest manifest)
   find_libdir(libdir)
   file(GLOB_RECURSE paths LIST_DIRECTORIES FALSE RELATIVE "${PREFIX}" "${PREFIX}/*")
@@ -245,7 +245,7 @@ elseif(CASE STREQUAL "SaysWhatIsMissing")
                  ${has_eigen} -DLUM_BUILD_DOCS=ON)
   expect_to_miss("LUM_BUILD_VERIFICATION needs [^\n]*" "(test|verify)" ${configure_lum} ${hide_packages} ${has_eigen}
                  -DLUM_BUILD_VERIFICATION=ON)
-  # Before CMake's own errors, which name no command.
+  # lum must report these before CMake does, whose errors name no command.
   set(configure_dev "${CMAKE_COMMAND}" -E env --unset=CXX PATH=/nonexistent "${CMAKE_COMMAND}" --preset dev -S
                     "${SOURCE_DIR}" -B "${WORK_DIR}/lum")
   expect_to_miss("lum needs make \\(Debian: make\\)" "test" ${configure_dev} -G "Unix Makefiles")

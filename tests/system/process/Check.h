@@ -13,8 +13,8 @@
 
 namespace lum::test {
 
-/// Ends the process with one line and a failure if the condition does not hold. Not by exit, which would run
-/// destructors, and may be running them.
+/// Ends the process with one line and a failure if the condition does not hold. Does not call exit, which
+/// would run destructors, or may already be running them.
 inline void Check(bool i_holds, char const* i_what) {
   if (i_holds) return;
   std::fprintf(stderr, "failed: %s\n", i_what);
