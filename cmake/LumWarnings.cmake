@@ -4,6 +4,9 @@ function(lum_warnings target)
     target_compile_options(
       ${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wold-style-cast
                         -Wnon-virtual-dtor)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL Clang)
+      target_compile_options(${target} PRIVATE -Wreserved-identifier -Wreserved-macro-identifier)
+    endif()
     if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
       # g++ 12 reports the sum of a literal and a string as an overlapping copy (GCC bug 105651).
       target_compile_options(${target} PRIVATE -Wno-restrict)

@@ -42,7 +42,7 @@ class Column {
       std::memcpy(op_values, &first, sizeof(first));
       op_values[2] = m_parts[0][2];
     } else {
-      std::memcpy(op_values, &m_parts[0], sizeof(Part));
+      std::memcpy(op_values, m_parts.data(), sizeof(Part));
       op_values[2] = m_parts[1][0];
     }
   }
