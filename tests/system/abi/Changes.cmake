@@ -2,8 +2,8 @@
 # and reports what breaks them.
 file(REMOVE_RECURSE "${WORK_DIR}")
 file(GLOB entries "${SOURCE_DIR}/*")
-list(FILTER entries EXCLUDE REGEX "/(build|out)$")
-file(COPY ${entries} "${SOURCE_DIR}/.gitignore" DESTINATION "${WORK_DIR}")
+list(FILTER entries EXCLUDE REGEX "/(\\.git|build|out)$")
+file(COPY ${entries} DESTINATION "${WORK_DIR}")
 
 function(git)
   execute_process(COMMAND git -c user.name=lum -c user.email=lum@lum.invalid ${ARGN} WORKING_DIRECTORY "${WORK_DIR}"
@@ -37,7 +37,7 @@ function(check status report)
 endfunction()
 
 check(0 "programs that were linked with v0.1.0 run with this tree")
-check(1 "type size changed from 640 to 704.*takes a new major version" geometry/PseudoInverse.h "std::int32_t rank"
+check(1 "type size changed from 640 to 704.*a new major version is required" geometry/PseudoInverse.h "std::int32_t rank"
       "double smallest = 0;\n  std::int32_t rank")
 check(1 "'typedef std::uint32_t'|unsigned int" geometry/PseudoInverse.h "std::int32_t rank" "std::uint32_t rank")
 check(1 "Removed function.*lum::TrilinearInterpolation" geometry/TrilinearInterpolation.h "LUM_EXPORT double" "double")
