@@ -2,9 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cassert>
 #include <cmath>
-#include <cstring>
 #include <limits>
 #include <stdexcept>
 #include <utility>
@@ -152,19 +150,9 @@ T const* GetInverseValues(typename MatrixPoolTypes<T>::ObjectHandle const& i_inv
   return i_inverse->data();
 }
 
-template <class T>
-typename MatrixPoolTypes<T>::Object* MakeMutable(typename MatrixPoolTypes<T>::ObjectHandle& io_handle) {
-  assert(io_handle && "a moved-from matrix, or the inverse of a matrix without one");
-  if (io_handle.GetReferenceCount() != 1) {
-    auto copy = CreateGlobalObject<typename MatrixPoolTypes<T>::Object>();
-    std::copy_n(io_handle->data(), 16, copy->data());
-    io_handle = std::move(copy);
-  }
-  return io_handle.Get();
-}
-
 template <class T, class U>
-typename MatrixPoolTypes<T>::ObjectHandle Convert(typename MatrixPoolTypes<U>::ObjectHandle const& i_handle) {
+typename MatrixPoolTypes<T>::ObjectHandle ConvertObject(
+    typename MatrixPoolTypes<U>::ObjectHandle const& i_handle) {
   auto handle = CreateGlobalObject<typename MatrixPoolTypes<T>::Object>();
   std::transform(i_handle->data(), i_handle->data() + 16, handle->data(),
                  [](U i_value) { return static_cast<T>(i_value); });
@@ -184,9 +172,9 @@ template <class T>
 Matrix<T>::Matrix() : m_objects{mgh_identity.GetValue(), mgh_identity.GetValue()} {}
 
 template <class T>
-Matrix<T>::Matrix(T const* ip_values) : Matrix(FreshObjects()) {
-  std::copy_n(ip_values, 16, GetMatrix()->data());
-  internal::InvertMatrix(ip_values, GetMatrixInverse()->data());
+Matrix<T>::Matrix(std::span<T const, 16> i_values) : Matrix(FreshObjects()) {
+  std::copy(i_values.begin(), i_values.end(), GetMatrix()->data());
+  internal::InvertMatrix(i_values.data(), GetMatrixInverse()->data());
 }
 
 template <class T>
@@ -195,20 +183,13 @@ Matrix<T>::Matrix(Point<T, 3> const& i_origin, Vector<T, 3> const& i_x, Vector<T
     : Matrix(std::array<T, 16>{i_x[0], i_x[1], i_x[2], 0,  //
                                i_y[0], i_y[1], i_y[2], 0,  //
                                i_z[0], i_z[1], i_z[2], 0,  //
-                               i_origin[0], i_origin[1], i_origin[2], 1}
-                 .data()) {}
+                               i_origin[0], i_origin[1], i_origin[2], 1}) {}
 
 template <class T>
 template <class U>
-requires(!std::same_as<T, U>) Matrix<T>::Matrix(Matrix<U> const& i_other) { *this = i_other; }
-
-template <class T>
-template <class U>
-requires(!std::same_as<T, U>) Matrix<T>
-const& Matrix<T>::operator=(Matrix<U> const& i_other) {
-  assert(i_other.GetMatrix());
-  m_objects.first = Convert<T, U>(i_other.GetMatrix());
-  m_objects.second = i_other.HasInverse() ? Convert<T, U>(i_other.GetMatrixInverse()) : ObjectHandle();
+Matrix<T> const& Matrix<T>::Convert(Matrix<U> const& i_other) {
+  m_objects.first = ConvertObject<T, U>(i_other.GetMatrix());
+  m_objects.second = i_other.HasInverse() ? ConvertObject<T, U>(i_other.GetMatrixInverse()) : ObjectHandle();
   return *this;
 }
 
@@ -254,33 +235,20 @@ Matrix<T> Matrix<T>::Normalize(T i_width, T i_height, T i_depth) {
 }
 
 template <class T>
-T const* Matrix<T>::GetAsPtr() const noexcept {
-  assert(GetMatrix());
-  return GetMatrix()->data();
-}
-
-template <class T>
-T Matrix<T>::operator()(int i_row, int i_column) const {
-  if ((static_cast<unsigned int>(i_row) | static_cast<unsigned int>(i_column)) > 3) {
-    throw std::invalid_argument("matrix element index out of bounds");
+Matrix<T>& Matrix<T>::Rebuild() {
+  if (IsKnownIdentity()) {
+    m_objects.second = m_objects.first;
+    return *this;
   }
-  return GetAsPtr()[i_row + 4 * i_column];
+  if (m_objects.second.GetReferenceCount() != 1) {
+    m_objects.second = CreateGlobalObject<Object>();
+  }
+  internal::InvertMatrix(GetAsPtr(), m_objects.second->data());
+  return *this;
 }
 
 template <class T>
-bool Matrix<T>::operator==(Matrix const& i_other) const noexcept {
-  // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison): byte for byte on purpose
-  return std::memcmp(GetAsPtr(), i_other.GetAsPtr(), 16 * sizeof(T)) == 0;
-}
-
-template <class T>
-bool Matrix<T>::IsKnownIdentity() const {
-  assert(GetMatrix());
-  return GetMatrix().Get() == mgh_identity.GetValue().Get();
-}
-
-template <class T>
-Matrix<T> Matrix<T>::GetTranspose() const {
+Matrix<T> Matrix<T>::Transpose() const {
   if (IsKnownIdentity()) return *this;
   auto const transform = MakeTranspose(GetAsPtr());
   if (!HasInverse()) return CreateMatrixWithoutInverse(transform);
@@ -289,7 +257,7 @@ Matrix<T> Matrix<T>::GetTranspose() const {
 
 // Products of complementary 2x2 minors, of columns 0 and 1 and of columns 2 and 3.
 template <class T>
-T Matrix<T>::GetDeterminant() const {
+T Matrix<T>::CalculateDeterminant() const {
   if (IsKnownIdentity()) return 1;
   T const* const m = GetAsPtr();
   T const a = (m[13] * m[8] - m[9] * m[12]) * (m[2] * m[7] - m[6] * m[3]);
@@ -302,7 +270,7 @@ T Matrix<T>::GetDeterminant() const {
 }
 
 template <class T>
-Matrix<T> Matrix<T>::GetNormalTransform() const {
+Matrix<T> Matrix<T>::CreateNormalTransform() const {
   if (IsKnownIdentity()) return *this;
   T const* const inverse =
       GetInverseValues<T>(GetMatrixInverse(), "GetNormalTransform assumes an invertible matrix");
@@ -310,8 +278,7 @@ Matrix<T> Matrix<T>::GetNormalTransform() const {
 }
 
 template <class T>
-Matrix<T> Matrix<T>::operator*(Matrix const& i_right) const {
-  assert(i_right.GetMatrix());
+Matrix<T> Matrix<T>::Multiply(Matrix const& i_right) const {
   if (IsKnownIdentity()) return i_right;
   if (i_right.IsKnownIdentity()) return *this;
   auto const transform = MakeProduct(GetAsPtr(), i_right.GetAsPtr());
@@ -321,12 +288,7 @@ Matrix<T> Matrix<T>::operator*(Matrix const& i_right) const {
 }
 
 template <class T>
-Matrix<T>& Matrix<T>::operator*=(Matrix const& i_right) {
-  return *this = *this * i_right;
-}
-
-template <class T>
-Vector<T, 3> Matrix<T>::operator*(Vector<T, 3> const& i_vector) const {
+Vector<T, 3> Matrix<T>::Apply(Vector<T, 3> const& i_vector) const {
   auto const* const identity = mgh_identity.GetValueIfCreated();
   if (identity == nullptr) return ApplyFirst(*this, i_vector);
   if (GetMatrix().Get() == identity->Get()) return i_vector;
@@ -338,7 +300,7 @@ Vector<T, 3> Matrix<T>::operator*(Vector<T, 3> const& i_vector) const {
 }
 
 template <class T>
-Point<T, 3> Matrix<T>::operator*(Point<T, 3> const& i_point) const {
+Point<T, 3> Matrix<T>::Apply(Point<T, 3> const& i_point) const {
   auto const* const identity = mgh_identity.GetValueIfCreated();
   if (identity == nullptr) return ApplyFirst(*this, i_point);
   if (GetMatrix().Get() == identity->Get()) return i_point;
@@ -350,7 +312,7 @@ Point<T, 3> Matrix<T>::operator*(Point<T, 3> const& i_point) const {
 
 // The transpose of the inverse times the plane's homogeneous coefficients (a, b, c, -d).
 template <class T>
-Plane<T> Matrix<T>::operator*(Plane<T> const& i_plane) const {
+Plane<T> Matrix<T>::Apply(Plane<T> const& i_plane) const {
   if (IsKnownIdentity()) return i_plane;
   T const* const m = GetInverseValues<T>(GetMatrixInverse(), internal::no_inverse_message);
   T const a = i_plane.GetA();
@@ -364,21 +326,19 @@ Plane<T> Matrix<T>::operator*(Plane<T> const& i_plane) const {
 }
 
 template <class T>
-typename Matrix<T>::Object* Matrix<T>::GetMutableInternal() {
-  return MakeMutable<T>(m_objects.first);
-}
-
-template <class T>
-typename Matrix<T>::Object* Matrix<T>::GetMutableInverseInternal() {
-  return MakeMutable<T>(m_objects.second);
+typename Matrix<T>::Object* Matrix<T>::MakeMutable(ObjectHandle& io_handle) {
+  if (io_handle.GetReferenceCount() != 1) {
+    auto copy = CreateGlobalObject<Object>();
+    std::copy_n(io_handle->data(), 16, copy->data());
+    io_handle = std::move(copy);
+  }
+  return io_handle.Get();
 }
 
 template class Matrix<float>;
 template class Matrix<double>;
 
-template Matrix<float>::Matrix(Matrix<double> const&);
-template Matrix<double>::Matrix(Matrix<float> const&);
-template Matrix<float> const& Matrix<float>::operator=(Matrix<double> const&);
-template Matrix<double> const& Matrix<double>::operator=(Matrix<float> const&);
+template Matrix<float> const& Matrix<float>::Convert(Matrix<double> const&);
+template Matrix<double> const& Matrix<double>::Convert(Matrix<float> const&);
 
 }  // namespace lum

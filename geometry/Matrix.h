@@ -2,7 +2,11 @@
 
 #include <cassert>
 #include <concepts>
+#include <cstddef>
+#include <cstring>
+#include <span>
 #include <stdexcept>
+#include <type_traits>
 #include <utility>
 
 #include "Utility/Lazy.h"
@@ -18,6 +22,7 @@ namespace lum {
 namespace internal {
 template <class T>
 struct MatrixFactory;
+struct MatrixArrays;
 
 /// The message of every function that needs an inverse and finds none.
 inline constexpr char const* no_inverse_message = "attempt to get inverse of non-invertible matrix";
@@ -26,6 +31,11 @@ inline constexpr char const* no_inverse_message = "attempt to get inverse of non
 /// copy and the library does not export it.
 [[noreturn, gnu::cold, gnu::noinline]] inline void ThrowNoInverse() {
   throw std::domain_error(no_inverse_message);
+}
+
+/// The same for an index of a value.
+[[noreturn, gnu::cold, gnu::noinline]] inline void ThrowNoElement() {
+  throw std::invalid_argument("matrix element index out of bounds");
 }
 }  // namespace internal
 
@@ -43,7 +53,10 @@ inline constexpr char const* no_inverse_message = "attempt to get inverse of non
 /// identity*). Operations with a known identity share objects instead of computing.
 ///
 /// A moved-from matrix may be destroyed, copied and assigned to. Its two handles are empty. Use of its values
-/// is caught by an assertion in builds without NDEBUG.
+/// is caught by an assertion in callers that are compiled without NDEBUG, however the library was built.
+///
+/// Matrices of the two precisions do not mix: products, comparisons and arrays of the other precision do not
+/// compile. Convert one of them first.
 ///
 /// Thread safety: a matrix must not be written while another thread uses it. Matrices that share objects may
 /// be used by different threads.
@@ -74,9 +87,19 @@ class LUM_EXPORT LUM_STANDALONE_DEBUG Matrix {
     // Skips a moved-from matrix, which the compiler often recognises.
     if (m_objects.first) ObjectHandle::ReleaseTogether(m_objects.second, m_objects.first);
   }
+  ///@{
   /// Copies 16 values, column by column, and inverts them by their cofactors. The inverse of a singular or
   /// nearly singular matrix is infinities, NaNs or meaningless large numbers. Takes 2 objects.
-  explicit Matrix(T const* ip_values);
+  ///
+  /// An array of another size does not compile. A pointer (`T*` or `T const*`) must address 16 values.
+  explicit Matrix(std::span<T const, 16> i_values);
+  template <class Pointer>
+  requires(std::is_pointer_v<Pointer>&& std::convertible_to<Pointer, T const*>) explicit Matrix(
+      Pointer const& ip_values)
+      : Matrix(std::span<T const, 16>(static_cast<T const*>(ip_values), 16)) {}
+  template <std::size_t N>
+  requires(N != 16) explicit Matrix(T const (&)[N]) = delete;  // a matrix has 16 values
+  ///@}
   /// The frame that maps (0, 0, 0) to i_origin and the unit axes to the three vectors, which need not be
   /// orthogonal or of unit length. The inverse is computed as for the matrix from values. Takes 2 objects.
   Matrix(Point<T, 3> const& i_origin, Vector<T, 3> const& i_x, Vector<T, 3> const& i_y,
@@ -125,58 +148,90 @@ class LUM_EXPORT LUM_STANDALONE_DEBUG Matrix {
   ObjectHandle const& GetMatrixInverse() const noexcept { return m_objects.second; }
   ///@}
   /// The 16 values of the transform, column by column. Valid while a handle owns the object.
-  T const* GetAsPtr() const noexcept;
+  [[gnu::always_inline]] T const* GetAsPtr() const noexcept { return RequireValues().GetMatrix()->data(); }
   /// The value at a row and a column; an index outside 0 to 3 throws `std::invalid_argument`.
   T operator()(int i_row, int i_column) const;
   /// Compares the bytes of the transforms: 0 and -0 differ, identical NaNs are equal. Ignores the inverses.
   bool operator==(Matrix const& i_other) const noexcept;
   /// Whether the transform is the identity object itself. False for other objects with the same values.
-  bool IsKnownIdentity() const;
+  [[gnu::always_inline]] bool IsKnownIdentity() const {
+    return RequireValues().GetMatrix().Get() == mgh_identity.GetValue().Get();
+  }
 
   /// Whether there is an inverse.
   bool HasInverse() const noexcept { return static_cast<bool>(m_objects.second); }
   /// Always true: row 3 is assumed to be (0, 0, 0, 1) and is not read.
   bool IsAffine() const noexcept { return true; }
-  ///@{
-  /// The inverse: the same two objects, swapped. Increments 2 counts, or none for a temporary, whose handles
-  /// are taken over. Throws `std::domain_error` if there is no inverse.
-  Matrix GetInverse() const&;
-  Matrix GetInverse() &&;
-  ///@}
+  /// The inverse: the same two objects, swapped. Increments 2 counts. Throws `std::domain_error` if there is
+  /// no inverse.
+  [[gnu::always_inline]] Matrix GetInverse() const {
+    return Matrix(RequireInverse().GetMatrixInverse(), GetMatrix());
+  }
+  /// Exchanges transform and inverse in place and returns this matrix. Throws `std::domain_error` if there is
+  /// no inverse, and leaves the matrix as it is.
+  Matrix& Invert();
+  /// Replaces the inverse by one that is computed from the values of the transform, by cofactors as by the
+  /// constructor from values, and returns this matrix. A matrix without inverse gets one.
+  ///
+  /// The inverse of a product is the product of the inverses, so the rounding errors of transform and inverse
+  /// drift apart in a long chain of products. Call this every thousand products or so.
+  ///
+  /// Takes 1 object, or none if only this matrix uses its inverse. Other matrices that share the inverse keep
+  /// it. For a known identity, the inverse becomes the identity object and increments 1 count.
+  Matrix& RebuildInverse();
   /// The transpose of the upper-left 3x3 block, with row 3 moved into column 3 and row 3 set to (0, 0, 0, 1).
   /// The translation is lost. Has an inverse if this matrix has one. Takes 2 objects, or 1 without an
   /// inverse; a known identity gives a copy of itself.
-  Matrix GetTranspose() const;
+  [[gnu::always_inline]] Matrix GetTranspose() const { return RequireValues().Transpose(); }
   /// The determinant of all 4x4 values, by Laplace's expansion into complementary 2x2 minors; exactly 1 for
   /// the known identity.
-  T GetDeterminant() const;
+  [[gnu::always_inline]] T GetDeterminant() const { return RequireValues().CalculateDeterminant(); }
   /// The matrix that transforms normals: the transpose of the inverse (Turkowski, Graphics Gems, 1990).
   /// Throws `std::domain_error` if there is no inverse. Takes 2 objects; a known identity gives a copy of
   /// itself.
-  Matrix GetNormalTransform() const;
+  [[gnu::always_inline]] Matrix GetNormalTransform() const { return RequireValues().CreateNormalTransform(); }
 
   /// The 4x4 product. Its inverse is the product of the inverses in the opposite order, if both factors have
   /// one. Takes 2 objects, or 1 without an inverse. A product with a known identity copies the other factor.
-  Matrix operator*(Matrix const& i_right) const;
+  [[gnu::always_inline]] Matrix operator*(Matrix const& i_right) const {
+    return RequireValues().Multiply(i_right.RequireValues());
+  }
   /// Assigns the product. Costs the same as the product.
-  Matrix& operator*=(Matrix const& i_right);
+  [[gnu::always_inline]] Matrix& operator*=(Matrix const& i_right) { return *this = *this * i_right; }
   /// Component i is ((M(i,0) x + M(i,1) y) + M(i,2) z) + M(i,3) 0. A non-finite translation yields NaN.
-  Vector<T, 3> operator*(Vector<T, 3> const& i_vector) const;
+  [[gnu::always_inline]] Vector<T, 3> operator*(Vector<T, 3> const& i_vector) const {
+    return RequireValues().Apply(i_vector);
+  }
   /// Component i is ((M(i,0) x + M(i,1) y) + M(i,2) z) + M(i,3). Row 3 is not used, so nothing is divided by
   /// w.
-  Point<T, 3> operator*(Point<T, 3> const& i_point) const;
+  [[gnu::always_inline]] Point<T, 3> operator*(Point<T, 3> const& i_point) const {
+    return RequireValues().Apply(i_point);
+  }
   /// The plane through the images of the plane's points, normalised: the row r = (a, b, c, -d) times the
   /// inverse, since (r M^-1) (M p) = r p. A known identity returns the plane unchanged.
   ///
   /// Throws `std::domain_error` if there is no inverse. Throws `std::invalid_argument`, like the constructor
   /// of `Plane`, if the squared length of the image's normal is below the smallest normal number.
-  Plane<T> operator*(Plane<T> const& i_plane) const;
+  [[gnu::always_inline]] Plane<T> operator*(Plane<T> const& i_plane) const {
+    return RequireValues().Apply(i_plane);
+  }
+
+  ///@{
+  /// Matrices of different precisions: convert one first, as in `a * Matrix<float>(b)`.
+  template <class U>
+  requires(!std::same_as<T, U>) Matrix operator*(Matrix<U> const&) const = delete;  // convert one first
+  template <class U>
+  requires(!std::same_as<T, U>) Matrix& operator*=(Matrix<U> const&) = delete;  // convert it first
+  template <class U>
+  requires(!std::same_as<T, U>) bool operator==(Matrix<U> const&) const = delete;  // convert one first
+  ///@}
 
   /// The transform for writing. A shared object is first replaced by a copy, which takes 1 object. Call this
   /// again after copying the matrix, since the copy shares the object. The inverse does not change: the
   /// caller keeps transform and inverse consistent.
   Object* GetMutableInternal();
-  /// The inverse for writing, like `GetMutableInternal`. An assertion requires that there is one.
+  /// The inverse for writing, like `GetMutableInternal`. An assertion of the caller requires that there is
+  /// one.
   Object* GetMutableInverseInternal();
 
   /// The handle onto the identity object, which is created on first use and never written. Valid from before
@@ -185,13 +240,34 @@ class LUM_EXPORT LUM_STANDALONE_DEBUG Matrix {
 
  private:
   friend struct internal::MatrixFactory<T>;
+  template <class U>
+  friend class Matrix;
+  friend struct internal::MatrixArrays;
 
   struct FreshObjects {};
   // Two fresh objects, whose values the caller writes before they are read.
   LUM_HIDDEN explicit Matrix(FreshObjects) : m_objects(CreateTwoGlobalObjects<Object>()) {}
 
-  // Always inlined, because inline members call it and the library does not export it.
-  [[gnu::always_inline]] LUM_HIDDEN void RequireInverse() const;
+  // What the public members of the same meaning call after their checks. The public ones are inlined into
+  // every caller, also into unoptimised ones, so that the caller's NDEBUG decides whether they check. They
+  // would otherwise call the library's copy, which has no checks.
+  template <class U>
+  Matrix const& Convert(Matrix<U> const& i_other);
+  Matrix& Rebuild();
+  Matrix Transpose() const;
+  T CalculateDeterminant() const;
+  Matrix CreateNormalTransform() const;
+  Matrix Multiply(Matrix const& i_right) const;
+  Vector<T, 3> Apply(Vector<T, 3> const& i_vector) const;
+  Point<T, 3> Apply(Point<T, 3> const& i_point) const;
+  Plane<T> Apply(Plane<T> const& i_plane) const;
+  void Apply(std::span<Vector<T, 3> const> i_vectors, std::span<Vector<T, 3>> o_images) const;
+  void Apply(std::span<Point<T, 3> const> i_points, std::span<Point<T, 3>> o_images) const;
+  static Object* MakeMutable(ObjectHandle& io_handle);
+
+  // Return this matrix.
+  [[gnu::always_inline]] LUM_HIDDEN Matrix const& RequireValues() const noexcept;
+  [[gnu::always_inline]] LUM_HIDDEN Matrix const& RequireInverse() const;
 
   // The transform, which only a moved-from matrix lacks, and the inverse. They are one member so that the
   // pool constructs both handles in place.
@@ -220,21 +296,68 @@ inline Matrix<T>& Matrix<T>::operator=(Matrix&& io_other) noexcept {
 }
 
 template <class T>
-inline Matrix<T> Matrix<T>::GetInverse() const& {
-  RequireInverse();
-  return Matrix(GetMatrixInverse(), GetMatrix());
+inline Matrix<T> const& Matrix<T>::RequireValues() const noexcept {
+  assert(GetMatrix() && "a moved-from matrix");
+  return *this;
 }
 
 template <class T>
-inline Matrix<T> Matrix<T>::GetInverse() && {
-  RequireInverse();
-  return Matrix(std::move(m_objects.second), std::move(m_objects.first));
-}
-
-template <class T>
-inline void Matrix<T>::RequireInverse() const {
-  assert(GetMatrix());
+inline Matrix<T> const& Matrix<T>::RequireInverse() const {
+  RequireValues();
   if (!HasInverse()) internal::ThrowNoInverse();
+  return *this;
+}
+
+template <class T>
+template <class U>
+requires(!std::same_as<T, U>) [[gnu::always_inline]] inline Matrix<T>::Matrix(Matrix<U> const& i_other) {
+  *this = i_other;
+}
+
+template <class T>
+template <class U>
+requires(!std::same_as<T, U>)
+    [[gnu::always_inline]] inline Matrix<T> const& Matrix<T>::operator=(Matrix<U> const& i_other) {
+  i_other.RequireValues();
+  return Convert(i_other);
+}
+
+template <class T>
+[[gnu::always_inline]] inline T Matrix<T>::operator()(int i_row, int i_column) const {
+  if ((static_cast<unsigned int>(i_row) | static_cast<unsigned int>(i_column)) > 3)
+    internal::ThrowNoElement();
+  return GetAsPtr()[i_row + 4 * i_column];
+}
+
+template <class T>
+[[gnu::always_inline]] inline bool Matrix<T>::operator==(Matrix const& i_other) const noexcept {
+  // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison): byte for byte on purpose
+  return std::memcmp(GetAsPtr(), i_other.GetAsPtr(), 16 * sizeof(T)) == 0;
+}
+
+template <class T>
+[[gnu::always_inline]] inline Matrix<T>& Matrix<T>::Invert() {
+  RequireInverse();
+  m_objects.first.Swap(m_objects.second);
+  return *this;
+}
+
+template <class T>
+[[gnu::always_inline]] inline Matrix<T>& Matrix<T>::RebuildInverse() {
+  RequireValues();
+  return Rebuild();
+}
+
+template <class T>
+[[gnu::always_inline]] inline typename Matrix<T>::Object* Matrix<T>::GetMutableInternal() {
+  RequireValues();
+  return MakeMutable(m_objects.first);
+}
+
+template <class T>
+[[gnu::always_inline]] inline typename Matrix<T>::Object* Matrix<T>::GetMutableInverseInternal() {
+  assert(HasInverse() && "the inverse of a matrix without one");
+  return MakeMutable(m_objects.second);
 }
 
 /// \cond
@@ -246,10 +369,8 @@ LUM_EXPORT Lazy<MatrixPoolTypes<double>::ObjectHandle> const& Matrix<double>::mg
 extern template class Matrix<float>;
 extern template class Matrix<double>;
 
-extern template LUM_EXPORT Matrix<float>::Matrix(Matrix<double> const&);
-extern template LUM_EXPORT Matrix<double>::Matrix(Matrix<float> const&);
-extern template LUM_EXPORT Matrix<float> const& Matrix<float>::operator=(Matrix<double> const&);
-extern template LUM_EXPORT Matrix<double> const& Matrix<double>::operator=(Matrix<float> const&);
+extern template LUM_EXPORT Matrix<float> const& Matrix<float>::Convert(Matrix<double> const&);
+extern template LUM_EXPORT Matrix<double> const& Matrix<double>::Convert(Matrix<float> const&);
 /// \endcond
 
 }  // namespace lum

@@ -1,7 +1,6 @@
 #include "geometry/Quaternion.h"
 
 #include <algorithm>
-#include <cassert>
 #include <cmath>
 #include <limits>
 #include <utility>
@@ -47,15 +46,16 @@ constinit Lazy<Quaternionf::ObjectHandle> const& Quaternionf::mgh_identity = ide
 
 Quaternionf::Quaternionf() : m_handle(mgh_identity.GetValue()) {}
 
-Quaternionf::Quaternionf(Matrix<float> const& i_matrix)
-    : m_handle(CreateHandle(internal::ExtractRotation(i_matrix.GetAsPtr()))) {}
-
 Quaternionf::Quaternionf(Vector<float, 3> i_axis, float i_angle)
     : m_handle(CreateHandle(MakeRotation(i_axis, i_angle))) {}
 
 Quaternionf::Quaternionf(ObjectHandle i_handle) noexcept : m_handle(std::move(i_handle)) {}
 
-Quaternionf Quaternionf::operator*(Quaternionf const& i_right) const {
+Quaternionf::ObjectHandle Quaternionf::ExtractRotation(float const* ip_matrix) {
+  return CreateHandle(internal::ExtractRotation(ip_matrix));
+}
+
+Quaternionf Quaternionf::Multiply(Quaternionf const& i_right) const {
   auto const [x1, y1, z1, w1] = GetCoefficients();
   auto const [x2, y2, z2, w2] = i_right.GetCoefficients();
   return Quaternionf(CreateHandle({w1 * x2 + x1 * w2 + y1 * z2 - z1 * y2,  //
@@ -64,7 +64,7 @@ Quaternionf Quaternionf::operator*(Quaternionf const& i_right) const {
                                    w1 * w2 - x1 * x2 - y1 * y2 - z1 * z2}));
 }
 
-Matrix<float> Quaternionf::GetAsMatrix() const {
+Matrix<float> Quaternionf::CreateMatrix() const {
   if (IsKnownIdentity()) return {};
   auto const [x, y, z, w] = GetCoefficients();
   float const X = 2 * x;
@@ -80,17 +80,7 @@ Matrix<float> Quaternionf::GetAsMatrix() const {
   return Matrix<float>(values.data());
 }
 
-bool Quaternionf::IsKnownIdentity() const {
-  assert(m_handle);
-  return m_handle.Get() == mgh_identity.GetValue().Get();
-}
-
-std::array<float, 4> Quaternionf::GetCoefficients() const {
-  float const* const values = GetValues();
-  return {values[0], values[1], values[2], values[3]};
-}
-
-Vector<float, 3> Quaternionf::Transform(Vector<float, 3> const& i_vector) const {
+Vector<float, 3> Quaternionf::Rotate(Vector<float, 3> const& i_vector) const {
   auto const [x, y, z, w] = GetCoefficients();
   auto const [a, b, c] = i_vector;
   float const ux = 2 * (y * c - z * b);
@@ -104,9 +94,9 @@ Vector<float, 3> Quaternionf::Transform(Vector<float, 3> const& i_vector) const 
   return image;
 }
 
-void Quaternionf::Transform(std::span<Vector<float, 3> const> i_vectors,
-                            std::span<Vector<float, 3>> o_vectors) const {
-  internal::RequireSameSize(i_vectors.size(), o_vectors.size());
+void Quaternionf::Rotate(std::span<Vector<float, 3> const> i_vectors,
+                         std::span<Vector<float, 3>> o_images) const {
+  internal::RequireSameSize(i_vectors.size(), o_images.size());
   if (i_vectors.empty()) return;
   auto const rotate_group = [q = GetCoefficients()](float const* ip_group, float* op_group,
                                                     auto const& i_store) {
@@ -120,16 +110,15 @@ void Quaternionf::Transform(std::span<Vector<float, 3> const> i_vectors,
                             (c + w * uz) + (x * uy - y * ux)},
                            op_group, i_store);
   };
-  internal::TransformTriples(i_vectors.data()->data(), o_vectors.data()->data(), i_vectors.size(),
+  internal::TransformTriples(i_vectors.data()->data(), o_images.data()->data(), i_vectors.size(),
                              rotate_group);
 }
 
-Vector<float, 3> Quaternionf::InverseTransform(Vector<float, 3> const& i_vector) const {
+Vector<float, 3> Quaternionf::RotateBack(Vector<float, 3> const& i_vector) const {
   return GetAsMatrix().GetInverse() * i_vector;
 }
 
-// NOLINTNEXTLINE(performance-unnecessary-value-param): by value is the signature
-bool Quaternionf::IsApproximately(Quaternionf i_other, float i_tolerance) const {
+bool Quaternionf::IsNear(Quaternionf const& i_other, float i_tolerance) const {
   float const* const a = GetValues();
   float const* const b = i_other.GetValues();
   Coefficients const difference = {a[0] - b[0], a[1] - b[1], a[2] - b[2], a[3] - b[3]};
@@ -137,8 +126,7 @@ bool Quaternionf::IsApproximately(Quaternionf i_other, float i_tolerance) const 
          i_tolerance * i_tolerance * std::min(DotInPairs(a, a), DotInPairs(b, b));
 }
 
-// NOLINTNEXTLINE(performance-unnecessary-value-param): by value is the signature
-Quaternionf Quaternionf::Slerp(float i_t, Quaternionf i_other) const {
+Quaternionf Quaternionf::Interpolate(float i_t, Quaternionf const& i_other) const {
   constexpr float one = 1 - std::numeric_limits<float>::epsilon();
   float const* const a = GetValues();
   float const* const b = i_other.GetValues();
@@ -157,11 +145,6 @@ Quaternionf Quaternionf::Slerp(float i_t, Quaternionf i_other) const {
                                    s0 * a[1] + s1 * b[1],  //
                                    s0 * a[2] + s1 * b[2],  //
                                    s0 * a[3] + s1 * b[3]}));
-}
-
-float const* Quaternionf::GetValues() const noexcept {
-  assert(m_handle);
-  return m_handle->coeffs().data();
 }
 
 }  // namespace lum

@@ -87,40 +87,35 @@ void TransformTriples(float const* ip_matrix, std::array<float, 3> const& i_last
 // still yields NaN.
 template <class T, class Value>
 void Transform(Matrix<T> const& i_matrix, T i_translation_factor, std::span<Value const> i_values,
-               std::span<Value> o_values) {
+               std::span<Value> o_images) {
   static_assert(sizeof(Value) == 3 * sizeof(T), "three numbers and nothing else");
-  internal::RequireSameSize(i_values.size(), o_values.size());
+  internal::RequireSameSize(i_values.size(), o_images.size());
   if (i_matrix.IsKnownIdentity()) {
-    if (i_values.data() != o_values.data()) std::copy(i_values.begin(), i_values.end(), o_values.begin());
+    if (i_values.data() != o_images.data()) std::copy(i_values.begin(), i_values.end(), o_images.begin());
     return;
   }
   if (i_values.empty()) return;
   T const* const m = i_matrix.GetAsPtr();
   std::array<T, 3> const last = {m[12] * i_translation_factor, m[13] * i_translation_factor,
                                  m[14] * i_translation_factor};
-  TransformTriples(m, last, i_values.data()->data(), o_values.data()->data(), i_values.size());
+  TransformTriples(m, last, i_values.data()->data(), o_images.data()->data(), i_values.size());
 }
 
 }  // namespace
 
-void TransformPoints(Matrix<float> const& i_matrix, std::span<Point<float, 3> const> i_points,
-                     std::span<Point<float, 3>> o_points) {
-  Transform(i_matrix, 1.0F, i_points, o_points);
+template <class T>
+void Matrix<T>::Apply(std::span<Point<T, 3> const> i_points, std::span<Point<T, 3>> o_images) const {
+  Transform(*this, T(1), i_points, o_images);
 }
 
-void TransformPoints(Matrix<double> const& i_matrix, std::span<Point<double, 3> const> i_points,
-                     std::span<Point<double, 3>> o_points) {
-  Transform(i_matrix, 1.0, i_points, o_points);
+template <class T>
+void Matrix<T>::Apply(std::span<Vector<T, 3> const> i_vectors, std::span<Vector<T, 3>> o_images) const {
+  Transform(*this, T(0), i_vectors, o_images);
 }
 
-void TransformVectors(Matrix<float> const& i_matrix, std::span<Vector<float, 3> const> i_vectors,
-                      std::span<Vector<float, 3>> o_vectors) {
-  Transform(i_matrix, 0.0F, i_vectors, o_vectors);
-}
-
-void TransformVectors(Matrix<double> const& i_matrix, std::span<Vector<double, 3> const> i_vectors,
-                      std::span<Vector<double, 3>> o_vectors) {
-  Transform(i_matrix, 0.0, i_vectors, o_vectors);
-}
+template void Matrix<float>::Apply(std::span<Point<float, 3> const>, std::span<Point<float, 3>>) const;
+template void Matrix<double>::Apply(std::span<Point<double, 3> const>, std::span<Point<double, 3>>) const;
+template void Matrix<float>::Apply(std::span<Vector<float, 3> const>, std::span<Vector<float, 3>>) const;
+template void Matrix<double>::Apply(std::span<Vector<double, 3> const>, std::span<Vector<double, 3>>) const;
 
 }  // namespace lum

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <concepts>
 #include <span>
+#include <type_traits>
 
 #include "geometry/Point.h"
 #include "geometry/Vector.h"
@@ -13,27 +15,65 @@ template <class T>
 class LUM_EXPORT Matrix;
 
 ///@{
-/// Transforms every point of an array. Each result has the same bits as the product with that point alone,
-/// except for the signs and payloads of NaNs. A known identity copies the points.
+/// Transforms every point or vector of an array. Each result has the same bits as the product with that value
+/// alone, except for the signs and payloads of NaNs. A known identity copies the values. A finite translation
+/// does not change vectors.
 ///
 /// The two arrays may be the same array, but must not overlap otherwise. Arrays of different sizes throw
-/// `std::invalid_argument` before anything is written.
+/// `std::invalid_argument` before anything is written. Arrays of the other precision do not compile: convert
+/// the matrix.
 ///
 /// Cost: no count changes. If the process has no identity object yet, the call creates it, which takes 1
 /// object and passes on what the pool throws.
 ///
-/// Thread safety: no other thread may use o_points, or write to i_matrix or i_points, during the call.
-LUM_EXPORT void TransformPoints(Matrix<float> const& i_matrix, std::span<Point<float, 3> const> i_points,
-                                std::span<Point<float, 3>> o_points);
-LUM_EXPORT void TransformPoints(Matrix<double> const& i_matrix, std::span<Point<double, 3> const> i_points,
-                                std::span<Point<double, 3>> o_points);
+/// Thread safety: no other thread may use the second array, or write to the matrix or to the first array,
+/// during the call.
+template <class T>
+void TransformPoints(Matrix<T> const& i_matrix, std::type_identity_t<std::span<Point<T, 3> const>> i_points,
+                     std::type_identity_t<std::span<Point<T, 3>>> o_points);
+template <class T>
+void TransformVectors(Matrix<T> const& i_matrix,
+                      std::type_identity_t<std::span<Vector<T, 3> const>> i_vectors,
+                      std::type_identity_t<std::span<Vector<T, 3>>> o_vectors);
 ///@}
-///@{
-/// Transforms every vector of an array in the same way. A finite translation is ignored.
-LUM_EXPORT void TransformVectors(Matrix<float> const& i_matrix, std::span<Vector<float, 3> const> i_vectors,
-                                 std::span<Vector<float, 3>> o_vectors);
-LUM_EXPORT void TransformVectors(Matrix<double> const& i_matrix, std::span<Vector<double, 3> const> i_vectors,
-                                 std::span<Vector<double, 3>> o_vectors);
-///@}
+
+namespace internal {
+
+/// Calls the private members that transform arrays. Inlined into every caller, so that the caller's NDEBUG
+/// decides whether the matrix is checked.
+struct MatrixArrays {
+  template <class T, class Values, class Images>
+  [[gnu::always_inline]] static void Apply(Matrix<T> const& i_matrix, Values i_values, Images o_images) {
+    i_matrix.RequireValues().Apply(i_values, o_images);
+  }
+};
+
+template <class T>
+using OtherPrecision = std::conditional_t<std::same_as<T, float>, double, float>;
+
+}  // namespace internal
+
+template <class T>
+[[gnu::always_inline]] inline void TransformPoints(
+    Matrix<T> const& i_matrix, std::type_identity_t<std::span<Point<T, 3> const>> i_points,
+    std::type_identity_t<std::span<Point<T, 3>>> o_points) {
+  internal::MatrixArrays::Apply(i_matrix, i_points, o_points);
+}
+
+template <class T>
+[[gnu::always_inline]] inline void TransformVectors(
+    Matrix<T> const& i_matrix, std::type_identity_t<std::span<Vector<T, 3> const>> i_vectors,
+    std::type_identity_t<std::span<Vector<T, 3>>> o_vectors) {
+  internal::MatrixArrays::Apply(i_matrix, i_vectors, o_vectors);
+}
+
+/// \cond
+// Arrays of the other precision.
+template <class T, class Values, std::convertible_to<std::span<Point<internal::OtherPrecision<T>, 3>>> Images>
+void TransformPoints(Matrix<T> const&, Values&&, Images&&) = delete;  // convert the matrix first
+template <class T, class Values,
+          std::convertible_to<std::span<Vector<internal::OtherPrecision<T>, 3>>> Images>
+void TransformVectors(Matrix<T> const&, Values&&, Images&&) = delete;  // convert the matrix first
+/// \endcond
 
 }  // namespace lum

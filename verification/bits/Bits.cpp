@@ -148,7 +148,7 @@ void AddRotations() {
     AddMatrix("Quaternionf GetAsMatrix", p.GetAsMatrix());
     Add("Quaternionf Transform", p.Transform(w).data(), 3);
     std::array<Vector<float, 3>, 5> vectors = {v, w, v, w, v};
-    p.Transform(vectors, vectors);
+    TransformVectors(p, vectors, vectors);
     for (auto const& vector : vectors) Add("Quaternionf Transform of an array", vector.data(), 3);
     Add("Quaternionf InverseTransform", q.InverseTransform(v).data(), 3);
     float const is_close = p.IsApproximately(q, next()) ? 1 : 0;

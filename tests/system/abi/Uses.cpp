@@ -3,6 +3,8 @@
 #include <geometry/Matrix.h>
 #include <geometry/Quaternion.h>
 
+#include <array>
+#include <type_traits>
 #include <utility>
 
 namespace {
@@ -15,7 +17,16 @@ bool UseMatrix() {
   a = b;
   b = std::move(a);
   a = Matrix<T>(b.GetMatrix(), b.GetMatrixInverse());
-  return std::move(a).GetInverse().HasInverse() && b.IsAffine();
+  a.Invert().RebuildInverse();
+  a *= b.GetTranspose() * b.GetNormalTransform();
+  std::array<lum::Point<T, 3>, 2> points{a * lum::Point<T, 3>(1, 2, 3)};
+  TransformPoints(a, points, points);
+  std::array<lum::Vector<T, 3>, 2> vectors{a * lum::Vector<T, 3>(1, 2, 3)};
+  TransformVectors(a, vectors, vectors);
+  lum::Matrix<std::conditional_t<std::is_same_v<T, float>, double, float>> const converted(a);
+  return a.HasInverse() && b.IsAffine() && a(3, 3) == 1 && !(a == b) && a.GetDeterminant() > 0 &&
+         (a * lum::Plane<T>(1, 2, 3, 4)).GetA() < 1 && *a.GetMutableInternal()->data() == *a.GetAsPtr() &&
+         a.GetMutableInverseInternal() != nullptr && converted.HasInverse();
 }
 
 template <class Object>
@@ -39,5 +50,10 @@ int main() {
   bool const pools = UsePool<lum::Matrix<float>::Object>() && UsePool<lum::Matrix<double>::Object>() &&
                      UsePool<lum::Quaternionf::Object>();
   lum::Quaternionf const q;
-  return matrices && pools && (q * q).GetCoefficients()[3] == 1 ? 0 : 1;
+  std::array<lum::Vector<float, 3>, 2> vectors{q.Transform({1, 2, 3}), q.InverseTransform({1, 2, 3})};
+  TransformVectors(q, vectors, vectors);
+  bool const rotations = (q * q).GetCoefficients()[3] == 1 && q.IsApproximately(q.Slerp(0.5F, q), 1e-3F) &&
+                         lum::Quaternionf(q.GetAsMatrix()).IsApproximately(q, 1e-3F) && q.IsKnownIdentity() &&
+                         vectors[0] == vectors[1];
+  return matrices && pools && rotations ? 0 : 1;
 }

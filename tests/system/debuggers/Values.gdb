@@ -24,6 +24,8 @@ print/x without
 print/r copy.m_objects.second.m_delete.mp_pool == identity.m_objects.first.m_delete.mp_pool
 set print pretty on
 print translation
+print translation.GetInverse()
+print translation
 
 continue
 echo memory that holds no value\n

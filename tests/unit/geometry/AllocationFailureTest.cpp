@@ -94,12 +94,15 @@ TYPED_TEST(AllocationFailure, LosesNoSlotWhereMatricesAreMade) {
   EXPECT_EQ(CountFailures<Object>([&] { a.GetTranspose(); }), 2U);
   EXPECT_EQ(CountFailures<Object>([&] { a.GetNormalTransform(); }), 2U);
   EXPECT_EQ(CountFailures<Object>([&] { a.GetInverse(); }), 0U);
+  EXPECT_EQ(CountFailures<Object>([&] { M(a).Invert(); }), 0U);
+  EXPECT_EQ(CountFailures<Object>([&] { M(a).RebuildInverse(); }), 1U) << "the copy shares the inverse";
   M other = M::Scale(3);
   EXPECT_EQ(CountFailures<Object>([] { M{}; }), 0U);
   EXPECT_EQ(CountFailures<Object>([&] { M{a}; }), 0U);
   EXPECT_EQ(CountFailures<Object>([&] { M(M(a)) = b; }), 0U);
   EXPECT_EQ(CountFailures<Object>([&] { other.GetMutableInternal(); }), 0U) << "it is not shared";
   EXPECT_EQ(CountFailures<Object>([&] { other.GetMutableInverseInternal(); }), 0U);
+  EXPECT_EQ(CountFailures<Object>([&] { other.RebuildInverse(); }), 0U);
   EXPECT_EQ(CountFailures<Object>([&] { (void)(a * Vector<TypeParam, 3>(1, 2, 3)); }), 0U);
   EXPECT_EQ(CountFailures<Object>([&] { (void)(a * Point<TypeParam, 3>(1, 2, 3)); }), 0U);
   EXPECT_EQ(CountFailures<Object>([&] { (void)(a * Plane<TypeParam>(1, 2, 3, 4)); }), 0U);
@@ -135,8 +138,10 @@ TYPED_TEST(AllocationFailure, KeepsASharedMatrixShared) {
     FailingAllocation const no_memory(0);
     EXPECT_THROW(copy.GetMutableInternal(), std::bad_alloc);
     EXPECT_THROW(copy.GetMutableInverseInternal(), std::bad_alloc);
+    EXPECT_THROW(copy.RebuildInverse(), std::bad_alloc);
   }
   EXPECT_EQ(copy.GetMatrix().Get(), original.GetMatrix().Get());
+  EXPECT_EQ(copy.GetMatrixInverse().Get(), original.GetMatrixInverse().Get());
   EXPECT_EQ(original.GetMatrix().GetReferenceCount(), 2U);
   EXPECT_NE(copy.GetMutableInternal(), original.GetMatrix().Get());
 }

@@ -2,11 +2,17 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstddef>
 #include <limits>
 #include <numbers>
 #include <random>
+#include <span>
 #include <stdexcept>
+#include <type_traits>
+#include <vector>
 
 #include "geometry/Matrix.h"
 #include "tests/support/Precisions.h"
@@ -25,6 +31,41 @@ using test::ValuesOf;
 template <class T>
 class MatrixBuild : public test::PrecisionTest<T> {};
 TYPED_TEST_SUITE(MatrixBuild, test::Precisions);
+
+// A matrix is made from 16 values of its own precision, and from a pointer to them.
+template <class T, class U>
+constexpr bool IsMadeOfValues =
+    std::is_constructible_v<Matrix<T>, U const*>&& std::is_constructible_v<Matrix<T>, U*>&&
+        std::is_constructible_v<Matrix<T>, U (&)[16]>&& std::is_constructible_v<Matrix<T>, U const (&)[16]>&&
+            std::is_constructible_v<Matrix<T>, std::span<U const, 16>>&& std::is_constructible_v<
+                Matrix<T>, std::span<U, 16>>&& std::is_constructible_v<Matrix<T>, std::array<U, 16>>;
+static_assert(IsMadeOfValues<float, float> && IsMadeOfValues<double, double>);
+
+template <class T, class... Arrays>
+constexpr bool IsMadeOfNone = (!std::is_constructible_v<Matrix<T>, Arrays> && ...);
+template <class T, class U>
+constexpr bool IsMadeOfNoOtherArray =
+    IsMadeOfNone<T, U (&)[9], U (&)[15], U (&)[17], U const (&)[15], U (&)[4][4], std::array<U, 15>,
+                 std::array<U, 17>, std::span<U const, 15>, std::span<U const>, std::vector<U>,
+                 std::nullptr_t, int>;
+static_assert(IsMadeOfNoOtherArray<float, float> && IsMadeOfNoOtherArray<double, double>);
+static_assert(IsMadeOfNone<float, double*, double (&)[16], std::span<double const, 16>> &&
+              IsMadeOfNone<double, float*, float (&)[16], std::span<float const, 16>>);
+static_assert(!std::is_convertible_v<float const*, Matrix<float>> &&
+              !std::is_convertible_v<std::span<float const, 16>, Matrix<float>>);
+
+TYPED_TEST(MatrixBuild, TakesValuesByPointerArrayAndSpan) {
+  Values<TypeParam> const values = Diagonal<TypeParam>(2, 4, 8);
+  TypeParam array[16];  // NOLINT(modernize-avoid-c-arrays): users have such arrays
+  std::copy(values.begin(), values.end(), array);
+  for (auto const& matrix :
+       {Matrix<TypeParam>(values.data()), Matrix<TypeParam>(values), Matrix<TypeParam>(array),
+        Matrix<TypeParam>(std::span<TypeParam const, 16>(values)), Matrix<TypeParam>(&array[0])}) {
+    EXPECT_EQ(matrix, Matrix<TypeParam>::Scale(2, 4, 8));
+    EXPECT_EQ(InverseValuesOf(matrix),
+              Diagonal<TypeParam>(TypeParam(0.5), TypeParam(0.25), TypeParam(0.125)));
+  }
+}
 
 TYPED_TEST(MatrixBuild, ScalesAlongTheAxes) {
   auto const scale = Matrix<TypeParam>::Scale(2, 3, 4);

@@ -7,6 +7,7 @@
 #include <random>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 #include "geometry/Matrix.h"
 #include "tests/support/Values.h"
@@ -22,6 +23,48 @@ static_assert(std::is_same_v<decltype(std::declval<Matrix<float>&>() = std::decl
                              Matrix<float> const&>);
 static_assert(std::is_same_v<decltype(std::declval<Matrix<double>&>() = std::declval<Matrix<float> const&>()),
                              Matrix<double> const&>);
+
+template <class A, class B>
+concept HasProduct = requires(A a, B b) {
+  a* b;
+};
+template <class A, class B>
+concept HasAssignedProduct = requires(A a, B b) {
+  a *= b;
+};
+template <class A, class B>
+concept HasEquality = requires(A a, B b) {
+  a == b;
+};
+template <class M, class Points>
+concept TransformsPoints = requires(M m, Points points) {
+  TransformPoints(m, points, points);
+};
+template <class M, class Vectors>
+concept TransformsVectors = requires(M m, Vectors vectors) {
+  TransformVectors(m, vectors, vectors);
+};
+
+// Matrices of different precisions do not mix.
+static_assert(HasProduct<Matrix<float>, Matrix<float>> && !HasProduct<Matrix<float>, Matrix<double>> &&
+              !HasProduct<Matrix<double>, Matrix<float>>);
+static_assert(HasAssignedProduct<Matrix<float>&, Matrix<float>> &&
+              !HasAssignedProduct<Matrix<float>&, Matrix<double>> &&
+              !HasAssignedProduct<Matrix<double>&, Matrix<float>>);
+static_assert(HasEquality<Matrix<float>, Matrix<float>> && !HasEquality<Matrix<float>, Matrix<double>> &&
+              !HasEquality<Matrix<double>, Matrix<float>>);
+using FloatPoints = std::vector<Point<float, 3>>;
+using FloatVectors = std::vector<Vector<float, 3>>;
+using DoublePoints = std::vector<Point<double, 3>>;
+using DoubleVectors = std::vector<Vector<double, 3>>;
+static_assert(TransformsPoints<Matrix<float>, FloatPoints> &&
+              TransformsPoints<Matrix<double>, DoublePoints> &&
+              !TransformsPoints<Matrix<float>, DoublePoints> &&
+              !TransformsPoints<Matrix<double>, FloatPoints>);
+static_assert(TransformsVectors<Matrix<float>, FloatVectors> &&
+              TransformsVectors<Matrix<double>, DoubleVectors> &&
+              !TransformsVectors<Matrix<float>, DoubleVectors> &&
+              !TransformsVectors<Matrix<double>, FloatVectors>);
 
 TEST(MatrixConversion, OfTheKnownIdentityMakesNewObjects) {
   Matrix<float> const converted{Matrix<double>()};

@@ -2,9 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <functional>
 #include <random>
 #include <stdexcept>
+#include <type_traits>
 #include <utility>
+#include <vector>
 
 #include "geometry/Matrix.h"
 #include "tests/support/Precisions.h"
@@ -42,22 +46,156 @@ TYPED_TEST(MatrixInverse, SwapsTheHandles) {
   EXPECT_EQ(matrix.GetMatrix().GetReferenceCount(), 3U);
 }
 
-TYPED_TEST(MatrixInverse, OfATemporaryMovesTheHandles) {
+TYPED_TEST(MatrixInverse, IsOneMemberFunction) {
+  using M = Matrix<TypeParam>;
+  static_assert(std::is_same_v<decltype(&M::GetInverse), M (M::*)() const>);
+  std::vector<M> const matrices = {M::Translate(1, 2, 3), M::Scale(2)};
+  std::vector<M> inverses(2);
+  std::ranges::transform(matrices, inverses.begin(), &M::GetInverse);
+  EXPECT_EQ(inverses[0], std::invoke(&M::GetInverse, matrices[0]));
+  EXPECT_EQ(inverses[1], M::Scale(TypeParam(0.5)));
+}
+
+TYPED_TEST(MatrixInverse, OfAMovedArgumentLeavesTheArgument) {
+  auto matrix = Matrix<TypeParam>::Translate(1, 2, 3);
+  auto const inverse = std::move(matrix).GetInverse();
+  // NOLINTNEXTLINE(bugprone-use-after-move): the call is const
+  EXPECT_EQ(matrix.GetMatrix().Get(), inverse.GetMatrixInverse().Get());
+  EXPECT_EQ(matrix.GetMatrixInverse().Get(), inverse.GetMatrix().Get());
+}
+
+// The place of an object among the next ones that the pool hands out.
+template <class T>
+std::size_t FindTurn(std::vector<typename Matrix<T>::ObjectHandle> const& i_next, void const* ip_object) {
+  return static_cast<std::size_t>(
+      std::ranges::find(i_next, ip_object, [](auto const& i_handle) { return i_handle.Get(); }) -
+      i_next.begin());
+}
+
+// The pool hands out objects in the order of their return.
+TYPED_TEST(MatrixInverse, OfATemporaryIsReleasedBeforeTheTemporary) {
+  using Object = typename Matrix<TypeParam>::Object;
+  for (int attempt = 0; attempt < 2; ++attempt) {  // the first pair may be parted by the end of a block
+    void const* transform = nullptr;
+    void const* inverse = nullptr;
+    [&](Matrix<TypeParam> const& i_inverse) {
+      transform = i_inverse.GetMatrixInverse().Get();
+      inverse = i_inverse.GetMatrix().Get();
+    }(Matrix<TypeParam>::Scale(2).GetInverse());
+    std::vector<typename Matrix<TypeParam>::ObjectHandle> next;
+    for (int i = 0; i < 32; ++i) next.push_back(CreateGlobalObject<Object>());
+    std::size_t const transform_turn = FindTurn<TypeParam>(next, transform);
+    std::size_t const inverse_turn = FindTurn<TypeParam>(next, inverse);
+    if (std::max(transform_turn, inverse_turn) == next.size()) continue;
+    EXPECT_LT(inverse_turn, transform_turn) << "the temporary releases its inverse first, as ever";
+    return;
+  }
+  FAIL() << "the pair was not handed out again";
+}
+
+TYPED_TEST(MatrixInverse, InPlaceExchangesTheHandlesAndTouchesNoCount) {
   auto matrix = Matrix<TypeParam>::Translate(1, 2, 3);
   auto const* const transform = matrix.GetMatrix().Get();
   auto const* const inverse = matrix.GetMatrixInverse().Get();
-  auto const taken = std::move(matrix).GetInverse();
-  EXPECT_EQ(taken.GetMatrix().Get(), inverse);
-  EXPECT_EQ(taken.GetMatrixInverse().Get(), transform);
-  EXPECT_EQ(taken.GetMatrix().GetReferenceCount(), 1U);
-  EXPECT_EQ(taken.GetMatrixInverse().GetReferenceCount(), 1U);
+  EXPECT_EQ(&matrix.Invert(), &matrix);
+  EXPECT_EQ(matrix.GetMatrix().Get(), inverse);
+  EXPECT_EQ(matrix.GetMatrixInverse().Get(), transform);
+  EXPECT_EQ(matrix.GetMatrix().GetReferenceCount(), 1U);
+  EXPECT_EQ(matrix.GetMatrixInverse().GetReferenceCount(), 1U);
+  matrix.Invert().Invert();
+  EXPECT_EQ(matrix.GetMatrix().Get(), inverse);
 }
 
-TYPED_TEST(MatrixInverse, ThatIsAbsentDoesNotChangeATemporary) {
-  auto matrix = Matrix<TypeParam>::Scale(0);
-  EXPECT_TRUE(test::Throws<std::domain_error>([&] { (void)std::move(matrix).GetInverse(); },
+TYPED_TEST(MatrixInverse, InPlaceDoesNotChangeCopies) {
+  auto matrix = Matrix<TypeParam>::Translate(1, 2, 3);
+  auto const copy = matrix;
+  matrix.Invert();
+  EXPECT_EQ(copy, (Matrix<TypeParam>::Translate(1, 2, 3)));
+  EXPECT_EQ(matrix, copy.GetInverse());
+}
+
+TYPED_TEST(MatrixInverse, InPlaceOfTheKnownIdentityIsKnown) {
+  EXPECT_TRUE(Matrix<TypeParam>().Invert().IsKnownIdentity());
+}
+
+TYPED_TEST(MatrixInverse, InPlaceThatIsAbsentLeavesTheMatrix) {
+  auto matrix = Matrix<TypeParam>::Scale(0, 1, 2);
+  auto const* const transform = matrix.GetMatrix().Get();
+  EXPECT_TRUE(test::Throws<std::domain_error>([&] { matrix.Invert(); },
                                               "attempt to get inverse of non-invertible matrix"));
-  EXPECT_EQ(matrix, Matrix<TypeParam>::Scale(0));  // NOLINT(bugprone-use-after-move): nothing was moved
+  EXPECT_EQ(matrix.GetMatrix().Get(), transform);
+  EXPECT_FALSE(matrix.HasInverse());
+}
+
+TYPED_TEST(MatrixInverse, RebuiltHasTheBitsOfTheConstructorFromValues) {
+  std::mt19937 random(14);
+  for (int i = 0; i < 100; ++i) {
+    auto const values = test::MakeRandomValues<TypeParam>(random);
+    Matrix<TypeParam> matrix(Matrix<TypeParam>(values.data()).GetMatrix(),
+                             Matrix<TypeParam>::Scale(2).GetMatrix());
+    EXPECT_EQ(&matrix.RebuildInverse(), &matrix);
+    EXPECT_TRUE(AreSameBits(ValuesOf(matrix), values)) << "seed 14";
+    EXPECT_TRUE(AreSameBits(InverseValuesOf(matrix), InverseValuesOf(Matrix<TypeParam>(values.data()))))
+        << "seed 14";
+  }
+}
+
+TYPED_TEST(MatrixInverse, RebuiltOverwritesAnInverseThatIsNotShared) {
+  auto matrix = Matrix<TypeParam>::Scale(2);
+  auto const* const inverse = matrix.GetMatrixInverse().Get();
+  matrix.GetMutableInternal()->data()[0] = 4;
+  matrix.RebuildInverse();
+  EXPECT_EQ(matrix.GetMatrixInverse().Get(), inverse);
+  EXPECT_EQ(inverse->data()[0], TypeParam(0.25));
+}
+
+TYPED_TEST(MatrixInverse, RebuiltLeavesWhatOthersShare) {
+  auto matrix = Matrix<TypeParam>::Scale(2);
+  auto const copy = matrix;
+  matrix.GetMutableInternal()->data()[0] = 4;
+  matrix.RebuildInverse();
+  EXPECT_EQ(InverseValuesOf(matrix)[0], TypeParam(0.25));
+  EXPECT_EQ(InverseValuesOf(copy)[0], TypeParam(0.5));
+
+  // One object is both the transform and the inverse.
+  auto const scale = Matrix<TypeParam>::Scale(2);
+  Matrix<TypeParam> both(scale.GetMatrix(), scale.GetMatrix());
+  both.RebuildInverse();
+  EXPECT_EQ(ValuesOf(both), ValuesOf(scale));
+  EXPECT_EQ(InverseValuesOf(both), InverseValuesOf(scale));
+}
+
+TYPED_TEST(MatrixInverse, RebuiltIsGivenToAMatrixWithoutInverse) {
+  auto matrix = Matrix<TypeParam>::Translate(1, 2, 3);
+  matrix = Matrix<TypeParam>(matrix.GetMatrix(), {});
+  matrix.RebuildInverse();
+  EXPECT_EQ(matrix * (matrix.GetInverse() * Point<TypeParam, 3>(4, 5, 6)), (Point<TypeParam, 3>(4, 5, 6)));
+}
+
+TYPED_TEST(MatrixInverse, RebuiltOfAKnownIdentityIsTheIdentity) {
+  Matrix<TypeParam> const identity;
+  Matrix<TypeParam> without(identity.GetMatrix(), {});
+  EXPECT_TRUE(without.RebuildInverse().GetInverse().IsKnownIdentity());
+  Matrix<TypeParam> wrong(identity.GetMatrix(), Matrix<TypeParam>::Scale(2).GetMatrix());
+  EXPECT_TRUE(wrong.RebuildInverse().GetInverse().IsKnownIdentity());
+}
+
+// The distance of a point from where it returns to, through a matrix and its inverse.
+template <class T>
+T GetDrift(Matrix<T> const& i_matrix) {
+  Point<T, 3> const point(1, 2, 3);
+  return GetLength(i_matrix.GetInverse() * (i_matrix * point) - point);
+}
+
+TYPED_TEST(MatrixInverse, RebuiltEndsTheDriftOfALongChain) {
+  using M = Matrix<TypeParam>;
+  auto const step = M::Rotate(GetNormalized(Vector<TypeParam, 3>(1, 2, 3)), TypeParam(0.001)) *
+                    M::Translate(TypeParam(0.01), TypeParam(0.02), TypeParam(0.03));
+  M pose;
+  for (int i = 0; i < 20000; ++i) pose *= step;
+  TypeParam const drift = GetDrift(pose);
+  pose.RebuildInverse();
+  EXPECT_GT(drift, 20 * GetDrift(pose));
 }
 
 TYPED_TEST(MatrixInverse, OfTheKnownIdentityIsKnown) {

@@ -410,7 +410,7 @@ TYPED_TEST(MatrixOf, MayBeAssignedAMatrixThatSharesItsObjects) {
   expect_original();
   matrix = matrix.GetInverse();
   EXPECT_EQ(matrix.GetMatrix().Get(), original.GetMatrixInverse().Get());
-  matrix = std::move(matrix).GetInverse();
+  matrix = matrix.Invert();
   expect_original();
 
   // Only one object is shared.
@@ -430,30 +430,36 @@ TEST(MatrixDeathTest, AssertionsCatchTheUseOfAMovedFromMatrix) {
   Matrix<float> source = Matrix<float>::Scale(2);
   Matrix<float> target = std::move(source);
   // NOLINTBEGIN(bugprone-use-after-move): the test is about it
-  EXPECT_DEATH(source.GetAsPtr(), "Assertion");
-  EXPECT_DEATH(source(0, 0), "Assertion");
-  EXPECT_DEATH(source.IsKnownIdentity(), "Assertion");
-  EXPECT_DEATH(source.GetInverse(), "Assertion");
-  EXPECT_DEATH(source.GetTranspose(), "Assertion");
-  EXPECT_DEATH(source.GetDeterminant(), "Assertion");
-  EXPECT_DEATH(source.GetNormalTransform(), "Assertion");
-  EXPECT_DEATH(source * target, "Assertion");
-  EXPECT_DEATH(target * source, "Assertion");
-  EXPECT_DEATH(Matrix<float>() * source, "Assertion");
-  EXPECT_DEATH(target *= source, "Assertion");
-  EXPECT_DEATH((source * Vector<float, 3>(1, 2, 3)), "Assertion");
-  EXPECT_DEATH((source * Point<float, 3>(1, 2, 3)), "Assertion");
-  EXPECT_DEATH(source * Plane<float>(1, 2, 3, 4), "Assertion");
-  EXPECT_DEATH((void)(source == target), "Assertion");
-  EXPECT_DEATH((void)(target == source), "Assertion");
-  EXPECT_DEATH(source.GetMutableInternal(), "Assertion");
-  EXPECT_DEATH(Matrix<double>{source}, "Assertion");
+  EXPECT_DEATH(source.GetAsPtr(), "a moved-from matrix");
+  EXPECT_DEATH(source(0, 0), "a moved-from matrix");
+  EXPECT_DEATH(source.IsKnownIdentity(), "a moved-from matrix");
+  EXPECT_DEATH(source.GetInverse(), "a moved-from matrix");
+  EXPECT_DEATH(source.GetTranspose(), "a moved-from matrix");
+  EXPECT_DEATH(source.GetDeterminant(), "a moved-from matrix");
+  EXPECT_DEATH(source.GetNormalTransform(), "a moved-from matrix");
+  EXPECT_DEATH(source * target, "a moved-from matrix");
+  EXPECT_DEATH(target * source, "a moved-from matrix");
+  EXPECT_DEATH(Matrix<float>() * source, "a moved-from matrix");
+  EXPECT_DEATH(target *= source, "a moved-from matrix");
+  EXPECT_DEATH((source * Vector<float, 3>(1, 2, 3)), "a moved-from matrix");
+  EXPECT_DEATH((source * Point<float, 3>(1, 2, 3)), "a moved-from matrix");
+  EXPECT_DEATH(source * Plane<float>(1, 2, 3, 4), "a moved-from matrix");
+  std::vector<Point<float, 3>> points(1);
+  std::vector<Vector<float, 3>> vectors(1);
+  EXPECT_DEATH(TransformPoints(source, points, points), "a moved-from matrix");
+  EXPECT_DEATH(TransformVectors(source, vectors, vectors), "a moved-from matrix");
+  EXPECT_DEATH((void)(source == target), "a moved-from matrix");
+  EXPECT_DEATH((void)(target == source), "a moved-from matrix");
+  EXPECT_DEATH(source.Invert(), "a moved-from matrix");
+  EXPECT_DEATH(source.RebuildInverse(), "a moved-from matrix");
+  EXPECT_DEATH(source.GetMutableInternal(), "a moved-from matrix");
+  EXPECT_DEATH(Matrix<double>{source}, "a moved-from matrix");
   // NOLINTEND(bugprone-use-after-move)
 }
 
 TEST(MatrixDeathTest, AnAssertionCatchesWritingAnAbsentInverse) {
   Matrix<float> matrix = Matrix<float>::Scale(0);
-  EXPECT_DEATH(matrix.GetMutableInverseInternal(), "Assertion");
+  EXPECT_DEATH(matrix.GetMutableInverseInternal(), "the inverse of a matrix without one");
 }
 #endif
 

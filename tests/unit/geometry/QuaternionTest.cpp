@@ -123,10 +123,10 @@ TEST(Quaternion, RotatesArraysToTheBitsOfTheSingleRotation) {
       if (count > 1) vectors[1] = V(number(random), 0, -0.0F);
       V const guard(7, 8, 9);
       std::vector<V> images(count + 1, guard);
-      rotation.Transform(vectors, std::span(images).first(count));
+      TransformVectors(rotation, vectors, std::span(images).first(count));
       EXPECT_EQ(images.back(), guard);
       auto const before = vectors;
-      rotation.Transform(vectors, vectors);
+      TransformVectors(rotation, vectors, vectors);
       for (std::size_t i = 0; i < count; ++i) {
         V const expected = rotation.Transform(before[i]);
         for (std::size_t axis = 0; axis < 3; ++axis) {
@@ -147,7 +147,7 @@ TEST(Quaternion, RotatesArraysWithNonTemporalStores) {
   std::vector<V> const vectors(count, V(3, -1, 2));
   for (std::size_t start = 0; start < 4; ++start) {
     std::vector<V> images(count + 4);
-    rotation.Transform(vectors, std::span(images).subspan(start, count));
+    TransformVectors(rotation, vectors, std::span(images).subspan(start, count));
     std::vector<V> expected(count + 4);
     std::fill_n(expected.begin() + static_cast<std::ptrdiff_t>(start), count, rotation.Transform(vectors[0]));
     EXPECT_TRUE(images == expected) << "from " << start;
@@ -159,7 +159,7 @@ TEST(Quaternion, ArraysOfDifferentSizesAreRefusedAndNothingIsWritten) {
   for (std::size_t const size : {0U, 2U, 4U}) {
     std::vector<V> images(size, V(5, 5, 5));
     EXPECT_TRUE(
-        test::Throws<std::invalid_argument>([&] { Quaternionf().Transform(vectors, images); },
+        test::Throws<std::invalid_argument>([&] { TransformVectors(Quaternionf(), vectors, images); },
                                             "arrays to transform from and to must be of the same size"));
     EXPECT_EQ(images, std::vector<V>(size, V(5, 5, 5)));
   }
@@ -581,15 +581,17 @@ TEST(QuaternionDeathTest, AssertionsCatchTheUseOfAMovedFromValue) {
   Quaternionf source(V(0, 0, 1), 1);
   Quaternionf const target = std::move(source);
   // NOLINTBEGIN(bugprone-use-after-move): the test is about it
-  EXPECT_DEATH(source.GetCoefficients(), "Assertion");
-  EXPECT_DEATH(source.IsKnownIdentity(), "Assertion");
-  EXPECT_DEATH(source.GetAsMatrix(), "Assertion");
-  EXPECT_DEATH(source.Transform(V()), "Assertion");
-  EXPECT_DEATH(source.InverseTransform(V()), "Assertion");
-  EXPECT_DEATH(source * target, "Assertion");
-  EXPECT_DEATH(target * source, "Assertion");
-  EXPECT_DEATH(target.Slerp(0, source), "Assertion");
-  EXPECT_DEATH(target.IsApproximately(source, 1), "Assertion");
+  EXPECT_DEATH(source.GetCoefficients(), "a moved-from quaternion");
+  EXPECT_DEATH(source.IsKnownIdentity(), "a moved-from quaternion");
+  EXPECT_DEATH(source.GetAsMatrix(), "a moved-from quaternion");
+  EXPECT_DEATH(source.Transform(V()), "a moved-from quaternion");
+  EXPECT_DEATH(source.InverseTransform(V()), "a moved-from quaternion");
+  std::vector<V> vectors(1);
+  EXPECT_DEATH(TransformVectors(source, vectors, vectors), "a moved-from quaternion");
+  EXPECT_DEATH(source * target, "a moved-from quaternion");
+  EXPECT_DEATH(target * source, "a moved-from quaternion");
+  EXPECT_DEATH(target.Slerp(0, source), "a moved-from quaternion");
+  EXPECT_DEATH(target.IsApproximately(source, 1), "a moved-from quaternion");
   // NOLINTEND(bugprone-use-after-move)
 }
 #endif
