@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <random>
 
 #include "geometry/LinearInterpolation.h"
@@ -24,6 +25,25 @@ TEST(LinearInterpolation, ExtrapolatesVectorsAndPoints) {
   using P = Point<float, 3>;
   EXPECT_EQ(LinearInterpolation(V(0, 1, 2), V(1, 3, 5), 2), V(2, 5, 8));
   EXPECT_EQ(LinearInterpolation(P(0, 1, 2), P(1, 3, 5), -1), P(-1, -1, -1));
+}
+
+TEST(LinearInterpolation, BetweenTwoEndsAtMinusZeroIsMinusZero) {
+  for (double const t : {0.0, 0.25, 1.0}) {
+    auto const f = static_cast<float>(t);
+    EXPECT_TRUE(std::signbit(LinearInterpolation(-0.0, -0.0, t))) << t;
+    for (double const x :
+         LinearInterpolation(Vector<double, 2>(-0.0, -0.0), Vector<double, 2>(-0.0, -0.0), t)) {
+      EXPECT_TRUE(std::signbit(x)) << t;
+    }
+    for (double const x :
+         LinearInterpolation(Point<double, 2>(-0.0, -0.0), Point<double, 2>(-0.0, -0.0), t)) {
+      EXPECT_TRUE(std::signbit(x)) << t;
+    }
+    for (float const x :
+         LinearInterpolation(Point<float, 3>(-0.0F, -0.0F, -0.0F), Point<float, 3>(-0.0F, -0.0F, -0.0F), f)) {
+      EXPECT_TRUE(std::signbit(x)) << t;
+    }
+  }
 }
 
 TEST(LinearInterpolation, SumsTheWeightedEnds) {
