@@ -10,8 +10,9 @@
 
 namespace lum {
 
-/// A value that a factory creates on the first request. Every later request returns the same value. The
-/// destructor destroys the factory, then the value if there is one.
+/// A value that a factory creates on the first request. Every later request returns the same value. What the
+/// factory returns is made in place, so the value need not be assignable or movable. The destructor destroys
+/// the factory, then the value if there is one.
 ///
 /// Thread safety: any number of threads may request the value. One of them runs the factory while the others
 /// wait; later calls cost one acquire load. A factory that requests the value of its own Lazy deadlocks.
@@ -73,7 +74,8 @@ template <class T>
 T const& Lazy<T>::CreateValue() const {
   std::lock_guard<std::mutex> const lock(m_mutex);
   if (!m_is_created.load(std::memory_order_relaxed)) {
-    m_value = mp_function != nullptr ? mp_function() : (*m_function)();
+    m_value.EmplaceResultOf(
+        [this]() -> T { return mp_function != nullptr ? mp_function() : (*m_function)(); });
     m_is_created.store(true, std::memory_order_release);
   }
   return *m_value;

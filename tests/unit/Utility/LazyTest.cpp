@@ -55,6 +55,48 @@ TEST(Lazy, TriesAgainAfterAFactoryThatThrew) {
   EXPECT_EQ(runs, 2);
 }
 
+// Neither assignable nor movable, and constructible from anything else.
+class Fixed {
+ public:
+  explicit Fixed(int i_number) : m_number(i_number) {}
+  template <class U>
+  explicit Fixed(U const&) : m_number(-1) {}
+  Fixed(Fixed const&) = delete;
+  Fixed& operator=(Fixed const&) = delete;
+  ~Fixed() = default;
+
+  int GetNumber() const { return m_number; }
+  Fixed const* GetPlaceOfMaking() const { return mp_made_at; }
+
+ private:
+  int m_number;
+  Fixed const* mp_made_at = this;
+};
+
+Fixed MakeFixed() { return Fixed(7); }
+
+TEST(Lazy, MakesItsValueInPlace) {
+  Lazy<Fixed> const from_function(MakeFixed);
+  EXPECT_EQ(from_function.GetValue().GetNumber(), 7);
+  EXPECT_EQ(from_function.GetValue().GetPlaceOfMaking(), &from_function.GetValue());
+  int runs = 0;
+  Lazy<Fixed> const from_lambda([&runs] {
+    if (++runs == 1) throw std::runtime_error("not yet");
+    return Fixed(8);
+  });
+  EXPECT_THROW(from_lambda.GetValue(), std::runtime_error);
+  EXPECT_EQ(from_lambda.GetValue().GetNumber(), 8);
+  EXPECT_EQ(from_lambda.GetValueIfCreated(), &from_lambda.GetValue());
+}
+
+TEST(Lazy, HoldsAValueThatCannotBeAssigned) {
+  struct Constant {
+    int const number;
+  };
+  Lazy<Constant> const lazy([] { return Constant{3}; });
+  EXPECT_EQ(lazy.GetValue().number, 3);
+}
+
 int runs_of_plain_function = 0;
 int ThrowFirst() {
   if (++runs_of_plain_function == 1) throw std::runtime_error("not yet");

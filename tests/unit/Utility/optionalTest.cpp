@@ -1,9 +1,15 @@
 #include <gtest/gtest.h>
 
+#include <array>
+#include <compare>
+#include <concepts>
+#include <limits>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <type_traits>
 #include <utility>
 
@@ -26,6 +32,93 @@ static_assert(sizeof(nullopt_t) == 1);
 static_assert(!std::is_default_constructible_v<nullopt_t>);
 static_assert(std::is_nothrow_move_constructible_v<optional<std::string>>);
 static_assert(std::is_nothrow_move_assignable_v<optional<std::string>>);
+
+// The traits say what compiles: each is that of the value.
+using Unique = std::unique_ptr<int>;
+static_assert(!std::is_copy_constructible_v<optional<Unique>>);
+static_assert(!std::is_copy_assignable_v<optional<Unique>>);
+static_assert(std::is_move_constructible_v<optional<Unique>>);
+static_assert(std::is_move_assignable_v<optional<Unique>>);
+static_assert(std::is_swappable_v<optional<Unique>>);
+static_assert(!std::is_copy_constructible_v<optional<std::mutex>>);
+static_assert(!std::is_move_constructible_v<optional<std::mutex>>);
+static_assert(!std::is_copy_assignable_v<optional<std::mutex>>);
+static_assert(!std::is_move_assignable_v<optional<std::mutex>>);
+static_assert(!std::is_swappable_v<optional<std::mutex>>);
+struct NotAssignable {
+  int const number;
+};
+static_assert(std::is_copy_constructible_v<optional<NotAssignable>>);
+static_assert(!std::is_copy_assignable_v<optional<NotAssignable>>);
+static_assert(!std::is_move_assignable_v<optional<NotAssignable>>);
+struct OnlyCopied {
+  OnlyCopied(OnlyCopied const&) = default;
+  OnlyCopied& operator=(OnlyCopied const&) = default;
+};
+static_assert(std::is_move_constructible_v<optional<OnlyCopied>>, "by copying");
+
+// What converts to what, implicitly and explicitly, as for the standard optional.
+template <template <class> class Optional>
+constexpr std::array conversions = {
+    std::is_convertible_v<Optional<int>, Optional<long>>,
+    std::is_convertible_v<Optional<int> const&, Optional<double>>,
+    std::is_convertible_v<Optional<char const*>, Optional<std::string>>,
+    std::is_convertible_v<Optional<std::string_view>, Optional<std::string>>,
+    std::is_constructible_v<Optional<std::string>, Optional<std::string_view>>,
+    std::is_constructible_v<Optional<int>, Optional<std::string>>,
+    std::is_convertible_v<Optional<int*>, Optional<Unique>>,
+    std::is_constructible_v<Optional<Unique>, Optional<int*>>,
+    std::is_constructible_v<Optional<Unique>, Optional<Unique> const&>,
+    std::is_assignable_v<Optional<Unique>&, Optional<int*>>,
+    std::is_assignable_v<Optional<Unique>&, Optional<Unique>>,
+    std::is_assignable_v<Optional<Unique>&, Optional<Unique> const&>,
+    std::is_assignable_v<Optional<std::shared_ptr<int>>&, Optional<Unique>>,
+    std::is_assignable_v<Optional<std::shared_ptr<int>>&, Optional<Unique> const&>,
+    std::is_assignable_v<Optional<long>&, Optional<int>>,
+    std::is_assignable_v<Optional<int>&, Optional<std::string>>,
+    std::is_convertible_v<Optional<int>, Optional<Optional<int>>>,
+    std::is_convertible_v<Optional<int>, Optional<Optional<long>>>,
+    std::is_constructible_v<Optional<std::mutex>, Optional<int>>,
+};
+static_assert(conversions<optional> == conversions<std::optional>);
+
+// What compares with what.
+template <class A, class B>
+concept Equal = requires(A const& i_a, B const& i_b) {
+  i_a == i_b, i_a != i_b, i_b == i_a, i_b != i_a;
+};
+template <class A, class B>
+concept Less = requires(A const& i_a, B const& i_b) {
+  i_a<i_b, i_a >= i_b, i_b> i_a, i_b <= i_a;
+};
+struct Incomparable {};
+struct OnlyEqual {
+  bool operator==(OnlyEqual const&) const = default;
+};
+template <template <class> class Optional>
+constexpr std::array comparisons = {
+    Equal<Optional<int>, Optional<double>>,
+    Less<Optional<int>, Optional<double>>,
+    Equal<Optional<int>, double>,
+    Less<Optional<int>, double>,
+    Equal<Optional<std::string>, char const*>,
+    Less<Optional<std::string>, char const*>,
+    Equal<Optional<Incomparable>, Incomparable>,
+    Equal<Optional<Incomparable>, Optional<Incomparable>>,
+    Equal<Optional<OnlyEqual>, OnlyEqual>,
+    Less<Optional<OnlyEqual>, OnlyEqual>,
+    Less<Optional<OnlyEqual>, Optional<OnlyEqual>>,
+    Equal<Optional<int>, std::string>,
+    Less<Optional<int>, std::string>,
+    Equal<Optional<Optional<int>>, Optional<int>>,
+    std::three_way_comparable_with<Optional<int>, Optional<long>>,
+    std::three_way_comparable_with<Optional<OnlyEqual>, Optional<OnlyEqual>>,
+};
+static_assert(comparisons<optional> == comparisons<std::optional>);
+static_assert(Equal<optional<Incomparable>, nullopt_t> && Less<optional<Incomparable>, nullopt_t>);
+static_assert(std::same_as<decltype(optional<double>(1.0) <=> optional<double>(2.0)), std::partial_ordering>);
+static_assert(std::same_as<decltype(optional<int>(1) <=> 2), std::strong_ordering>);
+static_assert(std::same_as<decltype(optional<double>(1.0) <=> nullopt), std::strong_ordering>);
 
 constexpr int MakeThroughEveryOperation() {
   optional<int> value;
@@ -104,6 +197,141 @@ TEST(Optional, ConvertsFromWhatItsValueConvertsFrom) {
   optional<double> number(3);
   number = 4;
   EXPECT_EQ(number.value(), 4.0);
+}
+
+TEST(Optional, ConvertsFromAnotherOptionalByItsValue) {
+  optional<int> const zero = 0;
+  optional<int> const empty;
+  optional<bool> flag = zero;
+  ASSERT_TRUE(flag.has_value());
+  EXPECT_FALSE(*flag) << "the value converts, not whether there is one";
+  flag = empty;
+  EXPECT_FALSE(flag.has_value());
+  flag = optional<int>(2);
+  EXPECT_TRUE(flag == true);
+  EXPECT_FALSE(optional<bool>(empty).has_value());
+  EXPECT_FALSE(optional<bool const>(empty).has_value());
+
+  optional<double> number = zero;
+  EXPECT_TRUE(number == 0.0);
+  number = optional<float>(1.5F);
+  EXPECT_TRUE(number == 1.5);
+  double const* const address = &*number;
+  number = optional<int>(4);
+  EXPECT_EQ(&*number, address) << "assigned to the value that there was";
+  EXPECT_TRUE(number == 4.0);
+  number = empty;
+  EXPECT_FALSE(number);
+  number = empty;
+  EXPECT_FALSE(number);
+  EXPECT_FALSE(optional<double>(empty));
+  EXPECT_FALSE(optional<double>(optional<int>()));
+  number = 1.0;
+  number = optional<int>();
+  EXPECT_FALSE(number);
+}
+
+TEST(Optional, MovesTheValueOfAnotherOptional) {
+  auto counted = std::make_unique<int>(3);
+  int const* const address = counted.get();
+  optional<std::unique_ptr<int>> unique(std::move(counted));
+  optional<std::shared_ptr<int>> shared = std::move(unique);
+  ASSERT_TRUE(shared);
+  EXPECT_EQ(shared->get(), address);
+  EXPECT_TRUE(unique.has_value()) << "a moved-from value stays";
+  EXPECT_EQ(*unique, nullptr);
+  unique = std::make_unique<int>(4);
+  shared = std::move(unique);
+  EXPECT_EQ(**shared, 4);
+  EXPECT_EQ(*unique, nullptr);
+  std::string const text = "a text too long to be stored in place";
+  optional<std::string> const kept = text;
+  optional<std::string_view> const view = text;
+  optional<std::string> copy(view);
+  EXPECT_EQ(copy.value(), text);
+  copy = kept;
+  EXPECT_EQ(kept.value(), text);
+}
+
+struct Anything {
+  Anything() = default;
+  template <class U>
+  requires(!std::same_as<std::remove_cvref_t<U>, Anything>) Anything(U const&) : is_converted(true) {}
+  bool is_converted = false;
+};
+
+TEST(Optional, HoldsAValueThatConvertsFromAnything) {
+  optional<Anything> const value = optional<int>();
+  ASSERT_TRUE(value.has_value()) << "made from the optional, as the standard one";
+  EXPECT_TRUE(value->is_converted);
+  optional<Anything> const copy = value;
+  EXPECT_TRUE(copy.has_value());
+}
+
+TEST(Optional, NestsInAnother) {
+  optional<int> const empty;
+  optional<optional<int>> const outer = empty;
+  ASSERT_TRUE(outer.has_value());
+  EXPECT_FALSE(outer->has_value());
+  EXPECT_FALSE(outer == nullopt);
+  EXPECT_FALSE(outer == empty) << "compared as two optionals: one has a value";
+  EXPECT_EQ(std::optional<std::optional<int>>(std::in_place) == std::optional<int>(), outer == empty);
+}
+
+// Every comparison of two values, with the standard optional as the model.
+template <class A, class B>
+std::array<bool, 12> CompareAll(A const& i_a, B const& i_b) {
+  return {i_a == i_b, i_a != i_b, i_a<i_b, i_a <= i_b, i_a> i_b, i_a >= i_b,
+          i_b == i_a, i_b != i_a, i_b<i_a, i_b <= i_a, i_b> i_a, i_b >= i_a};
+}
+
+TEST(Optional, ComparesLikeTheStandardOne) {
+  double const nan = std::numeric_limits<double>::quiet_NaN();
+  for (double const a : {1.0, 2.0, nan}) {
+    for (float const b : {1.0F, 2.0F, static_cast<float>(nan)}) {
+      using O = optional<double>;
+      using P = optional<float>;
+      using S = std::optional<double>;
+      using T = std::optional<float>;
+      EXPECT_EQ(CompareAll(O(a), P(b)), CompareAll(S(a), T(b))) << a << ' ' << b;
+      EXPECT_EQ(CompareAll(O(a), P()), CompareAll(S(a), T())) << a;
+      EXPECT_EQ(CompareAll(O(), P(b)), CompareAll(S(), T(b))) << b;
+      EXPECT_EQ(CompareAll(O(a), b), CompareAll(S(a), b)) << a << ' ' << b;
+      EXPECT_EQ(CompareAll(O(), b), CompareAll(S(), b)) << b;
+      EXPECT_EQ(O(a) <=> P(b), S(a) <=> T(b)) << a << ' ' << b;
+      EXPECT_EQ(O(a) <=> b, S(a) <=> b) << a << ' ' << b;
+      EXPECT_EQ(O() <=> b, S() <=> b) << b;
+      EXPECT_EQ(b <=> O(a), b <=> S(a)) << a << ' ' << b;
+    }
+    EXPECT_EQ(CompareAll(optional<double>(a), nullopt), CompareAll(std::optional<double>(a), std::nullopt));
+  }
+  EXPECT_EQ(CompareAll(optional<double>(), optional<int>()),
+            CompareAll(std::optional<double>(), std::optional<int>()));
+  EXPECT_EQ(CompareAll(optional<double>(), nullopt), CompareAll(std::optional<double>(), std::nullopt));
+  EXPECT_TRUE((optional<int>() <=> optional<int>()) == 0);
+  EXPECT_TRUE((optional<int>(1) <=> optional<int>()) > 0);
+  EXPECT_TRUE((optional<int>() <=> optional<int>(1)) < 0);
+}
+
+// Unordered numbers in the way of older libraries, without <=>: each comparison must be the value's own.
+struct Half {
+  double number;
+  friend bool operator==(Half i_a, Half i_b) { return i_a.number == i_b.number; }
+  friend bool operator!=(Half i_a, Half i_b) { return i_a.number != i_b.number; }
+  friend bool operator<(Half i_a, Half i_b) { return i_a.number < i_b.number; }
+  friend bool operator<=(Half i_a, Half i_b) { return i_a.number <= i_b.number; }
+  friend bool operator>(Half i_a, Half i_b) { return i_a.number > i_b.number; }
+  friend bool operator>=(Half i_a, Half i_b) { return i_a.number >= i_b.number; }
+};
+
+TEST(Optional, ComparesValuesByTheirOwnOperators) {
+  double const nan = std::numeric_limits<double>::quiet_NaN();
+  for (double const a : {1.0, 2.0, nan}) {
+    for (double const b : {1.0, 2.0, nan}) {
+      EXPECT_EQ(CompareAll(optional<Half>(Half{a}), optional<Half>(Half{b})), CompareAll(a, b));
+      EXPECT_EQ(CompareAll(optional<Half>(Half{a}), Half{b}), CompareAll(a, b));
+    }
+  }
 }
 
 TEST(Optional, BuildsItsValueInPlace) {
