@@ -9,6 +9,8 @@
 #include <type_traits>
 #include <utility>
 
+#include "geometry/internal/RequireCpp20.h"
+
 namespace lum {
 
 /// Tag type of `nullopt`. It has no default constructor, so that `optional<T> o = {}` is not ambiguous.

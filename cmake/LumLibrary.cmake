@@ -60,6 +60,7 @@ function(lum_add_library target)
            "${PROJECT_SOURCE_DIR}/geometry/internal/Export.h"
            "${PROJECT_SOURCE_DIR}/geometry/internal/IndexIterator.h"
            "${PROJECT_SOURCE_DIR}/geometry/internal/ObjectPoolPolicy.h"
+           "${PROJECT_SOURCE_DIR}/geometry/internal/RequireCpp20.h"
            "${PROJECT_SOURCE_DIR}/geometry/internal/SingleThread.h")
   target_compile_features(${target} PUBLIC cxx_std_20)
   target_link_libraries(${target} PUBLIC Eigen3::Eigen Threads::Threads)

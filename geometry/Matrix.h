@@ -73,6 +73,8 @@ inline constexpr char const* no_inverse_message = "attempt to get inverse of non
 /// \tparam T  `float` or `double`, which is also the precision of all arithmetic
 template <class T>
 class LUM_EXPORT LUM_STANDALONE_DEBUG Matrix {
+  static_assert(std::same_as<T, float> || std::same_as<T, double>, "Matrix<T>: T is float or double");
+
  public:
   using Object = typename MatrixPoolTypes<T>::Object;              ///< Holds the 16 values.
   using ObjectHandle = typename MatrixPoolTypes<T>::ObjectHandle;  ///< A shared owner of an `Object`.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "geometry/internal/RequireCpp20.h"
+
 namespace lum {
 
 /// Returns an object to its block. Callable if both pointers are set.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <concepts>
+
 #include "geometry/Point.h"
 #include "geometry/Vector.h"
 #include "geometry/internal/Export.h"
@@ -14,6 +16,8 @@ namespace lum {
 /// \tparam T  `float` or `double`
 template <class T>
 class LUM_STANDALONE_DEBUG Plane {
+  static_assert(std::same_as<T, float> || std::same_as<T, double>, "Plane<T>: T is float or double");
+
  public:
   /// Divides all four values by the length of (i_a, i_b, i_c).
   ///

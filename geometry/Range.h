@@ -1,5 +1,7 @@
 #pragma once
 
+#include "geometry/internal/RequireCpp20.h"
+
 namespace lum {
 
 /// The closed interval from a lower to an upper end. It is empty if the lower end is greater, and has one

@@ -21,8 +21,9 @@ namespace lum {
 /// \tparam N  2 or 3
 template <class T, std::size_t N>
 class Vector {
-  static_assert(std::same_as<T, float> || std::same_as<T, double>);
-  static_assert(N == 2 || N == 3);
+  static_assert(std::same_as<T, float> || std::same_as<T, double>,
+                "Vector<T, N> and Point<T, N>: T is float or double");
+  static_assert(N == 2 || N == 3, "Vector<T, N> and Point<T, N>: N is 2 or 3");
 
  public:
   using value_type = T;  ///< The type of a component.

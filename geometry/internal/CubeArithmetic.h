@@ -2,6 +2,8 @@
 
 #include <bit>
 
+#include "geometry/internal/RequireCpp20.h"
+
 namespace lum::internal {
 
 /// The bit arithmetic of the cube's topology.

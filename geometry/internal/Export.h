@@ -1,5 +1,7 @@
 #pragma once
 
+#include "geometry/internal/RequireCpp20.h"
+
 /// Marks what the shared library exports; everything else is hidden. A macro, because an attribute cannot be
 /// named in another way. The attribute also keeps the symbol visible in callers that are compiled with hidden
 /// visibility.

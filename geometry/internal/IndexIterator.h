@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <iterator>
 
+#include "geometry/internal/RequireCpp20.h"
+
 namespace lum::internal {
 
 /// The base of all iterators over computed elements: an index, and the arithmetic of a random access iterator

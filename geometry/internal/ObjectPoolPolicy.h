@@ -3,6 +3,8 @@
 #include <atomic>
 #include <mutex>
 
+#include "geometry/internal/RequireCpp20.h"
+
 namespace lum::internal {
 
 /// The types by which pools and blocks synchronise: the standard ones. Tests substitute types that yield to a

@@ -7,6 +7,8 @@
 #include <concepts>
 #include <mutex>
 
+#include "geometry/internal/RequireCpp20.h"
+
 namespace lum::internal {
 
 /// Whether relaxed loads and stores may replace the read-modify-writes of an atomic of this type, and a lock

@@ -51,8 +51,9 @@ TESTS = {
     "geometry/Vector.h": ["VectorTest"],
 }
 # Headers with only declarations or checks of compiler flags: no test can run them.
-NOTHING_TO_RUN = {"geometry/internal/EigenAlgorithms.h", "geometry/Quaternion.h", "geometry/internal/StrictArithmetic.h",
-                  "geometry/TransformArrays.h", "geometry/TrilinearInterpolation.h"}
+NOTHING_TO_RUN = {"geometry/internal/EigenAlgorithms.h", "geometry/Quaternion.h", "geometry/internal/RequireCpp20.h",
+                  "geometry/internal/StrictArithmetic.h", "geometry/TransformArrays.h",
+                  "geometry/TrilinearInterpolation.h"}
 # The part of a long test that suffices to find mutants: blocks of two slots.
 FILTERS = {"ObjectPoolExplorationTest": "ObjectPoolExploration/0.*:*AtTheWrap*"}
 # Tests of these files run under the thread sanitizer: on x86, nothing else detects a weaker memory order.

@@ -15,8 +15,10 @@ NO_ERRORS = re.compile(r".* with value: |nullopt|[][(),; ]+|default|hidden")
 
 
 def find_texts(source):
-    """The string literals of C++ code, adjacent ones joined. Among preprocessor lines, only #error has a literal."""
+    """The string literals of C++ code, adjacent ones joined. Among preprocessor lines, #error has a literal, and an
+    #include of a name with blanks, which is no file, is a text as well."""
     source = re.sub(r"//[^\n]*", "", source)
+    source = re.sub(r"^\s*#\s*include <([^>]* [^>]*)>", r'"\1"', source, flags=re.MULTILINE)
     source = re.sub(r"^\s*#\s*include[^\n]*", "", source, flags=re.MULTILINE)
     joined = re.sub(r'"\s*\n\s*"', "", source)
     return {text for text in re.findall(LITERAL, joined) if text and not NO_ERRORS.fullmatch(text)}
