@@ -151,7 +151,8 @@ template <class T, class Operation, class Store>
   TransformRemainder(ip_values, op_values, i_count, i_transform);
 }
 
-/// Transforms an array with streaming stores. Not inlined, because inlining slows down small arrays.
+/// Transforms an array with streaming stores. The size of a number must divide the address of the results.
+/// Not inlined, because inlining slows down small arrays.
 template <class T, class Operation>
 [[gnu::noinline]] void StreamTriples(T const* ip_values, T* op_values, std::size_t i_count,
                                      Operation i_transform) noexcept {
@@ -174,8 +175,10 @@ constexpr std::size_t kStreamedBytes = std::size_t{32} << 20U;
 template <class T, class Operation>
 void TransformTriples(T const* ip_values, T* op_values, std::size_t i_count,
                       Operation const& i_transform) noexcept {
-  // In place, the cache lines of the results have been read already, so streaming saves nothing.
-  if (3 * i_count * sizeof(T) >= kStreamedBytes && ip_values != op_values) {
+  // In place, the cache lines of the results have been read already, so streaming saves nothing. Where the
+  // size of a number does not divide the address, no number starts at a multiple of 16.
+  bool const can_stream = reinterpret_cast<std::uintptr_t>(op_values) % sizeof(T) == 0;
+  if (3 * i_count * sizeof(T) >= kStreamedBytes && ip_values != op_values && can_stream) {
     StreamTriples(ip_values, op_values, i_count, i_transform);
   } else {
     ForEachGroup(ip_values, op_values, i_count, i_transform, StoreLanes());

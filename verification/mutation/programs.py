@@ -30,7 +30,7 @@ TESTS = {
     "geometry/Handle.h": ["HandleTest", "ObjectPoolTest", "ObjectPoolInterleavingTest", "ObjectPoolExplorationTest"],
     "geometry/internal/IndexIterator.h": ["CubeVertexIteratorTest", "CubeEdgeIteratorTest"],
     "geometry/internal/RequireSameSize.h": ["TransformArraysTest", "QuaternionTest"],
-    "geometry/internal/Lanes.h": ["TransformArraysTest", "QuaternionTest"],
+    "geometry/internal/Lanes.h": ["TransformArraysTest", "QuaternionTest", "MisalignedArraysTest"],
     "geometry/LinearInterpolation.h": ["LinearInterpolationTest"],
     "geometry/Matrix.cpp": MATRIX,
     "geometry/Matrix.h": ["MatrixInverseTest", "MatrixTest", "TransformArraysTest"],
