@@ -15,20 +15,52 @@ namespace lum::RootFinding {
 /// Recipes, 9.2), so the iteration converges slowly, from one side, if the function is strongly convex.
 ///
 /// The iteration ends when |f(x)| <= tolerance. The width of the interval is not tested, and the number of
-/// iterations is not limited. The iteration may never end if rounding keeps the function from reaching the
-/// tolerance, or if the function is infinite at an end.
+/// iterations is not limited. The iteration may never end
+/// - if rounding keeps the function from reaching the tolerance,
+/// - at a pole or a jump across zero,
+/// - if the function is infinite at an end,
+/// - if an estimate or a value at an end is NaN, and the function gives numbers for a NaN. An estimate is NaN
+///   if the ends are equal, or if the values at both ends are infinite.
+/// `RegulaFalsiWithLimit` always ends.
 ///
 /// Safe from any thread if the function is.
 ///
 /// \param i_function   a pure function: it is called twice at each end before the first iteration
 /// \param i_range      the interval; its ends may be equal
 /// \param i_tolerance  above 0, for the absolute value of the function; a NaN ends the first iteration
-/// \returns the last x, or a quiet NaN if neither product is <= 0, which happens only when a value is NaN.
-///          Equal ends at a zero also give NaN, since t is 0 / 0.
+/// \returns the last x, or a quiet NaN if neither product is <= 0: the value is NaN, a zero meets an
+/// infinity,
+///          or values of the same sign at the ends were accepted because their product is too small
 /// \throws std::invalid_argument  if the tolerance is 0 or less, if the range is empty, or if the values
 ///          at the ends have the same sign, tested in this order. An empty function throws
 ///          `std::bad_function_call` after the first two tests. Exceptions of the function are passed on.
 LUM_EXPORT double RegulaFalsi(std::function<double(double)> const& i_function, Range<double> const& i_range,
                               double i_tolerance);
+
+/// The result of `RegulaFalsiWithLimit`.
+struct RegulaFalsiResult {
+  double root;  ///< The last estimate if converged, else the end of the bracket with the lesser |f|.
+  Range<double>
+      bracket;      ///< The last bracket. The signs of the function differ at its ends, or one is a zero.
+  int evaluations;  ///< How many times the function was called.
+  bool converged;   ///< Whether |f(root)| <= tolerance.
+};
+
+/// The same search, with a limit. It evaluates each end once, and then the same estimates.
+///
+/// It gives up when the limit is reached, before an estimate that is NaN, and after a value at which
+/// `RegulaFalsi` returns NaN. The result then has the last bracket, which no such value has entered. The
+/// search may give up with the range itself, for example if a value at an end is NaN.
+///
+/// Safe from any thread if the function is.
+///
+/// \param i_function         a pure function
+/// \param i_range            the interval; its ends may be equal
+/// \param i_tolerance        above 0, for the absolute value of the function; a NaN is never reached
+/// \param i_max_evaluations  2 or more: the limit on the calls of the function, including those at the ends
+/// \throws std::invalid_argument  as `RegulaFalsi`, and for a limit below 2 before the function is called
+LUM_EXPORT RegulaFalsiResult RegulaFalsiWithLimit(std::function<double(double)> const& i_function,
+                                                  Range<double> const& i_range, double i_tolerance,
+                                                  int i_max_evaluations);
 
 }  // namespace lum::RootFinding

@@ -181,10 +181,15 @@ void AddRoots() {
       return x_squared - square;
     };
     double root = 0;
+    std::array<double, 3> limited{};
     if (std::isfinite(square) && square < 1e100) {
       root = lum::RootFinding::RegulaFalsi(parabola, {lower, 2 * square}, tolerance);
+      auto const result =
+          lum::RootFinding::RegulaFalsiWithLimit(parabola, {lower, 2 * square}, tolerance, 2 + round % 9);
+      limited = {result.root, result.bracket.GetLower(), result.bracket.GetUpper()};
     }
     Add("RegulaFalsi", &root, 1);
+    Add("RegulaFalsiWithLimit", limited.data(), 3);
   }
 }
 

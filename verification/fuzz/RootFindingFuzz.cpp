@@ -1,10 +1,12 @@
 // RegulaFalsi with arbitrary cubics, jumps, ranges and tolerances, against the conditions that define its
-// estimates.
+// estimates. RegulaFalsiWithLimit with the same, against RegulaFalsi.
 
+#include <algorithm>
 #include <cmath>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "Bytes.h"
 #include "geometry/RootFinding.h"
@@ -74,6 +76,45 @@ Outcome ExpectOutcome(Curve const& i_curve, double i_lower, double i_upper, doub
   return AreOnOneSide(i_curve(i_lower), i_curve(i_upper)) ? Outcome::kNoCrossing : Outcome::kRoot;
 }
 
+// The search with a limit evaluates each end once, then the estimates of the search without one, as far as
+// these are numbers and the limit allows. It finds the same root or gives up with the bracket of its last
+// estimates.
+void RequireTheSameWithLimit(Curve const& i_curve, Run const& i_run, double i_lower, double i_upper,
+                             double i_tolerance, std::size_t i_limit) {
+  using lum::test::regula_falsi::AreSame;
+  std::vector<double> evaluated;
+  auto const recorded = [&](double i_x) {
+    evaluated.push_back(i_x);
+    return i_curve(i_x);
+  };
+  auto const result = lum::RootFinding::RegulaFalsiWithLimit(recorded, {i_lower, i_upper}, i_tolerance,
+                                                             static_cast<int>(i_limit));
+  lum::test::Require(result.evaluations == static_cast<int>(evaluated.size()), "the number of evaluations");
+  lum::test::Require(evaluated.size() >= 2 && evaluated.size() <= i_limit, "the limit");
+  // The first two calls without limit are those that are repeated.
+  auto const& all = i_run.record.evaluations;
+  for (std::size_t i = 0; i < evaluated.size(); ++i) {
+    lum::test::Require(i + 2 >= all.size() || AreSame(evaluated[i], all[i + 2].x), "the estimates");
+  }
+  bool const ends = !i_run.record.is_cut_off && all.size() - 2 <= i_limit;
+  if (ends && !std::isnan(i_tolerance)) {
+    bool const finds = !std::isnan(i_run.record.result);
+    lum::test::Require(result.converged == finds, "whether the search converges");
+    lum::test::Require(!finds || AreSame(result.root, i_run.record.result), "the root");
+  } else {
+    lum::test::Require(!result.converged, "convergence within the limit");
+  }
+  double const lower = result.bracket.GetLower();
+  double const upper = result.bracket.GetUpper();
+  auto const is_evaluated = [&](double i_end) {
+    return std::any_of(evaluated.begin(), evaluated.end(), [&](double i_x) { return AreSame(i_x, i_end); });
+  };
+  lum::test::Require(is_evaluated(lower) && is_evaluated(upper), "ends that were evaluated");
+  bool const is_moved = !AreSame(lower, i_lower) || !AreSame(upper, i_upper);
+  lum::test::Require(!is_moved || !AreOnOneSide(i_curve(lower), i_curve(upper)), "the bracket");
+  lum::test::Require(AreSame(result.root, lower) || AreSame(result.root, upper), "a root at an end");
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* ip_data, std::size_t i_size) {
@@ -91,6 +132,8 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* ip_data, std::size_t i
   if (run.outcome == Outcome::kRoot) {
     std::string const violation = lum::test::regula_falsi::FindViolation(run.record, lower, upper, tolerance);
     lum::test::Require(violation.empty(), violation.c_str());
+    std::size_t const limit = 2 + bytes.TakeIndex(64);
+    RequireTheSameWithLimit(curve, run, lower, upper, tolerance, limit);
   } else {
     std::size_t const calls = run.outcome == Outcome::kNoCrossing ? 2 : 0;
     lum::test::Require(run.record.evaluations.size() == calls, "the number of calls before a refusal");

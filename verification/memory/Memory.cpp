@@ -95,6 +95,15 @@ void LookAtNumerics() {
   std::array<double, 8> const corners = {1, 2, 3, 4, 5, 6, 7, 8};
   Look(lum::TrilinearInterpolation(corners, {0.25, 0.5, 0.75}));
   Look(lum::RootFinding::RegulaFalsi([](double i_x) { return i_x * i_x - 2; }, {0, 2}, 1e-9));
+  for (int const limit : {3, 1000}) {
+    auto const parabola = [](double i_x) { return i_x * i_x - 2; };
+    auto const found = lum::RootFinding::RegulaFalsiWithLimit(parabola, {0, 2}, 1e-9, limit);
+    Look(found.root);
+    Look(found.bracket.GetLower());
+    Look(found.bracket.GetUpper());
+    Look(found.evaluations);
+    if (found.converged) ++looked_at;
+  }
   Eigen::Matrix3d matrix;
   matrix << 1, 2, 3, 4, 5, 6, 7, 8, 10;
   for (double const corner : {10.0, 9.0, 1.0 / 0.0}) {

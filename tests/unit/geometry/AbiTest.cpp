@@ -18,6 +18,7 @@
 #include "geometry/PseudoInverse.h"
 #include "geometry/Quaternion.h"
 #include "geometry/Range.h"
+#include "geometry/RootFinding.h"
 #include "geometry/Vector.h"
 #include "tests/support/ObjectPoolTestAccess.h"
 
@@ -55,6 +56,12 @@ static_assert(kOccupies<Quaternionf, 32, 8>);
 static_assert(kOccupies<PseudoInverseResult, 80, 8>);
 static_assert(offsetof(PseudoInverseResult, pseudoInverse) == 0);
 static_assert(offsetof(PseudoInverseResult, rank) == 72);
+
+static_assert(kOccupies<RootFinding::RegulaFalsiResult, 32, 8>);
+static_assert(offsetof(RootFinding::RegulaFalsiResult, root) == 0);
+static_assert(offsetof(RootFinding::RegulaFalsiResult, bracket) == 8);
+static_assert(offsetof(RootFinding::RegulaFalsiResult, evaluations) == 24);
+static_assert(offsetof(RootFinding::RegulaFalsiResult, converged) == 28);
 
 static_assert(kOccupies<FloatTypes::ObjectHandle, 32, 8>);
 static_assert(kOccupies<DoubleTypes::ObjectHandle, 32, 8>);

@@ -316,5 +316,171 @@ TEST(RootFinding, AnInfiniteRangeGivesNaN) {
       std::isnan(RegulaFalsi([](double i_x) { return std::atan(i_x); }, {-infinity, infinity}, 1e-9)));
 }
 
+// Ends a search that would not end. Returns the calls until then.
+struct TooLong {};
+std::vector<double> SearchForLong(Function const& i_function, Range<double> const& i_range) {
+  std::vector<double> evaluated;
+  auto const recorded = [&](double i_x) {
+    if (evaluated.size() == 10000) throw TooLong();
+    evaluated.push_back(i_x);
+    return i_function(i_x);
+  };
+  EXPECT_THROW(RegulaFalsi(recorded, i_range, 1e-9), TooLong);
+  return evaluated;
+}
+
+// Functions that give numbers for a NaN hide that an estimate is none.
+TEST(RootFinding, NeverEndsWithFunctionsThatHideNaNs) {
+  Function const sign = [](double i_x) { return i_x == 2 ? 0.0 : i_x > 2 ? 1.0 : -1.0; };
+  EXPECT_TRUE(std::isnan(SearchForLong(sign, {2, 2}).back())) << "equal ends at a zero";
+  Function const walls = [](double i_x) { return i_x <= 0 ? -infinity : i_x >= 1 ? infinity : 1.0; };
+  EXPECT_TRUE(std::isnan(SearchForLong(walls, {0, 1}).back())) << "infinite values at both ends";
+  Function const hole = [](double i_x) { return i_x == 0 ? nan : i_x > 0 ? 1.0 : -1.0; };
+  EXPECT_TRUE(std::isnan(SearchForLong(hole, {0, 1}).back())) << "a NaN at an end";
+}
+
+TEST(RootFinding, NeverEndsAtAPole) {
+  EXPECT_GT(SearchForLong([](double i_x) { return 1 / i_x; }, {-1, 2}).size(), 4U);
+  EXPECT_EQ(SearchForLong([](double i_x) { return i_x == 1 ? infinity : -1.0; }, {0, 1}).back(), 0)
+      << "an infinite value at one end: the estimate is the other end";
+}
+
+char const* const no_evaluations = "[RootFinding] The search needs at least two evaluations.";
+
+// Runs a search with a limit and records its calls.
+struct LimitedSearch {
+  LimitedSearch(Function const& i_function, Range<double> const& i_range, double i_tolerance, int i_limit)
+      : result(RegulaFalsiWithLimit(
+            [&](double i_x) {
+              evaluated.push_back(i_x);
+              return i_function(i_x);
+            },
+            i_range, i_tolerance, i_limit)) {
+    EXPECT_EQ(result.evaluations, static_cast<int>(evaluated.size()));
+    EXPECT_LE(result.evaluations, i_limit);
+  }
+
+  std::vector<double> evaluated;
+  RegulaFalsiResult result;
+};
+
+TEST(RootFindingWithLimit, ReturnsTheSameRootAfterTheSameEstimates) {
+  constexpr unsigned seed = 20261122;
+  SCOPED_TRACE(testing::Message() << "seed " << seed);
+  std::mt19937 random(seed);
+  std::uniform_real_distribution<double> number(-2, 2);
+  int compared = 0;
+  for (int round = 0; round < 500; ++round) {
+    double const c0 = number(random);
+    double const c1 = number(random);
+    Function const cubic = [=](double i_x) { return (i_x * i_x + c1) * i_x + c0; };
+    Range<double> const range(number(random) - 2, number(random) + 2);
+    if (cubic(range.GetLower()) * cubic(range.GetUpper()) > 0) continue;
+    ++compared;
+    std::vector<double> expected = GetEvaluated(Search(cubic, range, 1e-9));
+    expected.erase(expected.begin(), expected.begin() + 2);
+    LimitedSearch const search(cubic, range, 1e-9, 1000000);
+    EXPECT_EQ(search.evaluated, expected) << "each end is evaluated once";
+    EXPECT_TRUE(search.result.converged);
+    EXPECT_EQ(search.result.root, expected.back());
+    EXPECT_TRUE(search.result.bracket.GetLower() == expected.back() ||
+                search.result.bracket.GetUpper() == expected.back());
+    EXPECT_LE(cubic(search.result.bracket.GetLower()) * cubic(search.result.bracket.GetUpper()), 0);
+  }
+  EXPECT_GT(compared, 100);
+}
+
+TEST(RootFindingWithLimit, GivesUpAtTheLimitWithItsBracket) {
+  Function const parabola = [](double i_x) { return i_x * i_x - 2; };
+  for (Range<double> const range : {Range<double>(0, 2), Range<double>(-2, 0)}) {
+    std::vector<double> const evaluated = GetEvaluated(Search(parabola, range, 1e-12));
+    for (int limit = 3; limit < 12; ++limit) {
+      LimitedSearch const search(parabola, range, 1e-12, limit);
+      double const last = evaluated[static_cast<std::size_t>(limit) + 1];
+      EXPECT_FALSE(search.result.converged);
+      EXPECT_EQ(search.result.evaluations, limit);
+      EXPECT_EQ(search.result.root, last);
+      EXPECT_EQ(search.result.bracket,
+                range.GetLower() < 0 ? Range<double>(-2, last) : Range<double>(last, 2));
+    }
+  }
+}
+
+TEST(RootFindingWithLimit, ConvergesWithTheLastEvaluationAllowed) {
+  Function const line = [](double i_x) { return i_x - 1; };
+  EXPECT_TRUE(LimitedSearch(line, {0, 4}, 1e-12, 3).result.converged);
+  EXPECT_EQ(LimitedSearch(line, {0, 4}, 1e-12, 3).result.root, 1);
+}
+
+TEST(RootFindingWithLimit, OfTwoReturnsTheRangeAndItsBetterEnd) {
+  auto const search = [](double i_lower, double i_upper) {
+    return LimitedSearch([](double i_x) { return i_x - 1; }, {i_lower, i_upper}, 1e-12, 2).result;
+  };
+  EXPECT_EQ(search(0, 4).root, 0);
+  EXPECT_EQ(search(-4, 2).root, 2);
+  EXPECT_EQ(search(0, 2).root, 0) << "the lower end if both are as good";
+  EXPECT_EQ(search(0, 4).bracket, Range<double>(0, 4));
+  EXPECT_EQ(search(0, 4).evaluations, 2);
+  EXPECT_FALSE(search(0, 4).converged);
+  EXPECT_FALSE(search(1, 4).converged) << "only an estimate ends the search";
+}
+
+TEST(RootFindingWithLimit, GivesUpWhereTheSearchWithoutLimitNeverEnds) {
+  Function const step = [](double i_x) { return i_x < 0.3 ? -1.0 : 1.0; };
+  LimitedSearch const jump(step, {0, 1}, 1e-9, 200);
+  EXPECT_FALSE(jump.result.converged);
+  EXPECT_EQ(jump.result.evaluations, 200);
+  EXPECT_TRUE(jump.result.bracket.Contains(0.3));
+  EXPECT_LT(jump.result.bracket.GetUpper() - jump.result.bracket.GetLower(), 1e-15);
+  LimitedSearch const pole([](double i_x) { return 1 / i_x; }, {-1, 2}, 1e-9, 50);
+  EXPECT_FALSE(pole.result.converged);
+  EXPECT_EQ(pole.result.evaluations, 50);
+}
+
+TEST(RootFindingWithLimit, GivesUpBeforeAnEstimateThatIsNoNumber) {
+  Function const sign = [](double i_x) { return i_x == 2 ? 0.0 : i_x > 2 ? 1.0 : -1.0; };
+  LimitedSearch const equal(sign, {2, 2}, 1e-9, 100);
+  EXPECT_EQ(equal.result.root, 2);
+  EXPECT_EQ(equal.result.bracket, Range<double>(2, 2));
+  EXPECT_EQ(equal.result.evaluations, 2);
+  EXPECT_FALSE(equal.result.converged);
+  Function const walls = [](double i_x) { return i_x <= 0 ? -infinity : infinity; };
+  LimitedSearch const infinite(walls, {0, 1}, 1e-9, 100);
+  EXPECT_EQ(infinite.result.bracket, Range<double>(0, 1));
+  EXPECT_EQ(infinite.result.evaluations, 2);
+  EXPECT_FALSE(infinite.result.converged);
+}
+
+TEST(RootFindingWithLimit, KeepsItsBracketAtAValueThatIsNoNumber) {
+  LimitedSearch const hole([](double i_x) { return i_x == 0.5 ? nan : i_x - 0.5; }, {0, 1}, 1e-9, 100);
+  EXPECT_EQ(hole.evaluated, (std::vector<double>{0, 1, 0.5}));
+  EXPECT_EQ(hole.result.bracket, Range<double>(0, 1));
+  EXPECT_EQ(hole.result.root, 0);
+  EXPECT_FALSE(hole.result.converged);
+}
+
+TEST(RootFindingWithLimit, NeverConvergesWithAToleranceOfNaN) {
+  LimitedSearch const search([](double i_x) { return i_x - 1; }, {0, 4}, nan, 5);
+  EXPECT_FALSE(search.result.converged);
+  EXPECT_EQ(search.result.root, 1);
+}
+
+TEST(RootFindingWithLimit, RefusesWhatTheSearchWithoutLimitRefuses) {
+  auto const search = [](Function const& i_function, Range<double> const& i_range, double i_tolerance,
+                         int i_limit) {
+    return [=] { RegulaFalsiWithLimit(i_function, i_range, i_tolerance, i_limit); };
+  };
+  Function const line = [](double i_x) { return i_x; };
+  EXPECT_TRUE(test::Throws<std::invalid_argument>(search(line, {1, -1}, 0, 1), no_tolerance));
+  EXPECT_TRUE(test::Throws<std::invalid_argument>(search(nullptr, {1, -1}, 1, 1), empty_range));
+  for (int const limit : {1, 0, -5}) {
+    EXPECT_TRUE(test::Throws<std::invalid_argument>(search(nullptr, {-1, 1}, 1, limit), no_evaluations));
+  }
+  EXPECT_TRUE(test::Throws<std::invalid_argument>(search(line, {1, 2}, 1, 2), no_crossing));
+  EXPECT_THROW(search(nullptr, {0, 1}, 1, 2)(), std::bad_function_call);
+  Function const fails = [](double) -> double { throw std::out_of_range("not here"); };
+  EXPECT_TRUE(test::Throws<std::out_of_range>(search(fails, {0, 1}, 1, 2), "not here"));
+}
+
 }  // namespace
 }  // namespace lum::RootFinding
