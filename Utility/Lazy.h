@@ -15,7 +15,8 @@ namespace lum {
 /// the factory, then the value if there is one.
 ///
 /// Thread safety: any number of threads may request the value. One of them runs the factory while the others
-/// wait; later calls cost one acquire load. A factory that requests the value of its own Lazy deadlocks.
+/// wait; later calls cost one acquire load. A factory that requests the value of its own Lazy deadlocks. A
+/// child that is forked while another thread runs the factory waits forever if it requests the value.
 ///
 /// A Lazy with a plain function is constant-initialised (`constinit`). It works before any dynamic
 /// initialisation has run, so values at namespace scope can be constructed in any link order.

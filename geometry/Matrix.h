@@ -59,7 +59,8 @@ inline constexpr char const* no_inverse_message = "attempt to get inverse of non
 /// compile. Convert one of them first.
 ///
 /// Thread safety: a matrix must not be written while another thread uses it. Matrices that share objects may
-/// be used by different threads.
+/// be used by different threads. A child that is forked from a process with several threads must not take
+/// objects, and must not be the first to use the identity, which the first application creates.
 ///
 /// Errors: a member that takes a pooled object passes on what the pool throws (`std::bad_alloc`). Its
 /// operands are then unchanged, except by the converting assignment.

@@ -23,7 +23,8 @@ namespace lum {
 /// assertion in callers that are compiled without NDEBUG, however the library was built.
 ///
 /// Thread safety: a quaternion must not be written while another thread uses it. Quaternions that share an
-/// object may be used by different threads.
+/// object may be used by different threads. A child that is forked from a process with several threads must
+/// not take objects, and must not be the first to use the identity.
 ///
 /// Errors: a member that takes a pooled object passes on what the pool throws (`std::bad_alloc`).
 ///
