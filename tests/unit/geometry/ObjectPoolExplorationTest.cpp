@@ -121,6 +121,12 @@ class World {
   std::string m_failure;
 };
 
+// docs/reliability.md has the sums of these figures, which tests/system/site compares.
+void RecordExecutions(std::size_t i_searched, std::size_t i_walked) {
+  testing::Test::RecordProperty("executions", std::to_string(i_searched));
+  testing::Test::RecordProperty("random_executions", std::to_string(i_walked));
+}
+
 template <class Size>
 class ObjectPoolExploration : public testing::Test {
  protected:
@@ -150,6 +156,7 @@ class ObjectPoolExploration : public testing::Test {
     ASSERT_EQ(world->GetFailure(), "") << exploration.GetSchedule() << ", seed " << seed;
     EXPECT_EQ(walked, walks);
     EXPECT_GT(searched, 100U) << "the program has too few interleavings";
+    RecordExecutions(searched, walked);
     std::cout << Size::value << " slots, " << ip_name << ": " << searched << " executions with at most "
               << i_preemptions << " preemptions, " << walked << " random ones\n";
   }
@@ -282,6 +289,7 @@ TEST(ObjectPoolExplorationAtTheWrap, PositionsWrapUnderThreads) {
   std::size_t const walked = exploration.WalkRandomly(program, 3000, 20261121, is_failed);
   EXPECT_EQ(world->GetFailure(), "") << exploration.GetSchedule();
   EXPECT_GT(searched, 100U);
+  RecordExecutions(searched, walked);
   std::cout << "2 slots at the wrap: " << searched << " executions with at most 2 preemptions, " << walked
             << " random ones\n";
 }
