@@ -1,4 +1,4 @@
-# Finds Eigen by its own CMake package, or by its headers if it has no package (Eigen 3.2).
+# Finds Eigen by its own CMake package, or by its headers if they were copied without the package.
 #
 # Defines the target Eigen3::Eigen and the variable Eigen3_VERSION.
 find_package(Eigen3 CONFIG QUIET)

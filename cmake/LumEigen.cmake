@@ -3,8 +3,8 @@
 # geometry/GlobalObjectPool.h for targets that do not state theirs.
 if(NOT TARGET Eigen3::Eigen)
   find_package(Eigen3 QUIET MODULE)
-  lum_require(lum "Eigen 3.2 or later" libeigen3-dev Eigen3_FOUND)
-  if(Eigen3_VERSION AND Eigen3_VERSION VERSION_LESS 3.2)
-    message(FATAL_ERROR "lum needs Eigen 3.2 or later, found ${Eigen3_VERSION}")
+  lum_require(lum "Eigen 3.4" libeigen3-dev Eigen3_FOUND)
+  if(Eigen3_VERSION AND Eigen3_VERSION VERSION_LESS 3.4)
+    message(FATAL_ERROR "lum needs Eigen 3.4, found ${Eigen3_VERSION}")
   endif()
 endif()

@@ -10,8 +10,8 @@
 #include "geometry/ObjectPoolDeleter.h"
 #include "geometry/internal/Export.h"
 
-#if !EIGEN_VERSION_AT_LEAST(3, 2, 0)
-#error "lum needs Eigen 3.2 or later"
+#if !EIGEN_VERSION_AT_LEAST(3, 4, 0)
+#error "lum needs Eigen 3.4"
 #endif
 
 namespace lum {

@@ -55,6 +55,18 @@ function(expect_consumer_works program)
   endif()
 endfunction()
 
+# write_old_eigen(<folder>): as much of an Eigen 3.3.9 as shows its version.
+function(write_old_eigen folder)
+  file(WRITE "${folder}/Eigen/Core" "#include \"src/Core/util/Macros.h\"\n"
+       "#define EIGEN_VERSION_AT_LEAST(x, y, z) (x < 3 || (x == 3 && (y < 3 || (y == 3 && z <= 9))))\n")
+  foreach(header IN ITEMS Geometry LU SVD)
+    file(WRITE "${folder}/Eigen/${header}" "#include \"Core\"\n")
+  endforeach()
+  file(WRITE "${folder}/Eigen/src/Core/util/Macros.h"
+       "#define EIGEN_WORLD_VERSION 3\n#define EIGEN_MAJOR_VERSION 3\n#define EIGEN_MINOR_VERSION 9\n")
+  file(WRITE "${folder}/eigen3.pc" "Name: Eigen3\nDescription: old\nVersion: 3.3.9\n")
+endfunction()
+
 # build_consumer(SHARED|STATIC <argument>...)
 function(build_consumer kind)
   configure("${SOURCE_DIR}/tests/system/package/consumer" "${WORK_DIR}/consumer" "-DKIND=${kind}" ${ARGN})
@@ -234,7 +246,7 @@ elseif(CASE STREQUAL "ConfiguresTestsWithGoogleTestAlone")
 
 elseif(CASE STREQUAL "SaysWhatIsMissing")
   set(has_eigen "-DEIGEN3_INCLUDE_DIR=${EIGEN_INCLUDE_DIR}")
-  expect_to_miss("lum needs Eigen 3.2 or later \\(Debian: libeigen3-dev\\)" "build" ${configure_lum} ${hide_packages})
+  expect_to_miss("lum needs Eigen 3.4 \\(Debian: libeigen3-dev\\)" "build" ${configure_lum} ${hide_packages})
   expect_to_miss("LUM_BUILD_TESTS needs GoogleTest \\(Debian: libgtest-dev\\)" "test" ${configure_lum} ${hide_packages}
                  ${has_eigen} -DLUM_BUILD_TESTS=ON)
   expect_to_miss("LUM_BUILD_EXAMPLES needs [^\n]*" "demo" ${configure_lum} ${hide_packages} ${has_eigen}
@@ -253,12 +265,23 @@ elseif(CASE STREQUAL "SaysWhatIsMissing")
                  "-DCMAKE_MAKE_PROGRAM=${MAKE_PROGRAM}")
 
 elseif(CASE STREQUAL "RefusesAnOldEigen")
-  set(old "${WORK_DIR}/old")
-  file(WRITE "${old}/Eigen/Geometry" "")
-  file(WRITE "${old}/Eigen/src/Core/util/Macros.h"
-       "#define EIGEN_WORLD_VERSION 3\n#define EIGEN_MAJOR_VERSION 1\n#define EIGEN_MINOR_VERSION 4\n")
-  expect_refusal("lum needs Eigen 3.2 or later, found 3.1.4" ${configure_lum} ${hide_packages}
-                 "-DEIGEN3_INCLUDE_DIR=${old}")
+  write_old_eigen("${WORK_DIR}/old")
+  expect_refusal("lum needs Eigen 3.4, found 3.3.9" ${configure_lum} ${hide_packages}
+                 "-DEIGEN3_INCLUDE_DIR=${WORK_DIR}/old")
+  expect_refusal("lum needs Eigen 3.4[^,]" "${COMPILER}" -std=c++20 -fsyntax-only "-I${SOURCE_DIR}" -isystem
+                 "${WORK_DIR}/old" "${SOURCE_DIR}/geometry/Matrix.cpp")
+
+elseif(CASE STREQUAL "InstalledRefusesAnOldEigen")
+  find_libdir(libdir)
+  write_old_eigen("${WORK_DIR}/old")
+  file(WRITE "${WORK_DIR}/seeker/CMakeLists.txt" "cmake_minimum_required(VERSION 3.25)\n"
+       "project(seeker LANGUAGES CXX)\nfind_package(lum REQUIRED)\n")
+  expect_refusal(
+    "lum needs Eigen 3.4, found 3.3.9" "${CMAKE_COMMAND}" -S "${WORK_DIR}/seeker" -B "${WORK_DIR}/seeker/build" -G
+    "${GENERATOR}" "-DCMAKE_CXX_COMPILER=${COMPILER}" "-Dlum_DIR=${PREFIX}/${libdir}/cmake/lum" ${hide_packages}
+    -DCMAKE_FIND_USE_CMAKE_PATH=OFF "-DEIGEN3_INCLUDE_DIR=${WORK_DIR}/old")
+  expect_refusal("eigen3 >= 3.4" "${CMAKE_COMMAND}" -E env
+                 "PKG_CONFIG_PATH=${WORK_DIR}/old:${PREFIX}/${libdir}/pkgconfig" pkg-config --cflags lum)
 
 else()
   message(FATAL_ERROR "No such case: ${CASE}")
