@@ -3,6 +3,8 @@
     mutants                          the mutants that verification/mutation lists
     fixes                            the fixes and the tests of reverted_fixes.toml
     recipes                          how many programs examples/recipes holds
+    versions <CMake's> <Eigen's> <compiler> <compiler's>
+                                     the versions of the tools with which lum is built, which README.md names
     choosing                         the times that choosing.md takes from performance.md
     install                          the commands by which programs are built and linked
     cube <program>                   the orders and the numbers of other libraries, as the program prints them
@@ -87,6 +89,15 @@ def check_recipes():
     if shown != count:
         faults.append(f"docs/cookbook.md has {shown} sections for {count} programs")
     return f"{count} recipes"
+
+
+def check_versions():
+    cmake, eigen, compiler, compiler_version = sys.argv[3:7]
+    # The page has the versions of both compilers; a build compares that of its own.
+    sentence = {"GNU": "tested on Debian 12 for x86-64: with g++ {}", "Clang": "and clang {},"}[compiler]
+    compare("README.md", sentence, ".".join(compiler_version.split(".")[:2]))
+    compare("README.md", ", CMake {} and Eigen {}.", ".".join(cmake.split(".")[:2]), eigen)
+    return "the versions of the tools"
 
 
 # Sentences of choosing.md, with the row and the contestant in performance.md of each of their times.
@@ -209,7 +220,7 @@ def check_executions():
         else:
             suite = name
     recorded = {}
-    for path in pathlib.Path(folder).glob("*.xml"):
+    for path in pathlib.Path(folder).rglob("*.xml"):
         for case in xml.etree.ElementTree.parse(path).iter("testcase"):
             figures = {item.get("name"): int(item.get("value")) for item in case.iter("property")}
             if figures:
@@ -241,9 +252,9 @@ def check_coverage():
     return "what the tests reach"
 
 
-CHECKS = {"mutants": check_mutants, "fixes": check_fixes, "recipes": check_recipes, "choosing": check_choosing,
-          "install": check_install, "cube": check_cube, "executions": check_executions, "states": check_states,
-          "coverage": check_coverage}
+CHECKS = {"mutants": check_mutants, "fixes": check_fixes, "recipes": check_recipes, "versions": check_versions,
+          "choosing": check_choosing, "install": check_install, "cube": check_cube, "executions": check_executions,
+          "states": check_states, "coverage": check_coverage}
 
 
 def main():
