@@ -1,14 +1,12 @@
-# Finds libnifti, which has no CMake package. Defines the target NIFTI::NIFTI.
-find_path(NIFTI_INCLUDE_DIR NAMES nifti1_io.h PATH_SUFFIXES nifti)
-find_library(NIFTI_LIBRARY NAMES niftiio)
-find_library(NIFTI_ZNZ_LIBRARY NAMES znz)
-mark_as_advanced(NIFTI_INCLUDE_DIR NIFTI_LIBRARY NIFTI_ZNZ_LIBRARY)
+# Finds the headers of libnifti with the layouts of NIfTI-1 and NIfTI-2.
+# Defines the target NIFTI::NIFTI.
+find_path(NIFTI_INCLUDE_DIR NAMES nifti2.h PATH_SUFFIXES nifti)
+mark_as_advanced(NIFTI_INCLUDE_DIR)
 
 include(FindPackageHandleStandardArgs)
-find_package_handle_standard_args(NIFTI REQUIRED_VARS NIFTI_LIBRARY NIFTI_ZNZ_LIBRARY NIFTI_INCLUDE_DIR)
+find_package_handle_standard_args(NIFTI REQUIRED_VARS NIFTI_INCLUDE_DIR)
 
 if(NIFTI_FOUND AND NOT TARGET NIFTI::NIFTI)
   add_library(NIFTI::NIFTI INTERFACE IMPORTED)
   target_include_directories(NIFTI::NIFTI INTERFACE "${NIFTI_INCLUDE_DIR}")
-  target_link_libraries(NIFTI::NIFTI INTERFACE "${NIFTI_LIBRARY}" "${NIFTI_ZNZ_LIBRARY}")
 endif()

@@ -1,82 +1,121 @@
 #include "common/Volume.h"
 
 #include <geometry/TrilinearInterpolation.h>
-#include <nifti1_io.h>
+#include <nifti1.h>
 #include <zlib.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <limits>
 #include <memory>
 #include <stdexcept>
+#include <string_view>
+
+#include "common/NiftiHeader.h"
 
 namespace common {
 namespace {
 
-struct FreeImage {
-  void operator()(nifti_image* ip_image) const { nifti_image_free(ip_image); }
+struct Close {
+  void operator()(gzFile ip_file) const { gzclose_r(ip_file); }
 };
-using Image = std::unique_ptr<nifti_image, FreeImage>;
+using File = std::unique_ptr<gzFile_s, Close>;
 
-// NIfTI stores matrices by rows, lum by columns.
-lum::Matrix<double> ToMatrix(mat44 const& i_affine) {
-  std::array<double, 16> values{};
-  for (std::size_t row = 0; row < 4; ++row) {
-    for (std::size_t column = 0; column < 4; ++column) {
-      values[row + 4 * column] = static_cast<double>(i_affine.m[row][column]);
-    }
-  }
-  return lum::Matrix<double>(values.data());
+// zlib reads uncompressed files too, and detects compressed ones that are truncated or damaged.
+File Open(std::string const& i_path) {
+  File file(std::ifstream(i_path) ? gzopen(i_path.c_str(), "rb") : nullptr);
+  if (!file) throw std::runtime_error("cannot open " + i_path);
+  return file;
 }
 
-// Replaces nifti_image_load, which accepts truncated files and turns NaNs into 0. zlib reads uncompressed
-// files too, and detects compressed ones that are truncated or damaged. The buffer grows with the bytes that
-// are read, because a damaged header may claim any number of them.
-std::vector<unsigned char> ReadBytes(nifti_image const& i_image, std::size_t i_count) {
+// The other half of a pair: i_path with another ending, compressed or not, whichever exists.
+std::string GetOther(std::string const& i_path, std::string_view i_ending, std::string_view i_other) {
+  std::string stem = i_path;
+  if (stem.ends_with(".gz")) stem.resize(stem.size() - 3);
+  stem.resize(stem.size() - i_ending.size());
+  stem += i_other;
+  return !std::filesystem::exists(stem) && std::filesystem::exists(stem + ".gz") ? stem + ".gz" : stem;
+}
+
+bool IsHalf(std::string const& i_path, std::string_view i_ending) {
+  return i_path.ends_with(i_ending) || i_path.ends_with(std::string(i_ending) + ".gz");
+}
+
+struct Found {
+  VolumeFiles files;
+  NiftiHeader header;
+};
+
+Found FindHeader(std::string const& i_path) {
+  std::string const path = IsHalf(i_path, ".img") ? GetOther(i_path, ".img", ".hdr") : i_path;
+  File const file = Open(path);
+  std::array<unsigned char, largest_nifti_header> bytes{};
+  int const count = gzread(file.get(), bytes.data(), bytes.size());
+  NiftiHeader header = ParseNiftiHeader({bytes.data(), static_cast<std::size_t>(std::max(count, 0))}, path);
+  if (!header.is_pair) return {{path, path}, header};
+  if (!IsHalf(path, ".hdr")) {
+    throw std::runtime_error(path + " is half of a pair, but its name does not end in .hdr");
+  }
+  return {{path, GetOther(path, ".hdr", ".img")}, header};
+}
+
+// The buffer grows with the bytes that are read, because a damaged header may claim any number of them.
+std::vector<unsigned char> ReadBytes(std::string const& i_path, std::int64_t i_begin, std::size_t i_count) {
   constexpr std::size_t largest_read = std::size_t{1} << 24;
+  File file = Open(i_path);
   std::vector<unsigned char> bytes;
-  gzFile file = gzopen(i_image.iname, "rb");
-  bool is_whole = file != nullptr && gzseek(file, i_image.iname_offset, SEEK_SET) == i_image.iname_offset;
+  int read = 0;
+  bool is_whole = gzseek(file.get(), i_begin, SEEK_SET) == i_begin;
   while (is_whole && bytes.size() < i_count) {
     std::size_t const done = bytes.size();
     std::size_t const wanted = std::min(i_count - done, largest_read);
     bytes.resize(done + wanted);
-    int const read = gzread(file, &bytes[done], static_cast<unsigned>(wanted));
+    read = gzread(file.get(), &bytes[done], static_cast<unsigned>(wanted));
     is_whole = read > 0;
     bytes.resize(is_whole ? done + static_cast<std::size_t>(read) : done);
+  }
+  if (bytes.empty() && gzeof(file.get()) != 0) {
+    throw std::runtime_error(i_path + " says that its voxels begin after the end of the file");
   }
   // Reads to the end of the file, where zlib verifies the checksum. Other data may follow the voxels.
   std::array<unsigned char, 4096> rest{};
   int read_on = is_whole ? 1 : 0;
-  while (read_on > 0) read_on = gzread(file, rest.data(), static_cast<unsigned>(rest.size()));
+  while (read_on > 0) read_on = gzread(file.get(), rest.data(), static_cast<unsigned>(rest.size()));
   is_whole = is_whole && read_on == 0;
-  if ((file != nullptr && gzclose_r(file) != Z_OK) || !is_whole) {
-    throw std::runtime_error(std::string(i_image.iname) + " is truncated or damaged");
+  if (gzclose_r(file.release()) != Z_OK || !is_whole) {
+    throw std::runtime_error(i_path + " is truncated or damaged");
   }
   return bytes;
 }
 
 template <class T>
-std::vector<double> ReadValues(nifti_image const& i_image) {
-  std::size_t const count = i_image.nvox;
-  std::vector<unsigned char> bytes = ReadBytes(i_image, count * sizeof(T));
-  if (i_image.swapsize > 1 && i_image.byteorder != nifti_short_order()) {
-    nifti_swap_Nbytes(count, i_image.swapsize, bytes.data());
+std::vector<double> ReadValues(Found const& i_found) {
+  // No file holds 2^60 bytes.
+  std::size_t count = 1;
+  for (std::size_t const size : i_found.header.size) {
+    if (size > (std::size_t{1} << 60) / sizeof(T) / count) {
+      throw std::runtime_error(i_found.files.voxels + " is truncated or damaged");
+    }
+    count *= size;
   }
+  std::vector<unsigned char> bytes =
+      ReadBytes(i_found.files.voxels, i_found.header.voxels_begin, count * sizeof(T));
   std::vector<double> values(count);
   for (std::size_t voxel = 0; voxel < count; ++voxel) {
+    unsigned char* const p_begin = &bytes[voxel * sizeof(T)];
+    if (i_found.header.is_swapped) std::reverse(p_begin, p_begin + sizeof(T));
     T value{};
-    std::memcpy(&value, &bytes[voxel * sizeof(T)], sizeof(T));
+    std::memcpy(&value, p_begin, sizeof(T));
     values[voxel] = static_cast<double>(value);
   }
   return values;
 }
 
-using Reader = std::vector<double> (*)(nifti_image const&);
+using Reader = std::vector<double> (*)(Found const&);
 
 // Null for every type but single real numbers.
 Reader GetReader(int i_datatype) {
@@ -93,6 +132,10 @@ Reader GetReader(int i_datatype) {
       return &ReadValues<std::uint32_t>;
     case DT_INT32:
       return &ReadValues<std::int32_t>;
+    case DT_UINT64:
+      return &ReadValues<std::uint64_t>;
+    case DT_INT64:
+      return &ReadValues<std::int64_t>;
     case DT_FLOAT32:
       return &ReadValues<float>;
     case DT_FLOAT64:
@@ -102,22 +145,38 @@ Reader GetReader(int i_datatype) {
   }
 }
 
+// Rounding moves a point that lies at a voxel by much less than this. A weight that is due to rounding alone
+// would make the result NaN beside a voxel that is NaN.
+double Snap(double i_coordinate) {
+  constexpr double largest_error = 1e-9;
+  double const nearest = std::round(i_coordinate);
+  return std::abs(i_coordinate - nearest) < largest_error ? nearest : i_coordinate;
+}
+
 }  // namespace
 
+bool Volume::Contains(lum::Point<double, 3> const& i_voxel) const {
+  for (std::size_t axis = 0; axis < 3; ++axis) {
+    auto const last = static_cast<double>(size[axis] - 1);
+    if (!(i_voxel[axis] >= -0.5 && i_voxel[axis] <= last + 0.5)) return false;
+  }
+  return true;
+}
+
 double Volume::Sample(lum::Point<double, 3> const& i_voxel) const {
+  if (!Contains(i_voxel)) return std::numeric_limits<double>::quiet_NaN();
   std::array<std::size_t, 3> low{};
   std::array<std::size_t, 3> high{};
   lum::Point<double, 3> in_cell;
   for (std::size_t axis = 0; axis < 3; ++axis) {
-    auto const last = static_cast<double>(size[axis] - 1);
-    if (!(i_voxel[axis] >= -0.5 && i_voxel[axis] <= last + 0.5))
-      return std::numeric_limits<double>::quiet_NaN();
-    double const clamped = std::clamp(i_voxel[axis], 0.0, last);
-    double const floor = std::floor(clamped);
+    double const inside = Snap(std::clamp(i_voxel[axis], 0.0, static_cast<double>(size[axis] - 1)));
+    double const floor = std::floor(inside);
     low[axis] = static_cast<std::size_t>(floor);
-    high[axis] = std::min(low[axis] + 1, size[axis] - 1);
-    in_cell[axis] = clamped - floor;
+    in_cell[axis] = inside - floor;
+    high[axis] = in_cell[axis] > 0 ? low[axis] + 1 : low[axis];
   }
+  if (low == high) return At(low[0], low[1], low[2]);
+  // A corner of weight zero has the value of one that counts, so it makes no difference.
   std::array<double, 8> corners{};
   for (std::size_t corner = 0; corner < 8; ++corner) {
     corners[corner] = At((corner & 1) != 0 ? high[0] : low[0], (corner & 2) != 0 ? high[1] : low[1],
@@ -126,36 +185,20 @@ double Volume::Sample(lum::Point<double, 3> const& i_voxel) const {
   return lum::TrilinearInterpolation(corners, in_cell);
 }
 
+VolumeFiles FindVolumeFiles(std::string const& i_path) { return FindHeader(i_path).files; }
+
 Volume ReadVolume(std::string const& i_path) {
-  nifti_set_debug_level(0);  // the error messages here replace libnifti's own
-  if (!std::ifstream(i_path)) throw std::runtime_error("cannot open " + i_path);
-  if (is_nifti_file(i_path.c_str()) <= 0) throw std::runtime_error(i_path + " is not a NIfTI file");
-  Image const image(nifti_image_read(i_path.c_str(), 0));
-  if (!image) throw std::runtime_error(i_path + " has a damaged NIfTI header");
-  if (image->nt > 1 || image->nu > 1 || image->nv > 1 || image->nw > 1) {
-    throw std::runtime_error(i_path + " has more than three dimensions");
-  }
-  Reader const read_values = GetReader(image->datatype);
+  Found const found = FindHeader(i_path);
+  NiftiHeader const& header = found.header;
+  Reader const read_values = GetReader(header.datatype);
   if (read_values == nullptr) {
-    throw std::runtime_error(i_path + " has values of type " + nifti_datatype_string(image->datatype) +
+    throw std::runtime_error(found.files.header + " has values of type " + GetDatatypeName(header.datatype) +
                              ", which is not supported");
   }
-  if (image->nx < 1 || image->ny < 1 || image->nz < 1) throw std::runtime_error(i_path + " holds no voxels");
-  lum::Matrix<double> const voxel_to_world =
-      ToMatrix(image->sform_code > 0 ? image->sto_xyz : image->qto_xyz);
-  double const determinant = voxel_to_world.GetDeterminant();
-  if (!std::isfinite(determinant) || determinant == 0) {
-    throw std::runtime_error(i_path + " has an affine that cannot be inverted");
-  }
-
-  Volume volume{{static_cast<std::size_t>(image->nx), static_cast<std::size_t>(image->ny),
-                 static_cast<std::size_t>(image->nz)},
-                voxel_to_world,
-                read_values(*image)};
-  if (image->scl_slope != 0) {
-    auto const slope = static_cast<double>(image->scl_slope);
-    auto const intercept = static_cast<double>(image->scl_inter);
-    for (double& value : volume.values) value = value * slope + intercept;
+  Volume volume{header.size, header.voxel_to_world, read_values(found)};
+  if (header.slope != 0 && std::isfinite(header.slope)) {
+    double const intercept = std::isfinite(header.intercept) ? header.intercept : 0;
+    for (double& value : volume.values) value = value * header.slope + intercept;
   }
   return volume;
 }

@@ -25,12 +25,28 @@ struct Volume {
     return values[GetIndex(i_i, i_j, i_k)];
   }
 
-  /// The trilinear interpolation at voxel coordinates. It is exactly the voxel's value at a voxel's centre,
-  /// and NaN more than half a voxel outside the outermost centres.
+  /// Whether the voxel coordinates lie at most half a voxel outside the outermost centres.
+  bool Contains(lum::Point<double, 3> const& i_voxel) const;
+
+  /// The trilinear interpolation at voxel coordinates, and NaN outside the volume.
+  ///
+  /// Coordinates within 1e-9 of a whole number count as that number. Only voxels whose weight is above zero
+  /// count: at a voxel's centre, the result is exactly that voxel's value, even beside voxels that are NaN.
   double Sample(lum::Point<double, 3> const& i_voxel) const;
 };
 
-/// Reads a NIfTI file. Throws `std::runtime_error` with a one-line message on failure.
+/// The paths of the files that hold a volume: equal, except for a pair.
+struct VolumeFiles {
+  std::string header;
+  std::string voxels;
+};
+
+/// Either name of a pair may be given. Throws `std::runtime_error` with a one-line message, as does
+/// `ReadVolume`.
+VolumeFiles FindVolumeFiles(std::string const& i_path);
+
+/// Reads a NIfTI-1 or NIfTI-2 file of single real numbers, which may be compressed. 64-bit integers are
+/// rounded to the nearest double.
 Volume ReadVolume(std::string const& i_path);
 
 }  // namespace common

@@ -2,9 +2,12 @@
 
 #include <geometry/Point.h>
 #include <geometry/Quaternion.h>
+#include <geometry/Range.h>
 
 #include <algorithm>
 #include <cmath>
+#include <iomanip>
+#include <sstream>
 #include <stdexcept>
 
 namespace reslice {
@@ -67,6 +70,34 @@ Extent GetExtent(common::Volume const& i_volume, lum::Matrix<double> const& i_vo
   return extent;
 }
 
+// Where the volume, with the half voxels around it, begins and ends along a direction, in millimetres from
+// the middle voxel.
+lum::Range<double> GetReach(common::Volume const& i_volume, Vector const& i_direction) {
+  Point const middle = GetMiddle(i_volume);
+  double begin = 0;
+  double end = 0;
+  for (std::size_t axis = 0; axis < 3; ++axis) {
+    Vector step;
+    step[axis] = 1;
+    double const length = lum::Dot(i_direction, i_volume.voxel_to_world * step);
+    double const first = length * (-0.5 - middle[axis]);
+    double const last = length * (static_cast<double>(i_volume.size[axis]) - 0.5 - middle[axis]);
+    begin += std::min(first, last);
+    end += std::max(first, last);
+  }
+  return {begin, end};
+}
+
+void RequireHit(common::Volume const& i_volume, Vector const& i_normal, double i_offset) {
+  lum::Range<double> const reach = GetReach(i_volume, i_normal);
+  if (reach.Contains(i_offset)) return;
+  std::ostringstream message;
+  message << std::setprecision(10) << "at --offset " << i_offset
+          << " the slice misses the volume, which reaches from " << reach.GetLower() << " to "
+          << reach.GetUpper() << " mm along the slice's normal";
+  throw std::invalid_argument(message.str());
+}
+
 }  // namespace
 
 Slice PlaceSlice(common::Volume const& i_volume, Placement const& i_placement) {
@@ -76,6 +107,7 @@ Slice PlaceSlice(common::Volume const& i_volume, Placement const& i_placement) {
   Vector const x = Rotate(rotation, {1, 0, 0});
   Vector const y = Rotate(rotation, {0, 1, 0});
   Vector const z = Rotate(rotation, {0, 0, 1});
+  RequireHit(i_volume, z, i_placement.offset);
   Point const middle = i_volume.voxel_to_world * GetMiddle(i_volume) + z * i_placement.offset;
 
   lum::Matrix<double> const plane_to_world(middle, x, y, z);
@@ -95,6 +127,7 @@ Samples Resample(common::Volume const& i_volume, Slice const& i_slice) {
   lum::Matrix<double> const pixel_to_voxel = i_volume.voxel_to_world.GetInverse() * i_slice.pixel_to_world;
   Samples samples;
   samples.reserve(i_slice.width * i_slice.height);
+  bool is_hit = false;
   std::vector<Point> points(i_slice.width);
   for (std::size_t row = 0; row < i_slice.height; ++row) {
     auto const y = static_cast<double>(i_slice.height - 1 - row);
@@ -103,6 +136,12 @@ Samples Resample(common::Volume const& i_volume, Slice const& i_slice) {
     }
     lum::TransformPoints(pixel_to_voxel, points, points);
     for (Point const& point : points) samples.push_back(i_volume.Sample(point));
+    is_hit = is_hit || std::any_of(points.begin(), points.end(),
+                                   [&](Point const& i_point) { return i_volume.Contains(i_point); });
+  }
+  if (!is_hit) {
+    throw std::invalid_argument(
+        "no pixel of the slice lies in the volume; a larger --size or another --offset shows more");
   }
   return samples;
 }

@@ -35,10 +35,11 @@ struct Slice {
 /// Interpolated values, row by row from the top; NaN outside the volume.
 using Samples = std::vector<double>;
 
-/// Throws `std::invalid_argument` if the axis has length zero or a side exceeds `largest_size`.
+/// Throws `std::invalid_argument` if the axis has length zero, the plane misses the volume or a side exceeds
+/// `largest_size`.
 Slice PlaceSlice(common::Volume const& i_volume, Placement const& i_placement);
 
-/// Samples the volume at the centre of each pixel.
+/// Samples the volume at the centre of each pixel. Throws `std::invalid_argument` if all lie outside.
 Samples Resample(common::Volume const& i_volume, Slice const& i_slice);
 
 }  // namespace reslice

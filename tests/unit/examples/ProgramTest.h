@@ -1,7 +1,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <nifti1_io.h>
+#include <nifti1.h>
 #include <sys/wait.h>
 
 #include <algorithm>

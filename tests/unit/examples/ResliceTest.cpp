@@ -1,5 +1,5 @@
 #include <gtest/gtest.h>
-#include <nifti1_io.h>
+#include <nifti1.h>
 
 #include <algorithm>
 #include <array>
@@ -212,6 +212,44 @@ TEST_F(Reslice, RefusesASliceThatWouldBeTooLarge) {
       WriteVolume<float>("large.nii", DT_FLOAT32, {{{1e8F, 0, 0, 0}, {0, 1e8F, 0, 0}, {0, 0, 1e8F, 0}}});
   ExpectRefusal(input + " " + In("refused.png"), "more than 16384 pixels");
   EXPECT_EQ(Run(input + " " + In("a.png") + " --size 100"), 0);
+}
+
+// Along z, the volume reaches from half a voxel below the first slice of voxels to half a voxel above the
+// last.
+TEST_F(Reslice, RefusesASliceThatMissesTheVolume) {
+  std::string const command =
+      WriteVolume<float>("a.nii", DT_FLOAT32, m_straight) + " " + In("refused.png") + " --offset ";
+  ExpectRefusal(command + "1.75",
+                "at --offset 1.75 the slice misses the volume, which reaches from -1.5 to 1.5");
+  ExpectRefusal(command + "-2", "at --offset -2 the slice misses the volume, which reaches from -1.5 to 1.5");
+  ExpectRefusal(command + "1e300", "at --offset 1e+300 the slice misses the volume");
+  ExpectRefusal(command + "3 --axis 0,1,0 --angle 90", "the volume, which reaches from -2.5 to 2.5");
+  EXPECT_EQ(Run(WriteVolume<float>("a.nii", DT_FLOAT32, m_straight) + " " + In("a.png") + " --offset 1.5"),
+            0);
+}
+
+// The voxels lie along the diagonal of x and z, so a plane above the middle meets them aside from it.
+TEST_F(Reslice, RefusesASliceWithoutAPixelInTheVolume) {
+  std::string const command =
+      WriteVolume<float>("a.nii", DT_FLOAT32, {{{0, 0, 9, 0}, {0, 1, 0, 0}, {1, 0, 9, 0}}}) + " ";
+  ExpectRefusal(command + In("refused.png") + " --offset 9 --size 3",
+                "no pixel of the slice lies in the volume; a larger --size or another --offset shows more");
+  EXPECT_EQ(Run(command + In("a.png") + " --offset 9 --size 30"), 0);
+}
+
+// Voxels of a size that is not a sum of powers of two, so that positions in the volume are rounded.
+TEST_F(Reslice, AStraightSliceBesideVoxelsWithoutAValueEqualsTheVoxels) {
+  Volume volume = ReadVolume(
+      WriteVolume<float>("a.nii", DT_FLOAT32, {{{0.7F, 0, 0, -3.1F}, {0, 1, 0, -1}, {0, 0, 0.9F, 5.3F}}}));
+  for (std::size_t j = 0; j < 4; ++j) {
+    for (std::size_t i = 0; i < 5; ++i) {
+      for (std::size_t const k : {0U, 2U}) volume.values[volume.GetIndex(i, j, k)] = std::nan("");
+    }
+  }
+  Samples const samples = Resample(volume, PlaceSlice(volume, {}));
+  ASSERT_EQ(samples.size(), 12U);
+  EXPECT_EQ(std::count_if(samples.begin(), samples.end(), [](double i_s) { return std::isnan(i_s); }), 0);
+  EXPECT_EQ(samples[1], volume.At(2, 3, 1)) << "the middle column, at the top";
 }
 
 TEST_F(Reslice, TakesAxesOfAnyLengthAndAnglesOfAnySize) {
