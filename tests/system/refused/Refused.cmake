@@ -35,6 +35,21 @@ function(expect_one_error standard text code)
   endif()
 endfunction()
 
+# expect_deleted(<reason> <code> <line>...): after the code, each line chooses a deleted function. The compiler quotes its
+# declaration, where a comment gives the reason.
+function(expect_deleted reason code)
+  list(JOIN ARGN "\n" lines)
+  compile(c++20 "${code}${lines}\n")
+  list(LENGTH ARGN expected)
+  list(FILTER errors INCLUDE REGEX "deleted")
+  list(LENGTH errors count)
+  string(REGEX MATCHALL "= delete; *// ${reason}" reasons "${output}")
+  list(LENGTH reasons reason_count)
+  if(result EQUAL 0 OR NOT count EQUAL expected OR reason_count LESS expected)
+    message(SEND_ERROR "Expected ${expected} deleted functions with \"${reason}\" for\n${code}${lines}\nand got:\n${output}")
+  endif()
+endfunction()
+
 if(CASE STREQUAL "EveryHeaderAsCpp17")
   list(LENGTH HEADERS count)
   if(count LESS 30)
@@ -62,6 +77,23 @@ elseif(CASE STREQUAL "OtherNumbers")
   string(CONCAT code "#include <geometry/Matrix.h>\nlum::Vector<float, 2> v;\nlum::Point<double, 3> p;\n"
                      "lum::Plane<float> q(1, 0, 0, 0);\nlum::Matrix<double> m;\n")
   expect_to_compile("${code}")
+
+elseif(CASE STREQUAL "OtherArrays")
+  set(arrays "#include <geometry/Matrix.h>\ndouble few[9];\ndouble values[16];\nfloat const many[17] = {};\n")
+  expect_deleted("a matrix has 16 values" "${arrays}" "lum::Matrix<double> a(few)\;" "lum::Matrix<float> b(many)\;")
+  expect_to_compile("${arrays}lum::Matrix<double> a(values);\n")
+
+elseif(CASE STREQUAL "OtherPrecision")
+  string(CONCAT values "#include <geometry/Matrix.h>\n#include <vector>\nusing namespace lum;\n"
+                       "Matrix<float> a;\nMatrix<double> b;\nstd::vector<Point<float, 3>> f;\n"
+                       "std::vector<Vector<double, 3>> d;\n")
+  expect_deleted("convert one first" "${values}" "auto p = a * b\;" "auto q = b * a\;" "auto r = a == b\;" "auto s = b != a\;")
+  expect_deleted("convert it first" "${values}" "auto& p = a *= b\;")
+  expect_deleted("convert the matrix first" "${values}" "void F() { TransformPoints(b, f, f)\; }"
+                 "void G() { TransformVectors(a, d, d)\; }")
+  string(CONCAT converted "auto p = a * Matrix<float>(b);\nauto const& q = a = b;\nMatrix<double> r = a;\n"
+                          "void F() { TransformPoints(Matrix<float>(b), f, f); }\n")
+  expect_to_compile("${values}${converted}")
 
 else()
   message(FATAL_ERROR "No such case: ${CASE}")
