@@ -100,6 +100,7 @@ void AddTransforms(std::string const& i_precision) {
     AddMatrix(i_precision + " from values", a);
     AddMatrix(i_precision + " from a frame", Matrix<T>(p, v, w, x));
     AddMatrix(i_precision + " product", a * b);
+    AddMatrix(i_precision + " product, inverse rebuilt", (a * b).RebuildInverse());
     AddMatrix(i_precision + " normal transform", a.GetNormalTransform());
     AddMatrix(i_precision + " Scale", Matrix<T>::Scale(v[0], v[1], v[2]));
     AddMatrix(i_precision + " Translate", Matrix<T>::Translate(v));
