@@ -3,6 +3,7 @@
 #include <cmath>
 #include <limits>
 #include <stdexcept>
+#include <utility>
 
 #include "geometry/internal/StrictArithmetic.h"
 
@@ -93,8 +94,9 @@ RegulaFalsiResult RegulaFalsiWithLimit(std::function<double(double)> const& i_fu
     if (!bracket.Narrow(x, fx)) break;
     if (std::abs(fx) <= i_tolerance) return {x, {bracket.a, bracket.b}, evaluations, true};
   }
-  double const better = std::abs(bracket.fb) < std::abs(bracket.fa) ? bracket.b : bracket.a;
-  return {better, {bracket.a, bracket.b}, evaluations, false};
+  auto const [root, value] = std::abs(bracket.fb) < std::abs(bracket.fa) ? std::pair(bracket.b, bracket.fb)
+                                                                         : std::pair(bracket.a, bracket.fa);
+  return {root, {bracket.a, bracket.b}, evaluations, std::abs(value) <= i_tolerance};
 }
 
 }  // namespace lum::RootFinding

@@ -39,7 +39,8 @@ LUM_EXPORT double RegulaFalsi(std::function<double(double)> const& i_function, R
 
 /// The result of `RegulaFalsiWithLimit`.
 struct RegulaFalsiResult {
-  double root;  ///< The last estimate if converged, else the end of the bracket with the lesser |f|.
+  double root;  ///< The last estimate if |f| reached the tolerance there, else the end of the bracket with
+                ///< the lesser |f|.
   Range<double>
       bracket;      ///< The last bracket. The signs of the function differ at its ends, or one is a zero.
   int evaluations;  ///< How many times the function was called.

@@ -99,11 +99,10 @@ void RequireTheSameWithLimit(Curve const& i_curve, Run const& i_run, double i_lo
   bool const ends = !i_run.record.is_cut_off && all.size() - 2 <= i_limit;
   if (ends && !std::isnan(i_tolerance)) {
     bool const finds = !std::isnan(i_run.record.result);
-    lum::test::Require(result.converged == finds, "whether the search converges");
     lum::test::Require(!finds || AreSame(result.root, i_run.record.result), "the root");
-  } else {
-    lum::test::Require(!result.converged, "convergence within the limit");
   }
+  lum::test::Require(result.converged == (std::abs(i_curve(result.root)) <= i_tolerance),
+                     "whether the search converges");
   double const lower = result.bracket.GetLower();
   double const upper = result.bracket.GetUpper();
   auto const is_evaluated = [&](double i_end) {
