@@ -19,6 +19,7 @@ function(configure source build)
 endfunction()
 
 # expect_refusal(<expression> <command>...): the command must fail, with output that matches the regular expression.
+# Sets `output`.
 function(expect_refusal text)
   execute_process(
     COMMAND ${ARGN}
@@ -29,6 +30,7 @@ function(expect_refusal text)
   if(result EQUAL 0 OR NOT output MATCHES "${text}")
     message(FATAL_ERROR "Exit ${result}, expected a refusal with \"${text}\":\n${output}")
   endif()
+  set(output "${output}" PARENT_SCOPE)
 endfunction()
 
 # expect_to_miss(<expression> <what> <command>...): the command must fail, with one line that says what is missing and
@@ -216,12 +218,72 @@ elseif(CASE STREQUAL "RefusesFastMathWhenConfiguring")
     file(REMOVE_RECURSE "${WORK_DIR}/lum")
   endforeach()
 
+elseif(CASE STREQUAL "RefusesEveryPartOfFastMathWhenConfiguring")
+  # The function that configuring calls, with one flag at a time.
+  set(script "${WORK_DIR}/refuse.cmake")
+  file(WRITE "${script}" "include(\"${SOURCE_DIR}/cmake/LumStrictArithmetic.cmake\")\nlum_refuse_fast_math()\n")
+  foreach(
+    flag IN
+    ITEMS -Ofast -ffast-math -funsafe-math-optimizations -fassociative-math -freciprocal-math -ffinite-math-only
+          -fno-signed-zeros -fsingle-precision-constant -fno-honor-nans -fno-honor-infinities -fapprox-func
+          -ffp-model=fast -mfpmath=387 -fdenormal-fp-math=positive-zero)
+    foreach(variable IN ITEMS CMAKE_CXX_FLAGS CMAKE_CXX_FLAGS_RELEASE CMAKE_CXX_FLAGS_DEBUG)
+      expect_refusal("promises the order of its operations and cannot be built with ${flag}" "${CMAKE_COMMAND}"
+                     "-D${variable}=-O2 ${flag}" -DCMAKE_BUILD_TYPE=Release "-DCMAKE_CONFIGURATION_TYPES=Release\;Debug"
+                     -P "${script}")
+    endforeach()
+  endforeach()
+  # g++ links a file that switches on flush-to-zero for the process.
+  foreach(variable IN ITEMS CMAKE_SHARED_LINKER_FLAGS CMAKE_SHARED_LINKER_FLAGS_RELEASE)
+    expect_refusal("cannot be built with -ffast-math" "${CMAKE_COMMAND}" "-D${variable}=-ffast-math"
+                   -DCMAKE_BUILD_TYPE=Release -P "${script}")
+  endforeach()
+  run("${CMAKE_COMMAND}" "-DCMAKE_CXX_FLAGS=-O3 -march=native -fno-math-errno -fno-trapping-math -fno-fast-math" -P
+      "${script}")
+  run("${CMAKE_COMMAND}" -DCMAKE_CXX_FLAGS_DEBUG=-ffast-math -DCMAKE_BUILD_TYPE=Release -P "${script}")
+
 elseif(CASE STREQUAL "RefusesFastMathWhenCompiling")
-  foreach(source IN ITEMS Vector Plane TrilinearInterpolation)
-    run("${COMPILER}" -std=c++20 -fsyntax-only "-I${SOURCE_DIR}" "${SOURCE_DIR}/geometry/${source}.cpp")
-    foreach(flag IN ITEMS -ffast-math -ffinite-math-only)
-      expect_refusal("promises the order of its operations" "${COMPILER}" -std=c++20 -fsyntax-only "${flag}"
-                     "-I${SOURCE_DIR}" "${SOURCE_DIR}/geometry/${source}.cpp")
+  # What the macros of each compiler tell. clang has none for single parts of fast-math but -ffinite-math-only.
+  execute_process(COMMAND "${COMPILER}" --version OUTPUT_VARIABLE version COMMAND_ERROR_IS_FATAL ANY)
+  set(refused "-ffast-math>without -ffast-math and -Ofast" "-Ofast>without -ffast-math and -Ofast"
+              "-ffinite-math-only>without -ffinite-math-only")
+  if(version MATCHES "clang")
+    list(APPEND refused "-ffp-model=fast>without -ffast-math and -Ofast")
+  else()
+    list(
+      APPEND
+      refused
+      "-funsafe-math-optimizations>without -funsafe-math-optimizations"
+      "-fassociative-math -fno-signed-zeros -fno-trapping-math>without -fassociative-math"
+      "-freciprocal-math>without -freciprocal-math"
+      "-fno-signed-zeros>without -fno-signed-zeros"
+      "-fsingle-precision-constant>for IEEE 754 arithmetic")
+    execute_process(COMMAND "${COMPILER}" -dumpmachine OUTPUT_VARIABLE machine COMMAND_ERROR_IS_FATAL ANY)
+    if(machine MATCHES "^x86_64")
+      list(APPEND refused "-mfpmath=387>without excess precision")
+    endif()
+  endif()
+  foreach(source IN ITEMS Plane TrilinearInterpolation Vector)
+    set(compile "${COMPILER}" -std=c++20 -fsyntax-only "-I${SOURCE_DIR}" "${SOURCE_DIR}/geometry/${source}.cpp")
+    run(${compile})
+    run(${compile} -O3 -fno-math-errno -fno-trapping-math)
+    if(NOT source STREQUAL "Vector")
+      # One flag shows that the source includes the check; the last source tries all.
+      set(tried "-ffast-math>without -ffast-math and -Ofast")
+    else()
+      set(tried "${refused}")
+    endif()
+    foreach(flags_and_text IN LISTS tried)
+      string(REPLACE ">" ";" flags_and_text "${flags_and_text}")
+      list(GET flags_and_text 0 flags)
+      list(GET flags_and_text 1 text)
+      separate_arguments(flags UNIX_COMMAND "${flags}")
+      expect_refusal("promises the order of its operations: build it ${text}" ${compile} ${flags})
+      string(REGEX MATCHALL "error: " errors "${output}")
+      list(LENGTH errors count)
+      if(NOT count EQUAL 1)
+        message(FATAL_ERROR "${count} errors:\n${output}")
+      endif()
     endforeach()
   endforeach()
 
