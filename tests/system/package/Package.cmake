@@ -204,6 +204,45 @@ elseif(CASE STREQUAL "FindsNoOtherVersion")
 elseif(CASE STREQUAL "SubprojectWithAnEigenOfItsOwn")
   build_consumer(SHARED "-DLUM_SOURCE_DIR=${SOURCE_DIR}" "-DOWN_EIGEN=${EIGEN_INCLUDE_DIR}")
 
+elseif(CASE STREQUAL "IsOptimisedWithoutABuildType")
+  # expect_level(<name> <level of lum> <level of the rest> <source> <argument>...): configures, and compares the options
+  # that set a level of optimisation in the commands for a source of lum and for the user's program.
+  function(expect_level name of_lum of_rest source)
+    set(build "${WORK_DIR}/${name}")
+    execute_process(
+      COMMAND "${CMAKE_COMMAND}" -E env --unset=CXXFLAGS --unset=CMAKE_BUILD_TYPE "${CMAKE_COMMAND}" -S "${source}" -B
+              "${build}" "-DCMAKE_CXX_COMPILER=${COMPILER}" -DCMAKE_EXPORT_COMPILE_COMMANDS=ON ${ARGN}
+      OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
+    file(READ "${build}/compile_commands.json" commands)
+    foreach(what IN ITEMS lum rest)
+      set(file_lum "geometry/Matrix.cpp")
+      set(file_rest "/main.cpp")
+      string(REGEX MATCH "\"command\": \"[^\n]*${file_${what}}\"" command "${commands}")
+      string(REGEX MATCHALL " -O[^ ]*" levels "${command}")
+      if(NOT "${levels}" STREQUAL "${of_${what}}" OR (what STREQUAL lum AND NOT command))
+        message(SEND_ERROR "${name}: ${what} is compiled by \"${levels}\", expected \"${of_${what}}\":\n${command}")
+      endif()
+    endforeach()
+  endfunction()
+  set(consumer "${SOURCE_DIR}/tests/system/package/consumer")
+  set(subproject -G "${GENERATOR}" -DKIND=SHARED "-DLUM_SOURCE_DIR=${SOURCE_DIR}")
+  set(fetched -G "${GENERATOR}" -DKIND=SHARED -DLUM_ARCHIVE=unused "-DFETCHCONTENT_SOURCE_DIR_LUM=${SOURCE_DIR}")
+  expect_level(subproject " -O3" "" "${consumer}" ${subproject})
+  expect_level(fetched " -O3" "" "${consumer}" ${fetched})
+  expect_level(flags " -O3" "" "${consumer}" ${subproject} "-DCMAKE_CXX_FLAGS=-g -DNAME=-O")
+  expect_level(debug "" "" "${consumer}" ${subproject} -DCMAKE_BUILD_TYPE=Debug)
+  expect_level(small " -Os" " -Os" "${consumer}" ${subproject} -DCMAKE_BUILD_TYPE=MinSizeRel)
+  expect_level(own_level " -O1" " -O1" "${consumer}" ${subproject} -DCMAKE_CXX_FLAGS=-O1)
+  expect_level(top_level " -O3" "" "${SOURCE_DIR}" -G "${GENERATOR}")
+  if(GENERATOR STREQUAL "Ninja")
+    expect_level(multi "" "" "${consumer}" -G "Ninja Multi-Config" -DKIND=SHARED "-DLUM_SOURCE_DIR=${SOURCE_DIR}"
+                 -DCMAKE_CONFIGURATION_TYPES=Debug)
+  endif()
+  file(WRITE "${WORK_DIR}/parent/CMakeLists.txt"
+       "cmake_minimum_required(VERSION 3.25)\nproject(parent LANGUAGES CXX)\nadd_compile_options(-Og)\n"
+       "add_subdirectory(\"${SOURCE_DIR}\" lum)\n")
+  expect_level(parent_level " -Og" "" "${WORK_DIR}/parent" -G "${GENERATOR}")
+
 elseif(CASE STREQUAL "IsNotFoundWithoutEigen")
   find_libdir(libdir)
   file(WRITE "${WORK_DIR}/seeker/CMakeLists.txt" "cmake_minimum_required(VERSION 3.25)\nproject(seeker LANGUAGES CXX)\n"
