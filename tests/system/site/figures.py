@@ -5,6 +5,7 @@
     recipes                          how many programs examples/recipes holds
     versions <CMake's> <Eigen's> <compiler> <compiler's>
                                      the versions of the tools with which lum is built, which README.md names
+    chains                           the errors after 100,000 products, which pages take from cookbook.md
     choosing                         the times that choosing.md takes from performance.md
     install                          the commands by which programs are built and linked
     cube <program>                   the orders and the numbers of other libraries, as the program prints them
@@ -28,8 +29,8 @@ ROOT = pathlib.Path(sys.argv[1])
 UPDATE = os.environ.get("LUM_UPDATE_FIGURES") == "1"
 RELIABILITY = "docs/reliability.md"
 # What {} and {w} stand for in a sentence: a number, with its unit if it is a time, and a number in words.
-NUMBER = r"(\d(?:[\d,.]*\d)?(?:\s(?:ns|µs|ms)\b)?)"
-WORD = r"([a-z]+)"
+NUMBER = r"(\d(?:[\d,.]*\d)?(?:e-\d+|\s(?:ns|µs|ms)\b)?)"
+WORD = r"([A-Za-z]+)"
 WORDS = ("no one two three four five six seven eight nine ten eleven twelve thirteen fourteen fifteen sixteen seventeen "
          "eighteen nineteen twenty").split()
 
@@ -85,6 +86,8 @@ def check_recipes():
     count = len(list((ROOT / "examples/recipes").glob("*.cpp")))
     compare("README.md", "| [cookbook](docs/cookbook.md) | {w} short programs for common tasks |", WORDS[count])
     compare("docs/start.md", "| [Cookbook](cookbook.md) | {w} common tasks,", WORDS[count])
+    compare("docs/cookbook.md", "{w} programs for common tasks", WORDS[count].capitalize())
+    compare("CHANGELOG.md", "- `docs/cookbook.md`: {w} programs for common tasks", WORDS[count])
     shown = read("docs/cookbook.md").count("\n## ")
     if shown != count:
         faults.append(f"docs/cookbook.md has {shown} sections for {count} programs")
@@ -98,6 +101,18 @@ def check_versions():
     compare("README.md", sentence, ".".join(compiler_version.split(".")[:2]))
     compare("README.md", ", CMake {} and Eigen {}.", ".".join(cmake.split(".")[:2]), eigen)
     return "the versions of the tools"
+
+
+def check_chains():
+    # The test of the recipe compares these rows with what the program prints.
+    rows = re.findall(r"^(float|double) +100000 +(\S+) +\S+ +(\S+)$", read("docs/cookbook.md"), re.MULTILINE)
+    errors = [float(error) for _, stored, rebuilt in rows for error in (stored, rebuilt)]
+    texts = [f"{error:.2g}" if error >= 0.01 else f"{error:.1e}".replace("e-0", "e-") for error in errors]
+    compare("README.md", "in `float` it is off by {}, and by {} after `RebuildInverse`; in `double` by {}, and by {} after it", *texts)
+    compare("docs/choosing.md", "is off by {}, and by {} once the inverse is rebuilt; in `double` by {} and {}.", *texts)
+    compare("docs/concepts.md", "it is off by {} with the stored inverse, and by {} with an inverse", *texts[:2])
+    compare("docs/concepts.md", "In `double`, it is off by {} and {}.", *texts[2:])
+    return f"{len(errors)} errors of long chains"
 
 
 # Sentences of choosing.md, with the row and the contestant in performance.md of each of their times.
@@ -253,7 +268,7 @@ def check_coverage():
 
 
 CHECKS = {"mutants": check_mutants, "fixes": check_fixes, "recipes": check_recipes, "versions": check_versions,
-          "choosing": check_choosing, "install": check_install, "cube": check_cube, "executions": check_executions,
+          "chains": check_chains, "choosing": check_choosing, "install": check_install, "cube": check_cube, "executions": check_executions,
           "states": check_states, "coverage": check_coverage}
 
 
