@@ -146,6 +146,66 @@ void AddSharing() {
   // The report subtracts the row Translate, which creates the same transform.
   Add("Translate, inverted as a temporary" + of, "lum",
       Repeat([] { return Matrix<T>::Translate(Opaque<T>(1), 2, 3).GetInverse(); }));
+  Add("Translate, inverted in place" + of, "lum", Repeat([] {
+        auto created = Matrix<T>::Translate(Opaque<T>(1), 2, 3);
+        created.Invert();
+        return created;
+      }));
+}
+
+// Repeats a change of a value in place.
+template <class Value, class Change>
+auto RepeatInPlace(Value i_value, Change i_change) {
+  return [i_value, i_change](benchmark::State& io_state) {
+    Value value = i_value;
+    for ([[maybe_unused]] auto const iteration : io_state) {
+      benchmark::DoNotOptimize(value);
+      i_change(value);
+      benchmark::ClobberMemory();
+    }
+  };
+}
+
+template <class T>
+void AddInverses() {
+  std::string const of = ", " + GetName<T>();
+  auto const values = MakeValues<T>();
+  Matrix<T> const matrix(values.data());
+  auto const pair = Pair<T>::FromValues(values.data());
+  EigenTransform<T> const general = *pair.transform;
+  Eigen::Transform<T, 3, Eigen::Affine> const affine(general.matrix());
+
+  Add("Invert" + of, "lum", RepeatInPlace(matrix, [](auto& io_value) { io_value.Invert(); }));
+  Add("Invert" + of, "R",
+      RepeatInPlace(pair, [](auto& io_value) { std::swap(io_value.transform, io_value.inverse); }));
+  auto const invert = [](auto& io_value) { io_value = io_value.inverse(); };
+  Add("Invert" + of, "Eigen values", RepeatInPlace(general, invert));
+  Add("Invert" + of, "Eigen values, affine", RepeatInPlace(affine, invert));
+
+  Add("RebuildInverse" + of, "lum", RepeatInPlace(matrix, [](auto& io_value) { io_value.RebuildInverse(); }));
+  Add("RebuildInverse" + of, "R", RepeatInPlace(pair, [](auto& io_value) {
+        io_value.inverse->matrix() = io_value.transform->matrix().inverse();
+      }));
+
+  Add("GetNormalTransform" + of, "lum", Repeat([matrix] { return matrix.GetNormalTransform(); }));
+  Add("GetNormalTransform" + of, "Eigen values, affine", Repeat([affine]() mutable {
+        benchmark::DoNotOptimize(affine);
+        return affine.linear().inverse().transpose().eval();
+      }));
+
+  Plane<T> const plane(1, 2, 3, 4);
+  Eigen::Hyperplane<T, 3> const eigen_plane(Eigen::Matrix<T, 3, 1>(1, 2, 3).normalized(), -4);
+  Add("times plane" + of, "lum", Repeat([matrix, plane]() mutable {
+        benchmark::DoNotOptimize(plane);
+        return matrix * plane;
+      }));
+  Add("times plane" + of, "Eigen values, affine", Repeat([affine, eigen_plane]() mutable {
+        benchmark::DoNotOptimize(affine);
+        benchmark::DoNotOptimize(eigen_plane);
+        auto image = eigen_plane;
+        image.transform(affine);
+        return image;
+      }));
 }
 
 constexpr std::size_t kMany = 1000;
@@ -201,6 +261,8 @@ void Register() {
   AddProducts<double>();
   AddSharing<float>();
   AddSharing<double>();
+  AddInverses<float>();
+  AddInverses<double>();
   AddMany<float>();
   AddMany<double>();
 }
