@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <iterator>
 #include <stdexcept>
 #include <string>
@@ -36,9 +37,11 @@ void WritePng(Picture const& i_picture, OutputFile& io_file) {
   image.height = static_cast<png_uint_32>(i_picture.height);
   bool const is_grey = i_picture.pixels.size() == i_picture.width * i_picture.height;
   image.format = is_grey ? PNG_FORMAT_GRAY : PNG_FORMAT_RGB;
-  if (png_image_write_to_file(&image, io_file.Begin().c_str(), 0, i_picture.pixels.data(), 0, nullptr) == 0) {
-    throw std::runtime_error("cannot write " + io_file.GetPath() + ": " + image.message);
-  }
+  io_file.Write([&](std::FILE* op_stream) {
+    if (png_image_write_to_stdio(&image, op_stream, 0, i_picture.pixels.data(), 0, nullptr) == 0) {
+      throw std::runtime_error("cannot write " + io_file.GetPath() + ": " + image.message);
+    }
+  });
 }
 
 }  // namespace common

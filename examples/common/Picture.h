@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "common/OutputFile.h"
+#include "common/OutputFiles.h"
 
 namespace common {
 

@@ -4,9 +4,9 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <fstream>
+#include <cstdio>
 #include <ostream>
-#include <stdexcept>
+#include <sstream>
 
 namespace common {
 namespace {
@@ -79,7 +79,7 @@ class Plot {
 }  // namespace
 
 void WritePlot(std::string const& i_title, std::vector<Curve> const& i_curves, OutputFile& io_file) {
-  std::ofstream svg(io_file.Begin());
+  std::ostringstream svg;
   svg << "<svg xmlns='http://www.w3.org/2000/svg' viewBox='0 0 760 420' width='760' height='420'\n"
          "     font-family='sans-serif' font-size='15' fill='#444'>\n"
          "<rect width='760' height='420' rx='10' fill='#fff'/>\n"
@@ -89,7 +89,8 @@ void WritePlot(std::string const& i_title, std::vector<Curve> const& i_curves, O
   plot.DrawIterations();
   for (Curve const& curve : i_curves) plot.DrawCurve(curve);
   svg << "</svg>\n";
-  if (!svg.flush()) throw std::runtime_error("cannot write " + io_file.GetPath());
+  std::string const text = svg.str();
+  io_file.Write([&](std::FILE* op_stream) { std::fwrite(text.data(), 1, text.size(), op_stream); });
 }
 
 }  // namespace common

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "common/OutputFile.h"
+#include "common/OutputFiles.h"
 
 namespace common {
 

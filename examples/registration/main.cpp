@@ -26,7 +26,7 @@
 #include <vector>
 
 #include "common/Arguments.h"
-#include "common/OutputFile.h"
+#include "common/OutputFiles.h"
 #include "common/Plot.h"
 
 namespace {
@@ -166,7 +166,8 @@ void Report(Registration const& i_result, Matrix const& i_truth) {
 void Run(common::CommandLine const& i_line) {
   i_line.RequirePaths(
       1, "usage: registration OUTPUT.svg [--points N] [--noise SIGMA] [--angle DEGREES] [--seed N]");
-  common::OutputFile file(i_line.GetPaths()[0]);
+  common::OutputFiles files;
+  common::OutputFile& file = files.Add(i_line.GetPaths()[0]);
   std::size_t const count = i_line.GetCount("--points", 1000000, 4000);
   double const noise = i_line.GetNumber("--noise", 0.005);
   if (noise < 0 || noise > 1) throw std::invalid_argument("--noise takes a number from 0 to 1");
@@ -185,7 +186,7 @@ void Run(common::CommandLine const& i_line) {
       "Root mean square distance of the points",
       {{"between pairs", "#c05a1c", result.between_pairs}, {"from the truth", "#205a9e", result.from_truth}},
       file);
-  file.Publish();
+  files.Publish();
   Report(result, truth);
 }
 

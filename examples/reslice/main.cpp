@@ -12,11 +12,12 @@
 #include <iostream>
 #include <numbers>
 #include <stdexcept>
+#include <string>
 #include <string_view>
 #include <vector>
 
 #include "common/Arguments.h"
-#include "common/OutputFile.h"
+#include "common/OutputFiles.h"
 #include "common/Picture.h"
 #include "common/Volume.h"
 #include "reslice/Slice.h"
@@ -54,13 +55,15 @@ int main(int i_count, char** ip_words) {
     common::CommandLine const line(i_count, ip_words, {"--axis", "--angle", "--offset", "--size"});
     reslice::Placement const placement = GetPlacement(line);
     line.RequirePaths(2, usage);
-    common::Volume const volume = common::ReadVolume(line.GetPaths()[0]);
+    std::string const& input = line.GetPaths()[0];
+    common::OutputFiles files({input});
+    common::OutputFile& picture = files.Add(line.GetPaths()[1]);
+    common::Volume const volume = common::ReadVolume(input);
     reslice::Slice const slice = reslice::PlaceSlice(volume, placement);
     reslice::Samples const samples = reslice::Resample(volume, slice);
-    common::OutputFile file(line.GetPaths()[1]);
-    common::WritePng(common::StretchContrast(slice.width, slice.height, samples), file);
-    file.Publish();
-    std::cout << line.GetPaths()[1] << ": " << slice.width << " x " << slice.height << " mm\n";
+    common::WritePng(common::StretchContrast(slice.width, slice.height, samples), picture);
+    files.Publish();
+    std::cout << picture.GetPath() << ": " << slice.width << " x " << slice.height << " mm\n";
     return 0;
   } catch (std::exception const& exception) {
     std::cerr << "reslice: " << exception.what() << '\n';

@@ -22,7 +22,7 @@
 #include <vector>
 
 #include "common/Arguments.h"
-#include "common/OutputFile.h"
+#include "common/OutputFiles.h"
 #include "common/Picture.h"
 
 namespace {
@@ -200,13 +200,14 @@ Drawing Draw(Nodes const& i_nodes) {
 
 void Run(common::CommandLine const& i_line) {
   i_line.RequirePaths(1, "usage: scene OUTPUT.png [--nodes N] [--frames N]");
-  common::OutputFile file(i_line.GetPaths()[0]);
+  common::OutputFiles files;
+  common::OutputFile& file = files.Add(i_line.GetPaths()[0]);
   Nodes nodes = MakeNodes(i_line.GetCount("--nodes", 1000000, 10000));
   std::size_t const frames = i_line.GetCount("--frames", 100000, 60);
   double const frame_time = UpdateRepeatedly(frames, nodes);
   Drawing const drawing = Draw(nodes);
   common::WritePng(drawing.picture, file);
-  file.Publish();
+  files.Publish();
   std::printf("%zu nodes, %zu deep; %zu frames of %.2f ms\n", nodes.size(), nodes.back().depth, frames,
               frame_time);
   std::printf("world * inverse deviates from the identity by %.1e\n",

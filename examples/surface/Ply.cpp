@@ -3,9 +3,9 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
-#include <fstream>
-#include <stdexcept>
+#include <sstream>
 #include <string>
 
 namespace surface {
@@ -14,7 +14,7 @@ namespace {
 // Buffers the bytes of the file and writes them in large pieces.
 class Bytes {
  public:
-  explicit Bytes(std::ofstream& io_file) : m_file(io_file) {}
+  explicit Bytes(std::FILE* op_stream) : mp_stream(op_stream) {}
 
   template <class T>
   void Add(T i_value) {
@@ -29,33 +29,33 @@ class Bytes {
     for (double const component : i_vector) Add(static_cast<float>(component));
   }
   void Flush() {
-    m_file.write(m_bytes.data(), static_cast<std::streamsize>(m_bytes.size()));
+    std::fwrite(m_bytes.data(), 1, m_bytes.size(), mp_stream);
     m_bytes.clear();
   }
 
  private:
   static constexpr std::size_t piece = 1 << 16;
 
-  std::ofstream& m_file;
+  std::FILE* mp_stream;
   std::string m_bytes;
 };
 
-}  // namespace
+void WriteMesh(Mesh const& i_mesh, Palette const& i_palette, std::FILE* op_stream,
+               Progress const& i_progress) {
+  std::ostringstream header;
+  header << "ply\n"
+            "format binary_little_endian 1.0\n"
+         << "element vertex " << i_mesh.vertices.size() << '\n'
+         << "property float x\nproperty float y\nproperty float z\n"
+            "property float nx\nproperty float ny\nproperty float nz\n"
+            "property uchar red\nproperty uchar green\nproperty uchar blue\n"
+         << "element face " << i_mesh.triangles.size() << '\n'
+         << "property list uchar int vertex_indices\n"
+            "end_header\n";
+  std::string const text = header.str();
+  std::fwrite(text.data(), 1, text.size(), op_stream);
 
-void WritePly(Mesh const& i_mesh, Palette const& i_palette, common::OutputFile& io_file,
-              Progress const& i_progress) {
-  std::ofstream file(io_file.Begin(), std::ios::binary);
-  file << "ply\n"
-          "format binary_little_endian 1.0\n"
-       << "element vertex " << i_mesh.vertices.size() << '\n'
-       << "property float x\nproperty float y\nproperty float z\n"
-          "property float nx\nproperty float ny\nproperty float nz\n"
-          "property uchar red\nproperty uchar green\nproperty uchar blue\n"
-       << "element face " << i_mesh.triangles.size() << '\n'
-       << "property list uchar int vertex_indices\n"
-          "end_header\n";
-
-  Bytes bytes(file);
+  Bytes bytes(op_stream);
   auto const total = static_cast<double>(i_mesh.vertices.size() + i_mesh.triangles.size());
   std::size_t done = 0;
   auto const count = [&] {
@@ -73,8 +73,13 @@ void WritePly(Mesh const& i_mesh, Palette const& i_palette, common::OutputFile& 
     count();
   }
   bytes.Flush();
-  file.close();
-  if (!file) throw std::runtime_error("cannot write " + io_file.GetPath());
+}
+
+}  // namespace
+
+void WritePly(Mesh const& i_mesh, Palette const& i_palette, common::OutputFile& io_file,
+              Progress const& i_progress) {
+  io_file.Write([&](std::FILE* op_stream) { WriteMesh(i_mesh, i_palette, op_stream, i_progress); });
 }
 
 }  // namespace surface

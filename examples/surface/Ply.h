@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/OutputFile.h"
+#include "common/OutputFiles.h"
 #include "surface/Colour.h"
 #include "surface/Contour.h"
 #include "surface/Mesh.h"

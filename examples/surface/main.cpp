@@ -18,22 +18,19 @@
 #include <csignal>
 #include <cstddef>
 #include <exception>
-#include <filesystem>
 #include <functional>
 #include <iostream>
 #include <memory>
 #include <numbers>
 #include <optional>
-#include <set>
 #include <sstream>
 #include <stdexcept>
 #include <string>
 #include <string_view>
-#include <system_error>
 #include <utility>
 #include <vector>
 
-#include "common/OutputFile.h"
+#include "common/OutputFiles.h"
 #include "common/Picture.h"
 #include "common/Volume.h"
 #include "surface/Colour.h"
@@ -73,15 +70,6 @@ void ThrowIfInterrupted() {
   if (is_interrupted) throw Interrupted();
 }
 
-// Throws if an output would replace the input or the other output.
-void RefuseEqualPaths(surface::Options const& i_options) {
-  std::set<std::filesystem::path> paths;
-  for (std::string const& path : {i_options.input, i_options.mesh, i_options.picture}) {
-    if (path.empty() || paths.insert(std::filesystem::weakly_canonical(path)).second) continue;
-    throw std::invalid_argument(path + " is named twice");
-  }
-}
-
 // The field to be contoured, with the volume that it refers to, and the view except for its rotation.
 struct Scene {
   std::optional<common::Volume> volume;
@@ -117,10 +105,14 @@ class Program {
       : m_options(std::move(i_options)), m_report(m_options.is_quiet) {}
 
   void Run() {
-    RefuseEqualPaths(m_options);
-    std::optional<common::OutputFile> picture;
-    common::OutputFile mesh_file(m_options.mesh);
-    if (!m_options.picture.empty()) picture.emplace(m_options.picture);
+    common::OutputFiles files(GetInputs());
+    if (m_options.frames > 0) files.AddFolder(m_options.turntable_folder);
+    common::OutputFile& mesh_file = files.Add(m_options.mesh);
+    common::OutputFile* const p_picture = m_options.picture.empty() ? nullptr : &files.Add(m_options.picture);
+    std::vector<common::OutputFile*> frames;
+    for (std::size_t frame = 0; frame < m_options.frames; ++frame) {
+      frames.push_back(&files.Add(GetFramePath(m_options.turntable_folder, frame)));
+    }
 
     Begin("reading");
     Scene scene = MakeScene(m_options);
@@ -128,21 +120,18 @@ class Program {
     surface::Mesh const mesh = surface::Contour(*scene.field, m_progress);
     Begin("writing");
     surface::WritePly(mesh, scene.view.palette, mesh_file, m_progress);
-    if (picture) {
+    if (p_picture != nullptr) {
       Begin("drawing");
       scene.view.rotation = surface::LookAt(three_quarter_view);
-      common::WritePng(surface::Draw(mesh, scene.view, m_progress), *picture);
+      common::WritePng(surface::Draw(mesh, scene.view, m_progress), *p_picture);
     }
-    std::vector<common::OutputFile> frames;
-    if (m_options.frames > 0) {
+    if (!frames.empty()) {
       Begin("turning");
-      frames = DrawTurntable(mesh, scene.view);
+      DrawTurntable(mesh, scene.view, frames);
     }
 
     m_progress(1);
-    mesh_file.Publish();
-    if (picture) picture->Publish();
-    for (common::OutputFile& frame : frames) frame.Publish();
+    files.Publish();
     std::ostringstream line;
     line << m_options.mesh << ": " << mesh.vertices.size() << " vertices, " << mesh.triangles.size()
          << " triangles";
@@ -157,22 +146,21 @@ class Program {
     m_progress(0);
   }
 
-  std::vector<common::OutputFile> DrawTurntable(surface::Mesh const& i_mesh, surface::View i_view) {
-    std::error_code error;
-    std::filesystem::create_directories(m_options.turntable_folder, error);
-    if (error)
-      throw std::runtime_error("cannot write " + m_options.turntable_folder + ": " + error.message());
+  std::vector<std::string> GetInputs() const {
+    if (m_options.input.empty()) return {};
+    return {m_options.input};
+  }
+
+  void DrawTurntable(surface::Mesh const& i_mesh, surface::View i_view,
+                     std::vector<common::OutputFile*> const& i_frames) {
     i_view.size = frame_size;
     i_view.is_turning = true;
     surface::Progress const check_interrupt = [](double) { ThrowIfInterrupted(); };
-    std::vector<common::OutputFile> frames;
-    for (std::size_t frame = 0; frame < m_options.frames; ++frame) {
-      m_progress(static_cast<double>(frame) / static_cast<double>(m_options.frames));
-      i_view.rotation = surface::Turn(three_quarter_view, frame, m_options.frames);
-      frames.emplace_back(GetFramePath(m_options.turntable_folder, frame));
-      common::WritePng(surface::Draw(i_mesh, i_view, check_interrupt), frames.back());
+    for (std::size_t frame = 0; frame < i_frames.size(); ++frame) {
+      m_progress(static_cast<double>(frame) / static_cast<double>(i_frames.size()));
+      i_view.rotation = surface::Turn(three_quarter_view, frame, i_frames.size());
+      common::WritePng(surface::Draw(i_mesh, i_view, check_interrupt), *i_frames[frame]);
     }
-    return frames;
   }
 
   surface::Options m_options;

@@ -102,6 +102,14 @@ class ProgramTest : public testing::Test {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
   }
 
+  // Whether the folder of the test or one in it has a temporary file of an output.
+  bool HasTemporaryFile() const {
+    std::filesystem::recursive_directory_iterator const entries(m_folder);
+    return std::any_of(begin(entries), end(entries), [](auto const& i_entry) {
+      return i_entry.path().filename().string().starts_with(".lum-");
+    });
+  }
+
   // Expects a failure, one line on standard error that contains the text, and none of the outputs.
   void ExpectRefusal(std::string const& i_arguments, std::string const& i_text,
                      std::vector<std::string> const& i_outputs) const {
@@ -114,8 +122,8 @@ class ProgramTest : public testing::Test {
     EXPECT_TRUE(ReadBytes(In("out")).empty());
     for (std::string const& output : i_outputs) {
       EXPECT_FALSE(std::filesystem::is_regular_file(output)) << output;
-      EXPECT_FALSE(std::filesystem::exists(output + ".part")) << output;
     }
+    EXPECT_FALSE(HasTemporaryFile());
   }
 
   Affine const m_straight = {{{1, 0, 0, -2}, {0, 1, 0, -1}, {0, 0, 1, 5}}};

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "common/OutputFile.h"
+#include "common/OutputFiles.h"
 #include "common/Plot.h"
 #include "tests/unit/examples/ProgramTest.h"
 
@@ -128,9 +128,10 @@ TEST_F(Registration, RefusesBadArguments) {
 }
 
 TEST_F(Registration, APlotIsLogarithmic) {
-  common::OutputFile file(In("decades.svg"));
+  common::OutputFiles files;
+  common::OutputFile& file = files.Add(In("decades.svg"));
   common::WritePlot("Decades", {{"falling", "#000", {100, 10, 1, 0.1}}}, file);
-  file.Publish();
+  files.Publish();
   auto const lines = ReadLines(In("decades.svg"));
   ASSERT_EQ(lines.size(), 1U);
   ASSERT_EQ(lines[0].size(), 4U);
@@ -144,9 +145,10 @@ TEST_F(Registration, APlotIsLogarithmic) {
 }
 
 TEST_F(Registration, APlotOfOneValueHasAScale) {
-  common::OutputFile file(In("one.svg"));
+  common::OutputFiles files;
+  common::OutputFile& file = files.Add(In("one.svg"));
   common::WritePlot("One", {{"single", "#000", {1}}}, file);
-  file.Publish();
+  files.Publish();
   auto const lines = ReadLines(In("one.svg"));
   ASSERT_EQ(lines.size(), 1U);
   ASSERT_EQ(lines[0].size(), 1U);
