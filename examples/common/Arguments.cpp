@@ -7,6 +7,8 @@
 #include <string>
 #include <system_error>
 
+#include "common/Conversion.h"
+
 namespace common {
 
 double ParseNumber(std::string_view i_option, std::string_view i_text) {
@@ -25,7 +27,7 @@ std::size_t ParseCount(std::string_view i_option, std::string_view i_text, std::
     throw std::invalid_argument(std::string(i_option) + " takes a whole number from 1 to " +
                                 std::to_string(i_largest));
   }
-  return static_cast<std::size_t>(count);
+  return ToInteger<std::size_t>(count);
 }
 
 std::vector<double> ParseList(std::string_view i_option, std::string_view i_text, std::string_view i_form) {

@@ -9,6 +9,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "common/Conversion.h"
+
 namespace common {
 
 Picture StretchContrast(std::size_t i_width, std::size_t i_height, std::vector<double> const& i_samples) {
@@ -24,8 +26,7 @@ Picture StretchContrast(std::size_t i_width, std::size_t i_height, std::vector<d
   Picture picture{i_width, i_height, {}};
   picture.pixels.reserve(i_samples.size());
   for (double const sample : i_samples) {
-    double const grey = std::isnan(sample) ? 0 : std::clamp((sample - dark) * scale, 0.0, 255.0);
-    picture.pixels.push_back(static_cast<std::uint8_t>(std::lround(grey)));
+    picture.pixels.push_back(ToByte((sample - dark) * scale));
   }
   return picture;
 }

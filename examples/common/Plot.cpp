@@ -8,6 +8,8 @@
 #include <ostream>
 #include <sstream>
 
+#include "common/Conversion.h"
+
 namespace common {
 namespace {
 
@@ -30,7 +32,7 @@ class Plot {
   }
 
   void DrawDecades() {
-    auto const decades = static_cast<int>(m_high_power - m_low_power);
+    auto const decades = ToInteger<int>(m_high_power - m_low_power);
     for (int decade = 0; decade <= decades; ++decade) {
       double const value = std::pow(10, m_low_power + decade);
       double const y = ToY(value);

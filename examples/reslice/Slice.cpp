@@ -10,6 +10,8 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "common/Conversion.h"
+
 namespace reslice {
 namespace {
 
@@ -36,6 +38,11 @@ Point GetMiddle(common::Volume const& i_volume) {
     middle[axis] = static_cast<double>(voxel);
   }
   return middle;
+}
+
+bool IsFinite(lum::Matrix<double> const& i_matrix) {
+  double const* const p_values = i_matrix.GetAsPtr();
+  return std::all_of(p_values, p_values + 16, [](double i_value) { return std::isfinite(i_value); });
 }
 
 // The extent of a slice from its middle, in pixels.
@@ -118,9 +125,13 @@ Slice PlaceSlice(common::Volume const& i_volume, Placement const& i_placement) {
     throw std::invalid_argument(
         "the slice would be more than 16384 pixels wide or high; --size makes it smaller");
   }
-  return {static_cast<std::size_t>(extent.left + extent.right) + 1,
-          static_cast<std::size_t>(extent.down + extent.up) + 1,
-          plane_to_world * lum::Matrix<double>::Translate(-extent.left, -extent.down, 0)};
+  lum::Matrix<double> const pixel_to_world =
+      plane_to_world * lum::Matrix<double>::Translate(-extent.left, -extent.down, 0);
+  if (!IsFinite(pixel_to_world) || !IsFinite(i_volume.voxel_to_world.GetInverse() * pixel_to_world)) {
+    throw std::invalid_argument("the volume is too large, too small, too flat or too far away to be sliced");
+  }
+  return {common::ToInteger<std::size_t>(extent.left + extent.right) + 1,
+          common::ToInteger<std::size_t>(extent.down + extent.up) + 1, pixel_to_world};
 }
 
 Samples Resample(common::Volume const& i_volume, Slice const& i_slice) {

@@ -22,6 +22,7 @@
 #include <vector>
 
 #include "common/Arguments.h"
+#include "common/Conversion.h"
 #include "common/OutputFiles.h"
 #include "common/Picture.h"
 
@@ -187,7 +188,7 @@ Drawing Draw(Nodes const& i_nodes) {
     Hit hit;
     Pick(i_nodes, 0, ray, hit);
     for (float const value : GetColour(i_nodes, hit)) {
-      drawing.picture.pixels.push_back(static_cast<std::uint8_t>(value));
+      drawing.picture.pixels.push_back(common::ToInteger<std::uint8_t>(static_cast<double>(value)));
     }
     if (pixel % stride != 0) continue;
     Hit const expected = PickInWorld(i_nodes, ray);

@@ -10,6 +10,7 @@
 #include <array>
 #include <atomic>
 #include <chrono>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -47,11 +48,6 @@ struct Crossing {
   Point point;
   Vector normal;
 };
-
-// The fallback is for vectors of length zero: gradients of a flat field, and sums of normals that cancel.
-Vector NormalizedOr(Vector const& i_fallback, Vector const& i_vector) {
-  return lum::GetSquaredLength(i_vector) > 0 ? lum::GetNormalized(i_vector) : i_fallback;
-}
 
 Point InCell(Point const& i_point, Point const& i_origin) { return lum::Origin + (i_point - i_origin); }
 
@@ -213,7 +209,7 @@ Quadric::Minimum Sweep::Sharpen(std::vector<Crossing> const& i_crossings, Point 
     Point const close = lum::LinearInterpolation(first, crossing.point, closeness);
     Vector const gradient = m_field.GetGradient(close);
     double const square = lum::GetSquaredLength(gradient);
-    if (!(square > 0)) return i_minimum;
+    if (!std::isnormal(square)) return i_minimum;
     Point const touch = close - gradient * (m_field.Evaluate(close) / square);
     quadric.Add(InCell(touch, i_origin), -lum::GetNormalized(gradient));
   }

@@ -9,7 +9,10 @@
 #include <cstdint>
 #include <limits>
 #include <numbers>
+#include <stdexcept>
 #include <vector>
+
+#include "common/Conversion.h"
 
 // Draw, at the end, runs four passes over a Canvas of samples:
 //   DrawMesh        the triangles: depth, shading, and whether the back of the surface is seen
@@ -45,6 +48,15 @@ Box GetBox(Mesh const& i_mesh, lum::Matrix<double> const& i_transform) {
   return box;
 }
 
+[[noreturn]] void RefuseToDraw() {
+  throw std::runtime_error("the surface is too large, too small, too flat or too far away to be drawn");
+}
+
+bool IsFinite(lum::Matrix<double> const& i_matrix) {
+  double const* const p_values = i_matrix.GetAsPtr();
+  return std::all_of(p_values, p_values + 16, [](double i_value) { return std::isfinite(i_value); });
+}
+
 // Rotates the mesh and fits it between -1 and 1, the range of the picture.
 lum::Matrix<double> GetWorldToView(Mesh const& i_mesh, lum::Quaternionf const& i_rotation,
                                    bool i_is_turning) {
@@ -54,7 +66,8 @@ lum::Matrix<double> GetWorldToView(Mesh const& i_mesh, lum::Quaternionf const& i
   auto const [width, height, depth] = high - low;
   constexpr double margin = 1.08;
   // At any rotation, a box stays within its diagonal.
-  double const extent = i_is_turning ? lum::GetLength(high - low) : margin * std::max(width, height);
+  double const extent = i_is_turning ? std::hypot(width, height, depth) : margin * std::max(width, height);
+  if (!(extent > 0)) RefuseToDraw();
   lum::Matrix<double> const fit =
       lum::Matrix<double>::Normalize(extent, extent, extent) * lum::Matrix<double>::Translate(-middle);
   return i_is_turning ? rotation * fit : fit * rotation;
@@ -78,8 +91,7 @@ Colour Shade(Colour const& i_colour, Vector const& i_normal) {
     // Light is additive in linear intensity; colours are stored as its square root.
     float const colour = static_cast<float>(i_colour[channel]) / 255;
     float const intensity = colour * colour * light + gloss;
-    shaded[channel] =
-        static_cast<std::uint8_t>(std::lround(255 * std::sqrt(std::clamp(intensity, 0.0F, 1.0F))));
+    shaded[channel] = common::ToByte(255 * std::sqrt(static_cast<double>(intensity)));
   }
   return shaded;
 }
@@ -101,8 +113,8 @@ class Canvas {
     auto const size = static_cast<float>(m_size);
     float const first = std::ceil((i_low + 1) / 2 * size - 0.5F);
     float const last = std::floor((i_high + 1) / 2 * size - 0.5F);
-    return {static_cast<std::size_t>(std::clamp(first, 0.0F, size)),
-            static_cast<std::size_t>(std::clamp(last + 1, 0.0F, size))};
+    return {common::ToInteger<std::size_t>(static_cast<double>(std::clamp(first, 0.0F, size))),
+            common::ToInteger<std::size_t>(static_cast<double>(std::clamp(last + 1, 0.0F, size)))};
   }
 
  private:
@@ -163,28 +175,53 @@ Vector ToFloat(lum::Vector<double, 3> const& i_vector) {
   return {static_cast<float>(x), static_cast<float>(y), static_cast<float>(z)};
 }
 
-void DrawMesh(Mesh const& i_mesh, Colour const& i_colour, lum::Matrix<float> const& i_world_to_view,
-              std::optional<lum::Plane<float>> const& i_clip, Progress const& i_progress, Canvas& io_canvas) {
-  lum::Matrix<float> const normal_transform = i_world_to_view.GetNormalTransform();
-  std::vector<Point> positions(i_mesh.vertices.size());
-  std::vector<Vector> normals(i_mesh.vertices.size());
-  for (std::size_t i = 0; i < positions.size(); ++i) {
-    positions[i] = ToFloat(i_mesh.vertices[i].position);
-    normals[i] = ToFloat(i_mesh.vertices[i].normal);
+// Only the coordinates of the view, which lie between -1 and 1, are rounded to float. Those of the world may
+// be too large, or too far from the origin.
+std::vector<Point> ToView(Mesh const& i_mesh, lum::Matrix<double> const& i_world_to_view) {
+  std::vector<Point> positions;
+  positions.reserve(i_mesh.vertices.size());
+  for (Mesh::Vertex const& vertex : i_mesh.vertices) {
+    positions.push_back(ToFloat(i_world_to_view * vertex.position));
+    for (float const coordinate : positions.back()) {
+      if (!std::isfinite(coordinate)) RefuseToDraw();
+    }
   }
-  lum::TransformPoints(i_world_to_view, positions, positions);
-  lum::TransformVectors(normal_transform, normals, normals);
+  return positions;
+}
+
+// The product of the plane and a matrix that scales by much is no plane, because its normal underflows.
+lum::Plane<float> ToView(lum::Plane<double> const& i_plane, lum::Matrix<double> const& i_world_to_view) {
+  auto const [a, b, c, d] = [&] {
+    try {
+      lum::Plane<double> const plane = i_world_to_view * i_plane;
+      return std::array<double, 4>{plane.GetA(), plane.GetB(), plane.GetC(), plane.GetD()};
+    } catch (std::invalid_argument const&) {
+      RefuseToDraw();
+    }
+  }();
+  if (!std::isfinite(a + b + c)) RefuseToDraw();
+  return {static_cast<float>(a), static_cast<float>(b), static_cast<float>(c), static_cast<float>(d)};
+}
+
+void DrawMesh(Mesh const& i_mesh, std::vector<Point> const& i_positions, Colour const& i_colour,
+              lum::Matrix<double> const& i_world_to_view, std::optional<lum::Plane<float>> const& i_clip,
+              Progress const& i_progress, Canvas& io_canvas) {
+  lum::Matrix<double> const normal_transform = i_world_to_view.GetNormalTransform();
+  lum::Vector<double, 3> const towards_eye(0, 0, 1);
+  auto const to_view = [&](lum::Vector<double, 3> const& i_normal) {
+    return ToFloat(NormalizedOr(towards_eye, normal_transform * i_normal));
+  };
   std::size_t drawn = 0;
   for (auto const& triangle : i_mesh.triangles) {
     if (drawn++ % 4096 == 0)
       i_progress(static_cast<double>(drawn) / static_cast<double>(i_mesh.triangles.size()));
-    Vector const flat = normal_transform * ToFloat(lum::GetNormalized(i_mesh.GetDoubledArea(triangle)));
+    Vector const flat = to_view(i_mesh.GetDoubledArea(triangle));
     Corners corners{};
     for (std::size_t corner = 0; corner < 3; ++corner) {
       std::uint32_t const vertex = triangle[corner];
       // At an edge or corner, each triangle uses its own normal, so that the edge looks sharp.
-      Vector const& normal = i_mesh.vertices[vertex].rank > 1 ? flat : normals[vertex];
-      corners[corner] = {positions[vertex], lum::GetNormalized(normal)};
+      Vector const normal = i_mesh.vertices[vertex].rank > 1 ? flat : to_view(i_mesh.vertices[vertex].normal);
+      corners[corner] = {i_positions[vertex], normal};
     }
     DrawTriangle(corners, i_colour, i_clip, io_canvas);
   }
@@ -216,30 +253,28 @@ void DrawStroke(Point const& i_a, Point const& i_b, float i_radius, Colour const
   }
 }
 
-void DrawSharpEdges(Mesh const& i_mesh, Palette const& i_palette, lum::Matrix<float> const& i_world_to_view,
+void DrawSharpEdges(Mesh const& i_mesh, std::vector<Point> const& i_positions, Palette const& i_palette,
                     std::optional<lum::Plane<float>> const& i_clip, Canvas& io_canvas) {
   constexpr float line_radius = 0.004F;
   constexpr float dot_radius = 0.011F;
   for (auto const& triangle : i_mesh.triangles) {
     for (std::size_t corner = 0; corner < 3; ++corner) {
-      Mesh::Vertex const& start = i_mesh.vertices[triangle[corner]];
-      Mesh::Vertex const& end = i_mesh.vertices[triangle[(corner + 1) % 3]];
-      if (start.rank < 2 || end.rank < 2) continue;
-      DrawStroke(i_world_to_view * ToFloat(start.position), i_world_to_view * ToFloat(end.position),
-                 line_radius, i_palette[1], i_clip, io_canvas);
+      std::uint32_t const start = triangle[corner];
+      std::uint32_t const end = triangle[(corner + 1) % 3];
+      if (i_mesh.vertices[start].rank < 2 || i_mesh.vertices[end].rank < 2) continue;
+      DrawStroke(i_positions[start], i_positions[end], line_radius, i_palette[1], i_clip, io_canvas);
     }
   }
-  for (Mesh::Vertex const& vertex : i_mesh.vertices) {
-    if (vertex.rank < 3) continue;
-    Point const point = i_world_to_view * ToFloat(vertex.position);
-    DrawStroke(point, point, dot_radius, i_palette[2], i_clip, io_canvas);
+  for (std::size_t vertex = 0; vertex < i_positions.size(); ++vertex) {
+    if (i_mesh.vertices[vertex].rank < 3) continue;
+    DrawStroke(i_positions[vertex], i_positions[vertex], dot_radius, i_palette[2], i_clip, io_canvas);
   }
 }
 
 // Colours the samples that show the back of the surface: there, the clip plane cuts the inside.
 void DrawInside(View const& i_view, lum::Plane<float> const& i_clip,
-                lum::Matrix<float> const& i_world_to_view, Canvas& io_canvas) {
-  lum::Matrix<float> const view_to_world = i_world_to_view.GetInverse();
+                lum::Matrix<double> const& i_world_to_view, Canvas& io_canvas) {
+  lum::Matrix<double> const view_to_world = i_world_to_view.GetInverse();
   for (std::size_t j = 0; j < io_canvas.GetSize(); ++j) {
     for (std::size_t i = 0; i < io_canvas.GetSize(); ++i) {
       Sample& sample = io_canvas.At(i, j);
@@ -247,9 +282,9 @@ void DrawInside(View const& i_view, lum::Plane<float> const& i_clip,
       float const x = io_canvas.ToCoordinate(i);
       float const y = io_canvas.ToCoordinate(j);
       float const z = (i_clip.GetD() - i_clip.GetA() * x - i_clip.GetB() * y) / i_clip.GetC();
-      auto const [wx, wy, wz] = view_to_world * Point(x, y, z);
-      sample.colour =
-          i_view.inside({static_cast<double>(wx), static_cast<double>(wy), static_cast<double>(wz)});
+      lum::Point<double, 3> const point(static_cast<double>(x), static_cast<double>(y),
+                                        static_cast<double>(z));
+      sample.colour = i_view.inside(view_to_world * point);
     }
   }
 }
@@ -278,7 +313,7 @@ common::Picture AverageSamples(Canvas const& i_canvas, std::size_t i_size) {
         }
       }
       for (float const channel : sum) {
-        picture.pixels.push_back(static_cast<std::uint8_t>(std::lround(channel * weight)));
+        picture.pixels.push_back(common::ToByte(static_cast<double>(channel * weight)));
       }
     }
   }
@@ -308,17 +343,16 @@ lum::Quaternionf Turn(double i_angle, std::size_t i_step, std::size_t i_steps) {
 
 common::Picture Draw(Mesh const& i_mesh, View const& i_view, Progress const& i_progress) {
   lum::Matrix<double> const world_to_view = GetWorldToView(i_mesh, i_view.rotation, i_view.is_turning);
-  lum::Matrix<float> const drawn(world_to_view);
-  std::optional<lum::Plane<float>> clip;
-  if (i_view.clip) {
-    lum::Plane<double> const plane = world_to_view * *i_view.clip;
-    clip.emplace(static_cast<float>(plane.GetA()), static_cast<float>(plane.GetB()),
-                 static_cast<float>(plane.GetC()), static_cast<float>(plane.GetD()));
+  if (!IsFinite(world_to_view) || !world_to_view.HasInverse() || !IsFinite(world_to_view.GetInverse())) {
+    RefuseToDraw();
   }
+  auto const positions = ToView(i_mesh, world_to_view);
+  std::optional<lum::Plane<float>> clip;
+  if (i_view.clip) clip = ToView(*i_view.clip, world_to_view);
   Canvas canvas(samples_per_pixel * i_view.size);
-  DrawMesh(i_mesh, i_view.palette[0], drawn, clip, i_progress, canvas);
-  if (clip) DrawInside(i_view, *clip, drawn, canvas);
-  if (i_view.palette[1] != i_view.palette[0]) DrawSharpEdges(i_mesh, i_view.palette, drawn, clip, canvas);
+  DrawMesh(i_mesh, positions, i_view.palette[0], world_to_view, clip, i_progress, canvas);
+  if (clip) DrawInside(i_view, *clip, world_to_view, canvas);
+  if (i_view.palette[1] != i_view.palette[0]) DrawSharpEdges(i_mesh, positions, i_view.palette, clip, canvas);
   return AverageSamples(canvas, i_view.size);
 }
 

@@ -2,12 +2,11 @@
 
 #include <geometry/Range.h>
 
-#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <cstdint>
 
+#include "common/Conversion.h"
 #include "surface/VolumeField.h"
 
 namespace surface {
@@ -18,22 +17,24 @@ Inside::Inside(common::Volume const& i_volume)
   m_dark = range.GetLower();
   // A histogram approximates the quantile precisely enough for greys, without sorting a copy of the volume.
   std::array<std::size_t, 1024> counts{};
-  double const scale = (counts.size() - 1) / (range.GetUpper() - range.GetLower());
+  constexpr double last = counts.size() - 1;
+  // Divided by it, never multiplied by its reciprocal, which may be infinite.
+  double const width = range.GetUpper() - range.GetLower();
   std::size_t total = 0;
   for (double const value : i_volume.values) {
     if (!std::isfinite(value)) continue;
-    ++counts[static_cast<std::size_t>((value - m_dark) * scale)];
+    ++counts[common::ToInteger<std::size_t>((value - m_dark) / width * last)];
     ++total;
   }
   std::size_t bright = counts.size();
   for (std::size_t above = 0; bright > 1 && above <= total / 50;) above += counts[--bright];
-  m_bright = m_dark + static_cast<double>(bright + 1) / scale;
+  m_bright = m_dark + static_cast<double>(bright + 1) / last * width;
 }
 
 Colour Inside::operator()(lum::Point<double, 3> const& i_world) const {
   double const value = mp_volume->Sample(m_world_to_voxel * i_world);
   double const grey = m_bright > m_dark && std::isfinite(value) ? (value - m_dark) / (m_bright - m_dark) : 0;
-  auto const level = static_cast<std::uint8_t>(std::lround(255 * std::clamp(grey, 0.0, 1.0)));
+  auto const level = common::ToByte(255 * grey);
   return {level, level, level};
 }
 

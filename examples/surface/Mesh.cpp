@@ -1,8 +1,20 @@
 #include "surface/Mesh.h"
 
+#include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace surface {
+
+lum::Vector<double, 3> NormalizedOr(lum::Vector<double, 3> const& i_fallback,
+                                    lum::Vector<double, 3> const& i_vector) {
+  double const square = lum::GetSquaredLength(i_vector);
+  if (std::isnormal(square)) return lum::GetNormalized(i_vector);
+  auto const [x, y, z] = i_vector;
+  double const largest = std::max({std::abs(x), std::abs(y), std::abs(z)});
+  lum::Vector<double, 3> const scaled = i_vector / largest;
+  return std::isnormal(lum::GetSquaredLength(scaled)) ? lum::GetNormalized(scaled) : i_fallback;
+}
 
 void Mesh::Append(Mesh const& i_other, std::size_t i_shared_vertices) {
   auto const offset = static_cast<std::uint32_t>(vertices.size() - i_shared_vertices);
@@ -16,7 +28,7 @@ void Mesh::Transform(lum::Matrix<double> const& i_transform) {
   lum::Matrix<double> const normal_transform = i_transform.GetNormalTransform();
   for (Vertex& vertex : vertices) {
     vertex.position = i_transform * vertex.position;
-    vertex.normal = lum::GetNormalized(normal_transform * vertex.normal);
+    vertex.normal = NormalizedOr(vertex.normal, normal_transform * vertex.normal);
   }
   if (i_transform.GetDeterminant() < 0) {
     for (auto& [a, b, c] : triangles) std::swap(b, c);

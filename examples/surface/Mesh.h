@@ -11,6 +11,11 @@
 
 namespace surface {
 
+/// The vector with unit length, also if its squares overflow or underflow. The fallback if it has length zero
+/// or is not finite, such as the gradient of a flat field, or a sum of normals that cancel.
+lum::Vector<double, 3> NormalizedOr(lum::Vector<double, 3> const& i_fallback,
+                                    lum::Vector<double, 3> const& i_vector);
+
 /// A closed surface of triangles that are counterclockwise as seen from outside.
 struct Mesh {
   struct Vertex {

@@ -21,6 +21,8 @@ struct Options {
   std::string turntable_folder;
   std::optional<lum::Plane<double>> clip;
   bool is_quiet = false;
+  std::size_t picture_size = 900;  ///< pixels along each side, no option
+  std::size_t frame_size = 480;    ///< the same for the turntable
 };
 
 /// Throws `std::invalid_argument` with a one-line message.

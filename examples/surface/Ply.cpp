@@ -1,11 +1,13 @@
 #include "surface/Ply.h"
 
 #include <bit>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 
 namespace surface {
@@ -26,7 +28,12 @@ class Bytes {
   }
   template <class T>
   void AddVector(T const& i_vector) {
-    for (double const component : i_vector) Add(static_cast<float>(component));
+    for (double const component : i_vector) {
+      auto const number = static_cast<float>(component);
+      if (!std::isfinite(number))
+        throw std::runtime_error("the surface is too large or too far away for PLY");
+      Add(number);
+    }
   }
   void Flush() {
     std::fwrite(m_bytes.data(), 1, m_bytes.size(), mp_stream);

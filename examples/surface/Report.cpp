@@ -7,6 +7,8 @@
 #include <sstream>
 #include <utility>
 
+#include "common/Conversion.h"
+
 namespace surface {
 
 Report::Report(bool i_is_quiet) : m_is_quiet(i_is_quiet), m_is_terminal(isatty(STDERR_FILENO) != 0) {}
@@ -19,7 +21,7 @@ void Report::Begin(std::string i_phase) {
 }
 
 void Report::Show(double i_part) {
-  int const percent = static_cast<int>(100 * i_part);
+  int const percent = common::ToInteger<int>(100 * i_part);
   if (m_is_quiet || !m_is_terminal || percent == m_shown_percent) return;
   m_shown_percent = percent;
   std::cerr << '\r' << m_phase << ' ' << std::setw(3) << percent << " %  " << std::flush;

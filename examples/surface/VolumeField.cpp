@@ -12,6 +12,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "common/Conversion.h"
+
 namespace surface {
 namespace {
 
@@ -111,8 +113,9 @@ bool VolumeField::IsVoxel(Point const& i_corner) const {
 
 std::size_t VolumeField::GetVoxel(Point const& i_corner) const {
   auto const [x, y, z] = i_corner;
-  return m_volume.GetIndex(static_cast<std::size_t>(x) - 1, static_cast<std::size_t>(y) - 1,
-                           static_cast<std::size_t>(z) - 1);
+  using common::ToInteger;
+  return m_volume.GetIndex(ToInteger<std::size_t>(x) - 1, ToInteger<std::size_t>(y) - 1,
+                           ToInteger<std::size_t>(z) - 1);
 }
 
 }  // namespace surface

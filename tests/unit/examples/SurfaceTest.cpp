@@ -328,6 +328,36 @@ TEST(Inside, ShowsTheGreysOfTheVolumeAtTheirPlaces) {
   EXPECT_EQ(inside({4, 30, 1}), (Colour{0, 0, 0})) << "outside";
 }
 
+// The reciprocal of the range is infinite.
+TEST(Inside, ShowsTheLeastRange) {
+  common::Volume const volume =
+      MakeVolume({3, 3, 3}, {}, [](std::size_t i_i, auto...) { return i_i == 1 ? 1e-320 : 0; });
+  Inside const inside(volume);
+  EXPECT_EQ(inside({0, 1, 1}), (Colour{0, 0, 0}));
+  EXPECT_GT(inside({1, 1, 1})[0], 200);
+}
+
+TEST(Mesh, NormalsHaveUnitLengthOrAreTheFallback) {
+  Vector const fallback(0, 0, 1);
+  auto const expect = [&](Vector const& i_vector, Vector const& i_expected) {
+    EXPECT_LT(lum::GetLength(NormalizedOr(fallback, i_vector) - i_expected), 1e-15) << i_vector[0];
+  };
+  for (double const scale : {1.0, 1e200, 1e-200, 1e-308}) {
+    expect(Vector(3, 0, -4) * scale, Vector(0.6, 0, -0.8));
+  }
+  expect({std::numeric_limits<double>::denorm_min(), 0, 0}, {1, 0, 0});
+  expect({std::numeric_limits<double>::max(), 0, 0}, {1, 0, 0});
+  expect({}, fallback);
+  expect({std::numeric_limits<double>::infinity(), 0, 0}, fallback);
+  expect({0, std::numeric_limits<double>::quiet_NaN(), 0}, fallback);
+}
+
+TEST(Mesh, ATransformThatFlattensKeepsNormalsFinite) {
+  Mesh mesh = ContourSolid("sphere", 8);
+  mesh.Transform(lum::Matrix<double>::Scale(1e-200, 1, 1e200));
+  ExpectUnitNormals(mesh);
+}
+
 TEST(Contour, IsTheSameWithAnyNumberOfThreads) {
   auto const solid = MakeSolid("die", 32);
   Mesh const expected = Contour(*solid, &IgnoreProgress, 1);
@@ -401,6 +431,29 @@ TEST(Draw, TheDieLooksAsItDid) {
   mirrored.rotation = LookAt(1.8 * std::numbers::pi);
   EXPECT_GT(GetMeanDifference(Draw(GetDie(), mirrored, &IgnoreProgress), expected), 5)
       << "another side of the die";
+}
+
+TEST(Draw, RefusesASurfaceWithoutAFiniteBox) {
+  auto const expect_refusal = [](double i_scale, double i_offset) {
+    Mesh mesh = ContourSolid("sphere", 8);
+    for (Mesh::Vertex& vertex : mesh.vertices) {
+      vertex.position = Point(i_offset, 0, 0) + (vertex.position - lum::Origin) * i_scale;
+    }
+    EXPECT_TRUE(lum::test::Throws<std::runtime_error>(
+        [&] { Draw(mesh, MakeView(), &IgnoreProgress); },
+        "the surface is too large, too small, too flat or too far away to be drawn"));
+  };
+  expect_refusal(1.5e308, 0);
+  expect_refusal(1e-310, 0);
+  expect_refusal(1, 1e300);
+  expect_refusal(1, std::numeric_limits<double>::quiet_NaN());
+}
+
+TEST(Draw, AFarSurfaceLooksLikeOneAtTheOrigin) {
+  Mesh mesh = ContourSolid("sphere", 32);
+  common::Picture const expected = Draw(mesh, MakeView(), &IgnoreProgress);
+  mesh.Transform(lum::Matrix<double>::Translate(3e8, -1e8, 2e8));
+  EXPECT_LT(GetMeanDifference(Draw(mesh, MakeView(), &IgnoreProgress), expected), 0.5);
 }
 
 TEST(Draw, AClipPlaneShowsTheInside) {
