@@ -60,7 +60,7 @@ class Fixed {
  public:
   explicit Fixed(int i_number) : m_number(i_number) {}
   template <class U>
-  explicit Fixed(U const&) : m_number(-1) {}
+  explicit Fixed(U const&) {}
   Fixed(Fixed const&) = delete;
   Fixed& operator=(Fixed const&) = delete;
   ~Fixed() = default;
@@ -69,7 +69,7 @@ class Fixed {
   Fixed const* GetPlaceOfMaking() const { return mp_made_at; }
 
  private:
-  int m_number;
+  int m_number = -1;
   Fixed const* mp_made_at = this;
 };
 

@@ -238,12 +238,14 @@ TEST(Optional, MovesTheValueOfAnotherOptional) {
   optional<std::shared_ptr<int>> shared = std::move(unique);
   ASSERT_TRUE(shared);
   EXPECT_EQ(shared->get(), address);
-  EXPECT_TRUE(unique.has_value()) << "a moved-from value stays";
+  // NOLINTBEGIN(bugprone-use-after-move): the moved-from value stays
+  EXPECT_TRUE(unique.has_value());
   EXPECT_EQ(*unique, nullptr);
   unique = std::make_unique<int>(4);
   shared = std::move(unique);
   EXPECT_EQ(**shared, 4);
   EXPECT_EQ(*unique, nullptr);
+  // NOLINTEND(bugprone-use-after-move)
   std::string const text = "a text too long to be stored in place";
   optional<std::string> const kept = text;
   optional<std::string_view> const view = text;
