@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdio>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -44,6 +45,15 @@ std::vector<double> ParseList(std::string_view i_option, std::string_view i_text
   }
 }
 
+bool PrintHelp(int i_count, char const* const* ip_words, std::string_view i_help) {
+  bool const is_asked = std::any_of(ip_words + std::min(1, i_count), ip_words + i_count,
+                                    [](std::string_view i_word) { return i_word == "--help"; });
+  if (is_asked) std::fwrite(i_help.data(), 1, i_help.size(), stdout);
+  return is_asked;
+}
+
+std::string GetUsage(std::string_view i_help) { return std::string(i_help.substr(0, i_help.find('\n'))); }
+
 CommandLine::CommandLine(int i_count, char const* const* ip_words,
                          std::initializer_list<std::string_view> i_known) {
   for (int index = 1; index < i_count; ++index) {
@@ -56,12 +66,14 @@ CommandLine::CommandLine(int i_count, char const* const* ip_words,
       throw std::invalid_argument("unknown option " + std::string(word));
     }
     if (++index == i_count) throw std::invalid_argument(std::string(word) + " takes a value");
-    m_values[word] = ip_words[index];
+    if (!m_values.emplace(word, ip_words[index]).second) {
+      throw std::invalid_argument(std::string(word) + " is given twice");
+    }
   }
 }
 
-void CommandLine::RequirePaths(std::size_t i_count, std::string_view i_usage) const {
-  if (m_paths.size() != i_count) throw std::invalid_argument(std::string(i_usage));
+void CommandLine::RequirePaths(std::size_t i_count, std::string_view i_help) const {
+  if (m_paths.size() != i_count) throw std::invalid_argument(GetUsage(i_help));
 }
 
 double CommandLine::GetNumber(std::string_view i_option, double i_default) const {

@@ -19,18 +19,23 @@ std::size_t ParseCount(std::string_view i_option, std::string_view i_text, std::
 /// Parses numbers separated by commas. i_form names them, as in "X,Y,Z", and fixes their count.
 std::vector<double> ParseList(std::string_view i_option, std::string_view i_text, std::string_view i_form);
 
+/// Prints the help to standard output if one of the words is --help. Returns whether it is.
+bool PrintHelp(int i_count, char const* const* ip_words, std::string_view i_help);
+
+/// The first line of the help, which is the message if words are missing or there are too many.
+std::string GetUsage(std::string_view i_help);
+
 /// The paths and options of a command line.
 ///
-/// An option begins with two dashes, and the next word is its value. If it is given twice, the last value
-/// counts. The words must outlive the object.
+/// An option begins with two dashes, and the next word is its value. The words must outlive the object.
 class CommandLine {
  public:
-  /// Throws for an option that is not in i_known or has no value.
+  /// Throws for an option that is not in i_known, has no value, or is given twice.
   CommandLine(int i_count, char const* const* ip_words, std::initializer_list<std::string_view> i_known);
 
   std::vector<std::string> const& GetPaths() const { return m_paths; }
-  /// Throws, with the usage as the message, unless there are exactly i_count paths.
-  void RequirePaths(std::size_t i_count, std::string_view i_usage) const;
+  /// Throws, with the first line of the help as the message, unless there are exactly i_count paths.
+  void RequirePaths(std::size_t i_count, std::string_view i_help) const;
   bool Has(std::string_view i_option) const { return m_values.contains(i_option); }
   /// The option must have been given.
   std::string_view Get(std::string_view i_option) const { return m_values.at(i_option); }

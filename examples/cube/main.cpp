@@ -15,7 +15,9 @@
 #include <cstddef>
 #include <cstdio>
 #include <exception>
-#include <stdexcept>
+#include <string_view>
+
+#include "common/Arguments.h"
 
 namespace {
 
@@ -111,12 +113,18 @@ void DrawCube() {
   std::puts("</svg>");
 }
 
+constexpr std::string_view help =
+    "usage: cube\n"
+    "\n"
+    "Writes an SVG picture of the unit cube with its 27 numbered elements to standard output.\n";
+
 }  // namespace
 
-int main() {
+int main(int i_count, char** ip_words) {
   try {
+    if (common::PrintHelp(i_count, ip_words, help)) return 0;
+    common::CommandLine(i_count, ip_words, {}).RequirePaths(0, help);
     DrawCube();
-    if (std::fflush(stdout) != 0) throw std::runtime_error("cannot write the picture");
     return 0;
   } catch (std::exception const& exception) {
     std::fprintf(stderr, "cube: %s\n", exception.what());

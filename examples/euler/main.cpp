@@ -22,6 +22,7 @@
 #include <functional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "common/Arguments.h"
@@ -167,9 +168,22 @@ long Report(char const* ip_name, Complex const& i_complex) {
   throw std::logic_error("the surface of a solid is miscounted");
 }
 
+constexpr std::string_view help =
+    "usage: euler [--radius VOXELS | INPUT.nii[.gz] --level V]\n"
+    "\n"
+    "Counts the faces, edges and vertices of the surfaces of voxel solids.\n"
+    "\n"
+    "  --radius VOXELS  half the width of the built-in solids; 20 if it is not given\n"
+    "  --level V        the solid consists of the voxels of the volume that reach this value\n";
+
 void Run(common::CommandLine const& i_line) {
   bool const has_volume = i_line.Has("--level");
-  i_line.RequirePaths(has_volume ? 1 : 0, "usage: euler [--radius VOXELS | INPUT.nii[.gz] --level V]");
+  if (i_line.GetPaths().size() > 1) throw std::invalid_argument(common::GetUsage(help));
+  if (has_volume && i_line.GetPaths().empty()) {
+    throw std::invalid_argument("--level has no effect without a volume");
+  }
+  if (!has_volume && !i_line.GetPaths().empty()) throw std::invalid_argument("a volume needs --level V");
+  if (has_volume && i_line.Has("--radius")) throw std::invalid_argument("--radius has no effect on a volume");
   double const level = i_line.GetNumber("--level", 0);
   std::size_t const radius = i_line.GetCount("--radius", 200, 20);
   common::Volume const volume = has_volume ? common::ReadVolume(i_line.GetPaths()[0]) : common::Volume{};
@@ -194,6 +208,7 @@ void Run(common::CommandLine const& i_line) {
 
 int main(int i_count, char** ip_words) {
   try {
+    if (common::PrintHelp(i_count, ip_words, help)) return 0;
     Run(common::CommandLine(i_count, ip_words, {"--level", "--radius"}));
     return 0;
   } catch (std::exception const& exception) {

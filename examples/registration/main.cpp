@@ -23,6 +23,7 @@
 #include <numbers>
 #include <random>
 #include <stdexcept>
+#include <string_view>
 #include <vector>
 
 #include "common/Arguments.h"
@@ -163,9 +164,18 @@ void Report(Registration const& i_result, Matrix const& i_truth) {
   if (angle > 1) throw std::runtime_error("the clouds converged to a wrong pose");
 }
 
+constexpr std::string_view help =
+    "usage: registration OUTPUT.svg [--points N] [--noise SIGMA] [--angle DEGREES] [--seed N]\n"
+    "\n"
+    "Registers two point clouds that overlap in part and plots the convergence.\n"
+    "\n"
+    "  --points N       points of each cloud; 4000 if it is not given\n"
+    "  --noise SIGMA    their standard deviation, from 0 to 1; 0.005 if it is not given\n"
+    "  --angle DEGREES  the angle by which the clouds are separated; 35 if it is not given\n"
+    "  --seed N         of the random points; 1 if it is not given\n";
+
 void Run(common::CommandLine const& i_line) {
-  i_line.RequirePaths(
-      1, "usage: registration OUTPUT.svg [--points N] [--noise SIGMA] [--angle DEGREES] [--seed N]");
+  i_line.RequirePaths(1, help);
   common::OutputFiles files;
   common::OutputFile& file = files.Add(i_line.GetPaths()[0]);
   std::size_t const count = i_line.GetCount("--points", 1000000, 4000);
@@ -194,6 +204,7 @@ void Run(common::CommandLine const& i_line) {
 
 int main(int i_count, char** ip_words) {
   try {
+    if (common::PrintHelp(i_count, ip_words, help)) return 0;
     Run(common::CommandLine(i_count, ip_words, {"--points", "--noise", "--angle", "--seed"}));
     return 0;
   } catch (std::exception const& exception) {

@@ -19,6 +19,7 @@
 #include <exception>
 #include <limits>
 #include <stdexcept>
+#include <string_view>
 #include <vector>
 
 #include "common/Arguments.h"
@@ -199,8 +200,16 @@ Drawing Draw(Nodes const& i_nodes) {
   return drawing;
 }
 
+constexpr std::string_view help =
+    "usage: scene OUTPUT.png [--nodes N] [--frames N]\n"
+    "\n"
+    "Turns a scene graph of boxes and draws it by picking a box for each pixel.\n"
+    "\n"
+    "  --nodes N   boxes in the graph; 10000 if it is not given\n"
+    "  --frames N  times that the graph is updated; 60 if it is not given\n";
+
 void Run(common::CommandLine const& i_line) {
-  i_line.RequirePaths(1, "usage: scene OUTPUT.png [--nodes N] [--frames N]");
+  i_line.RequirePaths(1, help);
   common::OutputFiles files;
   common::OutputFile& file = files.Add(i_line.GetPaths()[0]);
   Nodes nodes = MakeNodes(i_line.GetCount("--nodes", 1000000, 10000));
@@ -222,6 +231,7 @@ void Run(common::CommandLine const& i_line) {
 
 int main(int i_count, char** ip_words) {
   try {
+    if (common::PrintHelp(i_count, ip_words, help)) return 0;
     Run(common::CommandLine(i_count, ip_words, {"--nodes", "--frames"}));
     return 0;
   } catch (std::exception const& exception) {

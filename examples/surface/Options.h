@@ -25,6 +25,9 @@ struct Options {
   std::size_t frame_size = 480;    ///< the same for the turntable
 };
 
+/// What --help prints.
+extern std::string_view const help;
+
 /// Throws `std::invalid_argument` with a one-line message.
 Options ParseOptions(std::vector<std::string_view> const& i_words);
 

@@ -21,6 +21,7 @@
 #include <optional>
 #include <stdexcept>
 
+#include "common/Arguments.h"
 #include "surface/Options.h"
 #include "surface/Program.h"
 
@@ -50,6 +51,7 @@ int main(int i_count, char** ip_words) {
   std::optional<surface::Program> program;
   int status = 0;
   try {
+    if (common::PrintHelp(i_count, ip_words, surface::help)) return 0;
     surface::Options const options = surface::ParseOptions({ip_words + 1, ip_words + i_count});
     program.emplace(options, &ThrowIfInterrupted);
     program->Run();

@@ -294,9 +294,9 @@ TEST_F(Reslice, RefusesAnAffineWithoutAnInverse) {
 
 TEST_F(Reslice, RefusesBadOptions) {
   std::string const paths = WriteVolume<float>("a.nii", DT_FLOAT32, m_straight) + " " + In("refused.png");
-  ExpectRefusal(paths + " --axis 0,0,0", "the axis has length zero");
-  ExpectRefusal(paths + " --axis 1,2", "takes numbers X,Y,Z");
-  ExpectRefusal(paths + " --axis 1,2,nan", "--axis takes a number, not \"nan\"");
+  ExpectRefusal(paths + " --angle 3 --axis 0,0,0", "--axis takes an axis X,Y,Z whose length is not zero");
+  ExpectRefusal(paths + " --angle 3 --axis 1,2", "takes numbers X,Y,Z");
+  ExpectRefusal(paths + " --angle 3 --axis 1,2,nan", "--axis takes a number, not \"nan\"");
   ExpectRefusal(paths + " --angle ninety", "--angle takes a number, not \"ninety\"");
   ExpectRefusal(paths + " --offset 1mm", "--offset takes a number, not \"1mm\"");
   ExpectRefusal(paths + " --offset", "takes a value");

@@ -673,10 +673,10 @@ TEST_F(Surface, RefusesBadOptions) {
   std::string const input = WriteVolume<float>("a.nii", DT_FLOAT32, m_straight);
   std::string const mesh = " --mesh " + In("refused.ply");
   ExpectRefusal("", "usage: surface (INPUT.nii[.gz] --level V | --solid NAME) --mesh OUT.ply");
-  ExpectRefusal(input + mesh, "usage");
-  ExpectRefusal("--solid die", "usage");
-  ExpectRefusal("--solid die --level 3" + mesh, "usage");
-  ExpectRefusal(input + " --level 3 --solid die" + mesh, "usage");
+  ExpectRefusal(input + mesh, "a volume needs --level V");
+  ExpectRefusal("--solid die", "--mesh OUT.ply is missing");
+  ExpectRefusal("--solid die --level 3" + mesh, "--level has no effect on --solid");
+  ExpectRefusal(input + " --level 3 --solid die" + mesh, "not both");
   ExpectRefusal(input + " " + input + " --level 3" + mesh, "usage");
   ExpectRefusal(input + " --level high" + mesh, "--level takes a number, not \"high\"");
   ExpectRefusal("--solid die --mesh", "--mesh takes a value");
