@@ -192,7 +192,7 @@ OutputFiles::OutputFiles(std::vector<std::string> const& i_inputs) {
 
 OutputFiles::~OutputFiles() {
   m_files.clear();
-  for (auto folder = m_folders.rbegin(); folder != m_folders.rend(); ++folder) rmdir(folder->c_str());
+  for (std::string const& folder : m_folders) rmdir(folder.c_str());
 }
 
 void OutputFiles::AddFolder(std::string const& i_path) {
@@ -203,7 +203,7 @@ void OutputFiles::AddFolder(std::string const& i_path) {
     missing.push_back(path);
   }
   for (auto path = missing.rbegin(); path != missing.rend() && !error; ++path) {
-    if (fs::create_directory(*path, error)) m_folders.push_back(path->string());
+    if (fs::create_directory(*path, error)) m_folders.push_front(path->string());
   }
   if (!error && !fs::is_directory(i_path, error)) error = std::make_error_code(std::errc::not_a_directory);
   if (error) RefuseToWrite(i_path, error.message());
@@ -224,7 +224,7 @@ void OutputFiles::Publish() {
   try {
     for (OutputFile& file : m_files) file.PutInPlace();
   } catch (...) {
-    for (auto file = m_files.rbegin(); file != m_files.rend(); ++file) file->TakeBack();
+    for (OutputFile& file : m_files) file.TakeBack();
     throw;
   }
   for (OutputFile& file : m_files) file.RemoveOtherNames();

@@ -93,7 +93,7 @@ class OutputFiles {
   void Publish();
 
  private:
-  std::vector<std::string> m_folders;  // created here, and removed unless the files are published
+  std::deque<std::string> m_folders;  // created here, inner ones first, and removed unless published
   std::deque<OutputFile> m_files;
   std::map<std::string, std::string> m_known;  // from the identity of a file to a description
 };

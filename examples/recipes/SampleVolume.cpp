@@ -1,8 +1,8 @@
 #include <geometry/Matrix.h>
 #include <geometry/TrilinearInterpolation.h>
 
-#include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <cstdio>
 #include <vector>
@@ -17,7 +17,8 @@ constexpr std::array<unsigned, 3> size = {4, 3, 3};
 double Sample(std::vector<double> const& i_values, Point i_point) {
   std::array<std::size_t, 3> cell{};
   for (std::size_t axis = 0; axis < 3; ++axis) {
-    cell[axis] = static_cast<std::size_t>(std::clamp<double>(i_point[axis], 0, size[axis] - 2));
+    // Unlike std::clamp, these replace a NaN, which no integer can hold.
+    cell[axis] = static_cast<std::size_t>(std::fmin(std::fmax(i_point[axis], 0), size[axis] - 2));
     i_point[axis] -= static_cast<double>(cell[axis]);
   }
   std::array<double, 8> corners{};
