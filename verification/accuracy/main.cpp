@@ -14,134 +14,20 @@
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
-#include <functional>
 #include <limits>
-#include <map>
-#include <numbers>
 #include <random>
 #include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "Exact.h"
+#include "Measure.h"
 
+namespace accuracy {
 namespace {
 
-using accuracy::Exact;
 using lum::Matrix;
 using lum::Quaternionf;
-
-constexpr unsigned seed = 20261121;
-
-// The unit in the last place of a magnitude in type T.
-template <class T>
-double GetUlp(double i_magnitude) {
-  double const least = std::numeric_limits<T>::min();
-  int exponent = 0;
-  std::frexp(std::max(i_magnitude, least), &exponent);
-  return std::ldexp(1.0, exponent - std::numeric_limits<T>::digits);
-}
-
-// The largest errors of one operation.
-struct Worst {
-  double bound = 0;      // in ulps of the terms, by the order of operations
-  double of_terms = 0;   // in ulps of the sum of the terms' magnitudes
-  double of_result = 0;  // in ulps of the result, if it is at least a sixteenth of the terms
-  std::size_t inputs = 0;
-};
-
-std::map<std::pair<std::string, std::string>, Worst> table;
-
-// i_terms is the sum of the terms' magnitudes, to which the error is proportional. If the terms cancel, the
-// result may be much smaller.
-template <class T>
-void Compare(std::string const& i_operation, char const* ip_kind, double i_bound, T i_value,
-             Exact const& i_exact, Exact const& i_terms) {
-  double const terms = i_terms.ToDouble();
-  if (!(terms < static_cast<double>(std::numeric_limits<T>::max()) / 4)) return;
-  Worst& worst = table[{i_operation, ip_kind}];
-  double const error = Abs(Exact(static_cast<double>(i_value)) - i_exact).ToDouble();
-  worst.bound = i_bound;
-  ++worst.inputs;
-  worst.of_terms = std::max(worst.of_terms, error / GetUlp<T>(terms));
-  double const exact = std::abs(i_exact.ToDouble());
-  if (exact >= terms / 16) worst.of_result = std::max(worst.of_result, error / GetUlp<T>(exact));
-}
-
-enum class Kind { kUniform, kAdversarial };
-
-template <class T>
-class Inputs {
- public:
-  explicit Inputs(Kind i_kind) : m_kind(i_kind) {}
-
-  // Uniform from -1 to 1, or of any magnitude that lets a few factors multiply without overflow, with zeros,
-  // equal numbers and denormals among them.
-  T Number() {
-    T const uniform = std::uniform_real_distribution<T>(-1, 1)(m_random);
-    if (m_kind == Kind::kUniform) return uniform;
-    int const reach = std::numeric_limits<T>::max_exponent / 5;
-    switch (m_random() % 8) {
-      case 0:
-        return 0;
-      case 1:
-        return m_last;
-      case 2:
-        return -std::nextafter(m_last, T(1));
-      case 3:
-        return uniform * std::numeric_limits<T>::min();
-      case 4:
-        return m_last = std::ldexp(
-                   uniform,
-                   static_cast<int>(m_random() % (std::size_t{2} * static_cast<std::size_t>(reach))) - reach);
-      default:
-        return m_last = uniform;
-    }
-  }
-  // Uniform from -7 to 7, or within a few ulps of a multiple of a quarter turn.
-  T Angle() {
-    if (m_kind == Kind::kUniform) return std::uniform_real_distribution<T>(-7, 7)(m_random);
-    T angle = static_cast<T>(static_cast<double>(m_random() % 17) * std::numbers::pi / 2);
-    for (auto steps = m_random() % 4; steps > 0; --steps)
-      angle = std::nextafter(angle, T(m_random() % 2 * 100));
-    return m_random() % 2 == 0 ? angle : -angle;
-  }
-  lum::Vector<T, 3> Direction() {
-    lum::Vector<T, 3> direction;
-    do {
-      for (T& component : direction) component = std::uniform_real_distribution<T>(-1, 1)(m_random);
-    } while (!(lum::GetSquaredLength(direction) > T(0.01)));
-    return lum::GetNormalized(direction);
-  }
-  std::array<T, 16> Affine() {
-    std::array<T, 16> values{};
-    for (T& value : values) value = Number();
-    return values;
-  }
-  std::mt19937& GetRandom() { return m_random; }
-  bool IsAdversarial() const { return m_kind == Kind::kAdversarial; }
-  char const* GetName() const { return IsAdversarial() ? "adversarial" : "uniform"; }
-
- private:
-  Kind m_kind;
-  std::mt19937 m_random{seed};
-  T m_last = T(0.75);
-};
-
-Exact ToExact(float i_value) { return {static_cast<double>(i_value)}; }
-Exact ToExact(double i_value) { return {i_value}; }
-
-// A sum and the sum of its terms' magnitudes.
-struct Sum {
-  Exact value;
-  Exact terms;
-
-  void Add(Exact const& i_term) {
-    value += i_term;
-    terms += Abs(i_term);
-  }
-};
 
 template <class T>
 void MeasureProducts(std::string const& i_precision, Inputs<T> io_inputs, std::size_t i_inputs) {
@@ -160,7 +46,7 @@ void MeasureProducts(std::string const& i_precision, Inputs<T> io_inputs, std::s
   }
   for (std::size_t done = 0; done < i_inputs; done += 3) {
     std::array<T, 16> const a = io_inputs.Affine();
-    lum::Point<T, 3> const p(io_inputs.Number(), io_inputs.Number(), io_inputs.Number());
+    lum::Point<T, 3> const p{io_inputs.Number(), io_inputs.Number(), io_inputs.Number()};
     lum::Point<T, 3> const image = Matrix<T>(a.data()) * p;
     for (std::size_t row = 0; row < 3; ++row) {
       Sum sum;
@@ -170,25 +56,6 @@ void MeasureProducts(std::string const& i_precision, Inputs<T> io_inputs, std::s
               sum.terms);
     }
   }
-}
-
-// The determinant of the given rows and columns, as the sum over all permutations.
-template <class T>
-Sum GetMinor(std::array<T, 16> const& i_m, std::vector<std::size_t> const& i_rows,
-             std::vector<std::size_t> i_columns) {
-  Sum sum;
-  std::vector<std::size_t> const sorted = i_columns;
-  do {
-    int inversions = 0;
-    for (std::size_t i = 0; i < i_columns.size(); ++i) {
-      for (std::size_t j = i + 1; j < i_columns.size(); ++j)
-        inversions += i_columns[i] > i_columns[j] ? 1 : 0;
-    }
-    Exact term(inversions % 2 == 0 ? 1 : -1);
-    for (std::size_t i = 0; i < i_rows.size(); ++i) term *= ToExact(i_m[i_rows[i] + 4 * i_columns[i]]);
-    sum.Add(term);
-  } while (std::next_permutation(i_columns.begin(), i_columns.end()));
-  return sum;
 }
 
 template <class T>
@@ -309,7 +176,8 @@ void MeasurePlanes(std::string const& i_precision, Inputs<T> io_inputs, std::siz
   for (std::size_t done = 0; done < i_inputs; done += 4) {
     lum::Vector<T, 3> const n = io_inputs.Direction();
     T const d = static_cast<T>(std::uniform_real_distribution<double>(-1, 1)(io_inputs.GetRandom()));
-    Matrix<T> const matrix = Matrix<T>::Rotate(io_inputs.Direction(), io_inputs.Angle()) *
+    lum::Vector<T, 3> const axis = io_inputs.Direction();
+    Matrix<T> const matrix = Matrix<T>::Rotate(axis, io_inputs.Angle()) *
                              Matrix<T>::Translate(n[0], d, n[1]) * Matrix<T>::Scale(2, T(0.75), T(-1.5));
     lum::Plane<T> const plane(n[0], n[1], n[2], d);
     lum::Plane<T> const image = matrix * plane;
@@ -339,7 +207,7 @@ using Coefficients = std::array<float, 4>;
 // Products of coefficients with signs: x y z w each.
 void MeasureQuaternions(Inputs<float> io_inputs, std::size_t i_inputs) {
   char const* const kind = io_inputs.GetName();
-  auto const take = [&] { return Quaternionf(io_inputs.Direction(), io_inputs.Angle()); };
+  auto const take = [&] { return Quaternionf{io_inputs.Direction(), io_inputs.Angle()}; };
   for (std::size_t done = 0; done < i_inputs; done += 4) {
     Quaternionf const p = take();
     Quaternionf const q = take();
@@ -365,23 +233,12 @@ void MeasureQuaternions(Inputs<float> io_inputs, std::size_t i_inputs) {
   for (std::size_t done = 0; done < i_inputs; done += 3) {
     Quaternionf const q = take();
     Coefficients const c = q.GetCoefficients();
-    lum::Vector<float, 3> const v(io_inputs.Number(), io_inputs.Number(), io_inputs.Number());
+    lum::Vector<float, 3> const v{io_inputs.Number(), io_inputs.Number(), io_inputs.Number()};
     lum::Vector<float, 3> const image = q.Transform(v);
-    std::array<Sum, 3> u;
+    std::array<Sum, 3> const exact = Rotate(c, v);
     for (std::size_t axis = 0; axis < 3; ++axis) {
-      std::size_t const next = (axis + 1) % 3;
-      std::size_t const last = (axis + 2) % 3;
-      u[axis].Add(Exact(2) * ToExact(c[next]) * ToExact(v[last]));
-      u[axis].Add(-(Exact(2) * ToExact(c[last]) * ToExact(v[next])));
-    }
-    for (std::size_t axis = 0; axis < 3; ++axis) {
-      std::size_t const next = (axis + 1) % 3;
-      std::size_t const last = (axis + 2) % 3;
-      Exact const exact = ToExact(v[axis]) + ToExact(c[3]) * u[axis].value +
-                          ToExact(c[next]) * u[last].value - ToExact(c[last]) * u[next].value;
-      Exact const terms = Abs(ToExact(v[axis])) + Abs(ToExact(c[3])) * u[axis].terms +
-                          Abs(ToExact(c[next])) * u[last].terms + Abs(ToExact(c[last])) * u[next].terms;
-      Compare("Quaternionf Transform, each component", kind, 8, image[axis], exact, terms);
+      Compare("Quaternionf Transform, each component", kind, 8, image[axis], exact[axis].value,
+              exact[axis].terms);
     }
   }
   for (std::size_t done = 0; done < i_inputs; done += 4) {
@@ -461,14 +318,30 @@ the result may be much smaller than this error. So errors are given in units in 
 operations: one ulp for each rounding that a term passes through. Errors in ulps of the *result* are given
 only for results of at least a sixteenth of their terms.
 
+- A matrix times a point: one product and three additions, so 4. For a vector, the last addend is 0 and its
+  addition does not round, so 3. Arrays have the bounds of the single operations.
+- `LinearInterpolation`: the difference, the product and the sum, so 3. `GetSignedDistance`: one product, two
+  additions and a subtraction, so 4 at most.
+- A quaternion from axis and angle: halving the angle is exact. The sine is within one ulp, which may be two
+  roundings. The product is one more, so 3. `GetAsMatrix`: a product, a sum and a difference, so 3.
+- `InverseTransform` inverts the matrix R of the quaternion q. The roundings of the entries, at most 3, pass through
+  the inverse; the inverse by cofactors adds at most 10; the product with a vector adds 3. The terms are the sums
+  of the magnitudes of all three, so the bound is the largest number, 10.
+- A quaternion from a matrix and `CalculatePseudoInverse` go through a singular value decomposition, whose number
+  of sweeps depends on the input. Their bounds are measured instead: they are at least twice the largest errors.
+  The terms follow from how a change of the input changes the result. For the quaternion they are |A| |A^-1|, and
+  for the pseudo-inverse P they are |P|^2 |A|, where |A| is the Frobenius norm.
+
 Uniform inputs lie between -1 and 1, and angles between -7 and 7. Adversarial inputs range from denormals to
 the largest magnitudes whose products do not overflow, with zeros and numbers that nearly cancel. Adversarial
-matrices to invert are nearly singular, angles are close to multiples of a quarter turn, and quaternions to
-blend are nearly parallel.
+matrices to invert are nearly singular, angles are close to multiples of a quarter turn, quaternions to blend are
+nearly parallel, quaternions to convert are not of unit length, and matrices to convert scale their axes
+by 1/64 to 64 instead of 1/2 to 2. Adversarial matrices to pseudo-invert have rank 1, 2 or 3.
 
 A matrix counts as singular, and its inverse is not compared, if rounding could change its determinant by a
-thousandth. The entries of determinants are so large that no product of two underflows: after an underflow,
-large factors would make the error unbounded.
+thousandth; its pseudo-inverse is compared while |P| |A| is below a million. The entries of determinants are so large
+that no product of two underflows: after an underflow, large factors would make the error unbounded. For the same
+reason no angle is denormal. No matrix that is converted to a quaternion mirrors.
 
 | Operation | Inputs | Comparisons | Largest error, ulps of the terms | Bound | Largest error, ulps of the result |
 |---|---|---|---|---|---|)";
@@ -486,16 +359,24 @@ bool Print() {
 }
 
 }  // namespace
+}  // namespace accuracy
 
 int main(int i_count, char** ip_words) {
+  using namespace accuracy;
   std::size_t const inputs = i_count > 1 ? std::strtoul(ip_words[1], nullptr, 10) : 1000000;
   for (Kind const kind : {Kind::kUniform, Kind::kAdversarial}) {
     MeasureAll<float>("float", kind, inputs);
     MeasureAll<double>("double", kind, inputs);
     MeasureQuaternions(Inputs<float>(kind), inputs);
     MeasureInterpolations(Inputs<double>(kind), inputs);
+    MeasureVectors(kind, inputs);
+    MeasureArrays(kind, inputs);
+    MeasureConversions(kind, inputs);
+    MeasureDecompositions(kind, inputs);
   }
-  if (Print()) return 0;
+  bool const is_within = Print();
+  PrintChains();
+  if (is_within) return 0;
   std::fputs("accuracy: an error exceeds its bound\n", stderr);
   return 1;
 }

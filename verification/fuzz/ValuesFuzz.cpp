@@ -1,19 +1,24 @@
 // A program of operations on transforms in both precisions, rotations and handles, checked after every step
 // against a model of plain values: each value keeps its bits when others change, and the reference count of
-// each object equals the number of handles onto it.
+// each object equals the number of handles onto it. Arrays are compared with the operation on single values.
 
 #include <array>
+#include <bit>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <optional>
+#include <span>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "Bytes.h"
 #include "geometry/Matrix.h"
 #include "geometry/Quaternion.h"
+#include "geometry/TransformArrays.h"
 
 namespace {
 
@@ -215,6 +220,56 @@ class Matrices {
   std::array<Handle, slots> m_handles;
 };
 
+bool AreSameBits(float i_a, float i_b) {
+  return std::bit_cast<std::uint32_t>(i_a) == std::bit_cast<std::uint32_t>(i_b) ||
+         (std::isnan(i_a) && std::isnan(i_b));
+}
+bool AreSameBits(double i_a, double i_b) {
+  return std::bit_cast<std::uint64_t>(i_a) == std::bit_cast<std::uint64_t>(i_b) ||
+         (std::isnan(i_a) && std::isnan(i_b));
+}
+
+// Transforms an array of arbitrary values by i_all, in place or into another array, and each value by i_one.
+// The value behind the array must keep its bits.
+template <class Value, class All, class One>
+void TransformArray(Bytes& io_bytes, All const& i_all, One const& i_one) {
+  using T = typename Value::value_type;
+  std::size_t const count = io_bytes.TakeIndex(24);
+  bool const is_in_place = io_bytes.TakeFlag();
+  bool const has_other_size = io_bytes.TakeIndex(8) == 7;
+  std::vector<Value> values(count + 1);
+  for (Value& value : values) {
+    for (T& component : value) component = io_bytes.Take<T>();
+  }
+  std::vector<Value> const before = values;
+  std::vector<Value> images = values;
+  std::span<Value> const to = is_in_place ? std::span(values) : std::span(images);
+  try {
+    i_all(std::span<Value const>(values.data(), count), to.first(has_other_size ? count + 1 : count));
+    Require(!has_other_size, "arrays of different sizes");
+  } catch (std::invalid_argument const& error) {
+    Require(has_other_size &&
+                std::string_view(error.what()) == "arrays to transform from and to must be of the same size",
+            "a message of arrays");
+  }
+  for (std::size_t i = 0; i <= count; ++i) {
+    Value const image = i < count && !has_other_size ? i_one(before[i]) : before[i];
+    for (std::size_t axis = 0; axis < 3; ++axis) Require(AreSameBits(to[i][axis], image[axis]), "an array");
+  }
+}
+
+template <class T>
+void TransformPointsAndVectors(Bytes& io_bytes, Matrix<T> const& i_matrix) {
+  auto const apply = [&](auto const& i_value) { return i_matrix * i_value; };
+  if (io_bytes.TakeFlag()) {
+    TransformArray<lum::Point<T, 3>>(
+        io_bytes, [&](auto i_from, auto i_to) { TransformPoints(i_matrix, i_from, i_to); }, apply);
+  } else {
+    TransformArray<lum::Vector<T, 3>>(
+        io_bytes, [&](auto i_from, auto i_to) { TransformVectors(i_matrix, i_from, i_to); }, apply);
+  }
+}
+
 class Rotations {
  public:
   Rotations() {
@@ -251,6 +306,13 @@ class Rotations {
     Adopt(to);
   }
 
+  void TransformArray(Bytes& io_bytes) const {
+    Quaternionf const& rotation = m_quaternions[io_bytes.TakeIndex(slots)];
+    ::TransformArray<lum::Vector<float, 3>>(
+        io_bytes, [&](auto i_from, auto i_to) { TransformVectors(rotation, i_from, i_to); },
+        [&](auto const& i_vector) { return rotation.Transform(i_vector); });
+  }
+
   void Check() const {
     for (std::size_t slot = 0; slot < slots; ++slot) {
       std::array<float, 4> const values = m_quaternions[slot].GetCoefficients();
@@ -273,7 +335,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* ip_data, std::size_t i
   Matrices<double> doubles;
   Rotations rotations;
   while (!bytes.IsAtEnd()) {
-    switch (bytes.TakeIndex(5)) {
+    switch (bytes.TakeIndex(6)) {
       case 0:
         floats.Step(bytes);
         break;
@@ -286,8 +348,21 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* ip_data, std::size_t i
       case 3:
         floats.Convert(bytes.TakeIndex(slots), doubles.Get(bytes.TakeIndex(slots)));
         break;
-      default:
+      case 4:
         doubles.Convert(bytes.TakeIndex(slots), floats.Get(bytes.TakeIndex(slots)));
+        break;
+      default:
+        switch (bytes.TakeIndex(3)) {
+          case 0:
+            TransformPointsAndVectors(bytes, floats.Get(bytes.TakeIndex(slots)));
+            break;
+          case 1:
+            TransformPointsAndVectors(bytes, doubles.Get(bytes.TakeIndex(slots)));
+            break;
+          default:
+            rotations.TransformArray(bytes);
+            break;
+        }
         break;
     }
     floats.Check();

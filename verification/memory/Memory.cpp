@@ -6,16 +6,22 @@
 #include <array>
 #include <cstddef>
 #include <cstdio>
+#include <cstdlib>
+#include <new>
+#include <span>
 #include <stdexcept>
+#include <vector>
 
 #include "geometry/CanonicalCubeElement.h"
 #include "geometry/CubeEdgeIterator.h"
 #include "geometry/CubeFaceIterator.h"
 #include "geometry/CubeVertexIterator.h"
+#include "geometry/LinearInterpolation.h"
 #include "geometry/Matrix.h"
 #include "geometry/PseudoInverse.h"
 #include "geometry/Quaternion.h"
 #include "geometry/RootFinding.h"
+#include "geometry/TransformArrays.h"
 #include "geometry/TrilinearInterpolation.h"
 
 namespace {
@@ -37,6 +43,32 @@ void Look(lum::Matrix<T> const& i_matrix) {
   if (i_matrix.HasInverse()) LookAtAll(i_matrix.GetMatrixInverse()->data(), 16);
 }
 void Look(lum::Quaternionf const& i_quaternion) { LookAtAll(i_quaternion.GetCoefficients().data(), 4); }
+
+// Transforms arrays of all lengths that differ in their groups, and one that is so long that its results are
+// streamed. The results go to memory from malloc, where a value that is not written is uninitialised.
+template <class Value, class Transformation>
+void LookAtArrays(Transformation const& i_transform) {
+  constexpr std::size_t streamed = (std::size_t{32} << 20U) / sizeof(Value) + 3;
+  for (std::size_t const count : {0UL, 1UL, 2UL, 3UL, 4UL, 5UL, 6UL, 7UL, 8UL, 9UL, streamed}) {
+    std::vector<Value> values(count, Value(1, 2, 3));
+    auto* const images = static_cast<Value*>(std::malloc(count * sizeof(Value)));
+    if (images == nullptr && count > 0) throw std::bad_alloc();
+    i_transform(std::span<Value const>(values), std::span(images, count));
+    for (std::size_t i = 0; i < count; ++i) LookAtAll(images[i].data(), 3);
+    std::free(images);
+    i_transform(std::span<Value const>(values), std::span(values));
+    for (Value const& value : values) LookAtAll(value.data(), 3);
+  }
+}
+
+template <class T>
+void LookAtTransformedArrays() {
+  lum::Matrix<T> const matrix = lum::Matrix<T>::Translate(1, 2, 3) * lum::Matrix<T>::Scale(2);
+  for (lum::Matrix<T> const& m : {matrix, lum::Matrix<T>()}) {
+    LookAtArrays<lum::Point<T, 3>>([&](auto i_from, auto i_to) { TransformPoints(m, i_from, i_to); });
+    LookAtArrays<lum::Vector<T, 3>>([&](auto i_from, auto i_to) { TransformVectors(m, i_from, i_to); });
+  }
+}
 
 template <class T>
 void LookAtTransforms() {
@@ -62,12 +94,19 @@ void LookAtTransforms() {
     LookAtAll((product * lum::Point<T, 3>(1, 2, x)).data(), 3);
     lum::Plane<T> const plane = product * lum::Plane<T>(1, 2, 3, x);
     Look(plane.GetA() + plane.GetB() + plane.GetC() + plane.GetD());
+    Look(GetSignedDistance(plane, lum::Point<T, 3>(1, 2, x)));
+    Look(lum::LinearInterpolation(x, plane.GetD(), T(0.25)));
+    LookAtAll(lum::LinearInterpolation(Vector(1, 2, x), Vector(x, 2, 1), T(0.25)).data(), 3);
+    LookAtAll(lum::LinearInterpolation(lum::Point<T, 3>(1, 2, x), lum::Point<T, 3>(x, 2, 1), T(0.25)).data(),
+              3);
     M copy = product;
     copy.GetMutableInternal()->translation().x() = 1;
     copy.GetMutableInverseInternal()->translation().x() = 1;
     Look(copy);
     product *= copy;
     Look(product);
+    Look(M(product).Invert());
+    Look(M(product).RebuildInverse());
     if (product == copy) ++looked_at;
   }
   Look(lum::Matrix<float>(lum::Matrix<double>::Rotate({0, 0, 1}, 1)));
@@ -89,12 +128,22 @@ void LookAtRotations() {
     LookAtAll(q.InverseTransform({1, 2, 3}).data(), 3);
     if (q.IsApproximately(p, 0.1F)) ++looked_at;
   }
+  lum::Quaternionf const rotation({0, 0, 1}, 1);
+  LookAtArrays<lum::Vector<float, 3>>(
+      [&](auto i_from, auto i_to) { TransformVectors(rotation, i_from, i_to); });
 }
 
 void LookAtNumerics() {
   std::array<double, 8> const corners = {1, 2, 3, 4, 5, 6, 7, 8};
   Look(lum::TrilinearInterpolation(corners, {0.25, 0.5, 0.75}));
   Look(lum::RootFinding::RegulaFalsi([](double i_x) { return i_x * i_x - 2; }, {0, 2}, 1e-9));
+  for (int const limit : {2, 100}) {
+    lum::RootFinding::RegulaFalsiResult const result =
+        lum::RootFinding::RegulaFalsiWithLimit([](double i_x) { return i_x * i_x - 2; }, {0, 2}, 1e-9, limit);
+    Look(result.root + result.bracket.GetLower() + result.bracket.GetUpper());
+    Look(result.evaluations);
+    Look(result.converged);
+  }
   for (int const limit : {3, 1000}) {
     auto const parabola = [](double i_x) { return i_x * i_x - 2; };
     auto const found = lum::RootFinding::RegulaFalsiWithLimit(parabola, {0, 2}, 1e-9, limit);
@@ -131,6 +180,8 @@ void LookAtTheCube() {
 int main(int i_count, char**) {
   LookAtTransforms<float>();
   LookAtTransforms<double>();
+  LookAtTransformedArrays<float>();
+  LookAtTransformedArrays<double>();
   LookAtRotations();
   LookAtNumerics();
   LookAtTheCube();
