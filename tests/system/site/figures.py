@@ -2,6 +2,8 @@
 
     mutants                          the mutants that verification/mutation lists
     fixes                            the fixes and the tests of reverted_fixes.toml
+    variants                         the broken variants of the model of the ring
+    fuzzers                          how many fuzzers verification/fuzz holds
     recipes                          how many programs examples/recipes holds
     versions <CMake's> <Eigen's> <compiler> <compiler's>
                                      the versions of the tools with which lum is built, which README.md names
@@ -86,6 +88,18 @@ def check_fixes():
     tests = {(program, test) for fix in fixes.values() for program, named in fix["tests"].items() for test in named}
     compare(RELIABILITY, "lists {} fixes, most of them of races and leaks, with {} tests", str(len(fixes)), str(len(tests)))
     return f"{len(fixes)} fixes and {len(tests)} tests"
+
+
+def check_variants():
+    variants = set(re.findall(r"^violates .* -D([A-Z_]+)$", read("verification/model/run"), re.MULTILINE))
+    compare(RELIABILITY, "each of {w} broken variants", WORDS[len(variants)])
+    return f"{len(variants)} broken variants"
+
+
+def check_fuzzers():
+    count = len(list((ROOT / "verification/fuzz").glob("*Fuzz.cpp")))
+    compare(RELIABILITY, "`verification/fuzz/` holds {w} fuzzers", WORDS[count])
+    return f"{count} fuzzers"
 
 
 def check_recipes():
@@ -280,9 +294,21 @@ def check_coverage():
     return "what the tests reach"
 
 
-CHECKS = {"mutants": check_mutants, "fixes": check_fixes, "recipes": check_recipes, "versions": check_versions,
-          "chains": check_chains, "choosing": check_choosing, "install": check_install, "cube": check_cube, "executions": check_executions,
-          "states": check_states, "coverage": check_coverage}
+CHECKS = {
+    "mutants": check_mutants,
+    "fixes": check_fixes,
+    "variants": check_variants,
+    "fuzzers": check_fuzzers,
+    "recipes": check_recipes,
+    "versions": check_versions,
+    "chains": check_chains,
+    "choosing": check_choosing,
+    "install": check_install,
+    "cube": check_cube,
+    "executions": check_executions,
+    "states": check_states,
+    "coverage": check_coverage,
+}
 
 
 def main():
