@@ -121,8 +121,12 @@ class LUM_EXPORT LUM_STANDALONE_DEBUG Matrix {
   Matrix& operator=(Matrix&& io_other) noexcept;
   /// Converts like the constructor and returns a reference to const. If taking the second object throws, this
   /// matrix has its new transform and its old inverse.
+  // Defined here, because Doxygen does not match a definition below the class with it.
   template <class U>
-  requires(!std::same_as<T, U>) Matrix const& operator=(Matrix<U> const& i_other);
+  requires(!std::same_as<T, U>) [[gnu::always_inline]] Matrix const& operator=(Matrix<U> const& i_other) {
+    i_other.RequireValues();
+    return Convert(i_other);
+  }
 
   ///@{
   /// Scales along the axes, by one factor each or by the same factor. Has no inverse if a reciprocal is
@@ -315,14 +319,6 @@ template <class T>
 template <class U>
 requires(!std::same_as<T, U>) [[gnu::always_inline]] inline Matrix<T>::Matrix(Matrix<U> const& i_other) {
   *this = i_other;
-}
-
-template <class T>
-template <class U>
-requires(!std::same_as<T, U>)
-    [[gnu::always_inline]] inline Matrix<T> const& Matrix<T>::operator=(Matrix<U> const& i_other) {
-  i_other.RequireValues();
-  return Convert(i_other);
 }
 
 template <class T>
