@@ -47,7 +47,7 @@ inline constexpr char const* no_inverse_message = "attempt to get inverse of non
 /// A matrix is two handles onto pooled objects. The first holds the transform. The second holds the inverse,
 /// or is empty. A copy shares both objects. A shared object is never written: every operation fills fresh
 /// objects. It computes the inverse together with the transform, so inverting only swaps the two handles. A
-/// stored inverse is never recomputed and never checked.
+/// stored inverse is never checked, and only `RebuildInverse` computes it again.
 ///
 /// A default-constructed matrix shares the one identity object, which is recognised by its address (a *known
 /// identity*). Operations with a known identity share objects instead of computing.
@@ -181,7 +181,7 @@ class LUM_EXPORT LUM_STANDALONE_DEBUG Matrix {
   /// constructor from values, and returns this matrix. A matrix without inverse gets one.
   ///
   /// The inverse of a product is the product of the inverses, so the rounding errors of transform and inverse
-  /// drift apart in a long chain of products. Call this every thousand products or so.
+  /// drift apart in a long chain of products, and again after each call. Call this before the inverse is used.
   ///
   /// Takes 1 object, or none if only this matrix uses its inverse. Other matrices that share the inverse keep
   /// it. For a known identity, the inverse becomes the identity object and increments 1 count.
