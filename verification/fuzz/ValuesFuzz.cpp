@@ -103,6 +103,7 @@ class Matrices {
       case 6:
         return Invert(to, a);
       case 7:
+        if (to == a) return Rebuild(to);
         target = m_matrices[a].GetTranspose();
         return Adopt(to);
       case 8:
@@ -204,7 +205,7 @@ class Matrices {
   void Invert(std::size_t i_to, std::size_t i_from) {
     Model<T> const model = m_models[i_from];
     try {
-      m_matrices[i_to] = m_matrices[i_from].GetInverse();
+      m_matrices[i_to] = i_to == i_from ? m_matrices[i_to].Invert() : m_matrices[i_from].GetInverse();
       Require(model.inverse.has_value(), "an inverse that is not there");
       // The former inverse may itself be the identity object.
       m_models[i_to] = {*model.inverse, model.transform, m_matrices[i_to].IsKnownIdentity()};
@@ -213,6 +214,13 @@ class Matrices {
                   std::string_view(error.what()) == "attempt to get inverse of non-invertible matrix",
               "a message");
     }
+  }
+
+  void Rebuild(std::size_t i_slot) {
+    Model<T>& model = m_models[i_slot];
+    m_matrices[i_slot].RebuildInverse();
+    model.inverse = model.is_identity ? model.transform
+                                      : Copy(Matrix<T>(model.transform.data()).GetMatrixInverse()->data());
   }
 
   std::array<Matrix<T>, slots> m_matrices;

@@ -85,6 +85,8 @@ void LookAtTransforms() {
     Look(product);
     Look(M::Scale(0));
     Look(product.GetInverse());
+    Look(M(product).Invert());
+    Look(M(product).RebuildInverse());
     Look(product.GetTranspose());
     Look(product.GetNormalTransform());
     Look(product.GetDeterminant());
