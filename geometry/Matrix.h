@@ -181,7 +181,8 @@ class LUM_EXPORT LUM_STANDALONE_DEBUG Matrix {
   /// constructor from values, and returns this matrix. A matrix without inverse gets one.
   ///
   /// The inverse of a product is the product of the inverses, so the rounding errors of transform and inverse
-  /// drift apart in a long chain of products, and again after each call. Call this before the inverse is used.
+  /// drift apart in a long chain of products, and again after each call. Call this before the inverse is
+  /// used.
   ///
   /// Takes 1 object, or none if only this matrix uses its inverse. Other matrices that share the inverse keep
   /// it. For a known identity, the inverse becomes the identity object and increments 1 count.
