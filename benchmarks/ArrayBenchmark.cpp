@@ -144,7 +144,8 @@ void AddRotations() {
 
   constexpr std::size_t count = 4096;
   Add("4096 vectors rotated", "lum",
-      OnArrays(count, Vector<float, 3>(1, 2, 3), [a](auto const& in, auto& out) { TransformVectors(a, in, out); }));
+      OnArrays(count, Vector<float, 3>(1, 2, 3),
+               [a](auto const& in, auto& out) { TransformVectors(a, in, out); }));
   Add("4096 vectors rotated", "Eigen",
       OnArrays(count, Eigen::Vector3f(1, 2, 3), [eigen_a](auto const& in, auto& out) {
         for (std::size_t i = 0; i < in.size(); ++i) out[i] = eigen_a * in[i];

@@ -118,7 +118,9 @@ TYPED_TEST(MisalignedArrays, LargerThanTheCachesGiveTheBitsOfAlignedOnes) {
 TEST(MisalignedArraysOfVectors, AreRotatedToTheBitsOfAlignedOnes) {
   using V = Vector<float, 3>;
   Quaternionf const rotation(V(1, 2, 3), 5);
-  auto const rotate = [&](std::span<V const> i_from, std::span<V> o_to) { rotation.Transform(i_from, o_to); };
+  auto const rotate = [&](std::span<V const> i_from, std::span<V> o_to) {
+    TransformVectors(rotation, i_from, o_to);
+  };
   for (std::size_t const count : {1U, 2U, 3U, 4U, 5U, 1000U}) ExpectTheSameBits<V>(count, {1, 2, 3}, rotate);
   ExpectTheSameBits<V>(internal::kStreamedBytes / sizeof(V) + 1, {1, 2}, rotate);
 }
