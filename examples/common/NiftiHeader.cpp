@@ -33,7 +33,7 @@ class Fields {
     return Convert(m_header.*ip_field);
   }
   template <class T, std::size_t Size>
-  std::array<T, Size> Get(T (Header::*ip_field)[Size]) const {  // NOLINT(*-avoid-c-arrays): as in nifti1.h
+  std::array<T, Size> Get(T (Header::*ip_field)[Size]) const {
     std::array<T, Size> values{};
     for (std::size_t item = 0; item < Size; ++item) values[item] = Convert((m_header.*ip_field)[item]);
     return values;
@@ -120,7 +120,7 @@ lum::Matrix<double> MakeAffine(Rows const& i_rows, double i_scale, std::string c
     }
   }
   values[15] = 1;
-  lum::Matrix<double> const affine(values.data());
+  lum::Matrix<double> affine(values.data());
   lum::Matrix<double> const inverse = affine.GetInverse();
   auto const is_finite = [](lum::Matrix<double> const& i_matrix) {
     return std::all_of(i_matrix.GetAsPtr(), i_matrix.GetAsPtr() + 16,

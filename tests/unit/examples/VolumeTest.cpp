@@ -126,7 +126,7 @@ class VolumeTest : public test::ProgramTest {
   }
 
   std::string WriteCompressed(std::string const& i_name, std::vector<char> const& i_bytes) const {
-    gzFile const file = gzopen(In(i_name).c_str(), "wb");
+    gzFile_s* const file = gzopen(In(i_name).c_str(), "wb");
     gzwrite(file, i_bytes.data(), static_cast<unsigned>(i_bytes.size()));
     gzclose(file);
     return In(i_name);
