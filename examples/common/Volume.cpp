@@ -45,8 +45,10 @@ bool IsHalf(std::string const& i_path, std::string_view i_ending) {
   return i_path.ends_with(i_ending) || i_path.ends_with(std::string(i_ending) + ".gz");
 }
 
+// The paths are equal, except for a pair.
 struct Found {
-  VolumeFiles files;
+  std::string header_path;
+  std::string voxels_path;
   NiftiHeader header;
 };
 
@@ -56,11 +58,11 @@ Found FindHeader(std::string const& i_path) {
   std::array<unsigned char, largest_nifti_header> bytes{};
   int const count = gzread(file.get(), bytes.data(), bytes.size());
   NiftiHeader header = ParseNiftiHeader({bytes.data(), static_cast<std::size_t>(std::max(count, 0))}, path);
-  if (!header.is_pair) return {{path, path}, header};
+  if (!header.is_pair) return {path, path, header};
   if (!IsHalf(path, ".hdr")) {
     throw std::runtime_error(path + " is half of a pair, but its name does not end in .hdr");
   }
-  return {{path, GetOther(path, ".hdr", ".img")}, header};
+  return {path, GetOther(path, ".hdr", ".img"), header};
 }
 
 // The buffer grows with the bytes that are read, because a damaged header may claim any number of them.
@@ -98,12 +100,12 @@ std::vector<double> ReadValues(Found const& i_found) {
   std::size_t count = 1;
   for (std::size_t const size : i_found.header.size) {
     if (size > (std::size_t{1} << 60) / sizeof(T) / count) {
-      throw std::runtime_error(i_found.files.voxels + " is truncated or damaged");
+      throw std::runtime_error(i_found.voxels_path + " is truncated or damaged");
     }
     count *= size;
   }
   std::vector<unsigned char> bytes =
-      ReadBytes(i_found.files.voxels, i_found.header.voxels_begin, count * sizeof(T));
+      ReadBytes(i_found.voxels_path, i_found.header.voxels_begin, count * sizeof(T));
   std::vector<double> values(count);
   for (std::size_t voxel = 0; voxel < count; ++voxel) {
     unsigned char* const p_begin = &bytes[voxel * sizeof(T)];
@@ -185,14 +187,12 @@ double Volume::Sample(lum::Point<double, 3> const& i_voxel) const {
   return lum::TrilinearInterpolation(corners, in_cell);
 }
 
-VolumeFiles FindVolumeFiles(std::string const& i_path) { return FindHeader(i_path).files; }
-
 Volume ReadVolume(std::string const& i_path) {
   Found const found = FindHeader(i_path);
   NiftiHeader const& header = found.header;
   Reader const read_values = GetReader(header.datatype);
   if (read_values == nullptr) {
-    throw std::runtime_error(found.files.header + " has values of type " + GetDatatypeName(header.datatype) +
+    throw std::runtime_error(found.header_path + " has values of type " + GetDatatypeName(header.datatype) +
                              ", which is not supported");
   }
   Volume volume{header.size, header.voxel_to_world, read_values(found)};

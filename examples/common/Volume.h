@@ -35,18 +35,9 @@ struct Volume {
   double Sample(lum::Point<double, 3> const& i_voxel) const;
 };
 
-/// The paths of the files that hold a volume: equal, except for a pair.
-struct VolumeFiles {
-  std::string header;
-  std::string voxels;
-};
-
-/// Either name of a pair may be given. Throws `std::runtime_error` with a one-line message, as does
-/// `ReadVolume`.
-VolumeFiles FindVolumeFiles(std::string const& i_path);
-
-/// Reads a NIfTI-1 or NIfTI-2 file of single real numbers, which may be compressed. 64-bit integers are
-/// rounded to the nearest double.
+/// Reads a NIfTI-1 or NIfTI-2 file of single real numbers, which may be compressed. Of a pair, either name
+/// may be given. 64-bit integers are rounded to the nearest double. Throws `std::runtime_error` with a
+/// one-line message on failure.
 Volume ReadVolume(std::string const& i_path);
 
 }  // namespace common
