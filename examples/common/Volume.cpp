@@ -1,7 +1,7 @@
 #include "common/Volume.h"
 
 #include <geometry/TrilinearInterpolation.h>
-#include <nifti1.h>
+#include <nifti2_io.h>
 #include <zlib.h>
 
 #include <algorithm>
@@ -96,22 +96,17 @@ std::vector<unsigned char> ReadBytes(std::string const& i_path, std::int64_t i_b
 
 template <class T>
 std::vector<double> ReadValues(Found const& i_found) {
-  // No file holds 2^60 bytes.
-  std::size_t count = 1;
-  for (std::size_t const size : i_found.header.size) {
-    if (size > (std::size_t{1} << 60) / sizeof(T) / count) {
-      throw std::runtime_error(i_found.voxels_path + " is truncated or damaged");
-    }
-    count *= size;
-  }
+  auto const [x, y, z] = i_found.header.size;
+  std::size_t const count = x * y * z;
   std::vector<unsigned char> bytes =
       ReadBytes(i_found.voxels_path, i_found.header.voxels_begin, count * sizeof(T));
+  if (i_found.header.is_swapped && sizeof(T) > 1) {
+    nifti_swap_Nbytes(static_cast<std::int64_t>(count), sizeof(T), bytes.data());
+  }
   std::vector<double> values(count);
   for (std::size_t voxel = 0; voxel < count; ++voxel) {
-    unsigned char* const p_begin = &bytes[voxel * sizeof(T)];
-    if (i_found.header.is_swapped) std::reverse(p_begin, p_begin + sizeof(T));
     T value{};
-    std::memcpy(&value, p_begin, sizeof(T));
+    std::memcpy(&value, &bytes[voxel * sizeof(T)], sizeof(T));
     values[voxel] = static_cast<double>(value);
   }
   return values;
@@ -191,14 +186,10 @@ Volume ReadVolume(std::string const& i_path) {
   Found const found = FindHeader(i_path);
   NiftiHeader const& header = found.header;
   Reader const read_values = GetReader(header.datatype);
-  if (read_values == nullptr) {
-    throw std::runtime_error(found.header_path + " has values of type " + GetDatatypeName(header.datatype) +
-                             ", which is not supported");
-  }
+  if (read_values == nullptr) throw MakeTypeError(found.header_path, header.datatype);
   Volume volume{header.size, header.voxel_to_world, read_values(found)};
-  if (header.slope != 0 && std::isfinite(header.slope)) {
-    double const intercept = std::isfinite(header.intercept) ? header.intercept : 0;
-    for (double& value : volume.values) value = value * header.slope + intercept;
+  if (header.slope != 0) {
+    for (double& value : volume.values) value = value * header.slope + header.intercept;
   }
   return volume;
 }
