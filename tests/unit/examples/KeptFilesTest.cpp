@@ -1,6 +1,6 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <nifti1_io.h>
+#include <nifti1.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 #include <unistd.h>
