@@ -61,7 +61,7 @@ TEST_F(EveryProgram, FailsIfStandardOutputIsFullOrClosed) {
       EXPECT_EQ(ReadText(In("err")), i_name + ": cannot write to standard output\n");
     }
   });
-  EXPECT_EQ(programs, 19);
+  EXPECT_EQ(programs, 20);
 }
 
 TEST_F(EveryProgram, PrintsItsUsage) {
