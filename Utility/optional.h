@@ -341,7 +341,8 @@ constexpr void optional<T>::AssignFrom(Other&& i_other) {
 template <class T>
 template <class Function>
 void optional<T>::EmplaceResultOf(Function const& i_function) {
-  ::new (static_cast<void*>(std::addressof(m_value))) T(i_function());
+  // Without const, which T may have.
+  ::new (const_cast<void*>(static_cast<void const*>(std::addressof(m_value)))) T(i_function());
   m_is_engaged = true;
 }
 

@@ -95,6 +95,8 @@ TEST(Lazy, HoldsAValueThatCannotBeAssigned) {
   };
   Lazy<Constant> const lazy([] { return Constant{3}; });
   EXPECT_EQ(lazy.GetValue().number, 3);
+  Lazy<int const> const number([] { return 4; });
+  EXPECT_EQ(number.GetValue(), 4);
 }
 
 int runs_of_plain_function = 0;
