@@ -37,6 +37,29 @@ static_assert(!MakesAMatrix<std::vector<float>>, "only arrays of 16 values");
 static_assert(!MakesAMatrix<float const*>, "only arrays of 16 values");
 static_assert(std::is_same_v<decltype(FromRowMajor(std::array<double, 16>())), Matrix<double>>);
 
+template <class Source>
+concept MakesAMatrixOfColumns = requires(Source const& i_source) {
+  FromColumnMajor(i_source);
+};
+static_assert(MakesAMatrixOfColumns<std::array<float, 16>> && MakesAMatrixOfColumns<double[16]>);
+static_assert(!MakesAMatrixOfColumns<std::array<float, 12>> && !MakesAMatrixOfColumns<float[9]> &&
+              !MakesAMatrixOfColumns<double[17]> && !MakesAMatrixOfColumns<std::vector<float>> &&
+              !MakesAMatrixOfColumns<float const*>);
+
+template <class Source>
+concept IsWLast = requires(Source const& i_source) {
+  QuaternionFromWLast(i_source);
+};
+template <class Source>
+concept IsWFirst = requires(Source const& i_source) {
+  QuaternionFromWFirst(i_source);
+};
+static_assert(IsWLast<std::array<float, 4>> && IsWFirst<float[4]>);
+static_assert(!IsWLast<std::array<float, 3>> && !IsWLast<float[5]> && !IsWLast<double[4]> &&
+              !IsWLast<float const*>);
+static_assert(!IsWFirst<std::array<float, 3>> && !IsWFirst<float[5]> && !IsWFirst<double[4]> &&
+              !IsWFirst<float const*>);
+
 Values<float> MakeTranslationByRows() {
   return {1, 0, 0, 5,  //
           0, 1, 0, 6,  //
