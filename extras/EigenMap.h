@@ -143,7 +143,7 @@ auto ToPoint(Eigen::MatrixBase<Derived> const& i_expression) {
 ///@}
 
 /// Converts a 4x4 expression or a three-dimensional `Eigen::Transform` of any mode. The inverse is computed
-/// from the values as by `Matrix(T const*)`.
+/// from the values as by the constructor of `Matrix` from 16 values.
 template <internal::IsTransform Source>
 auto FromEigen(Source const& i_transform) {
   std::array<typename Source::Scalar, 16> values;

@@ -14,8 +14,9 @@
 /// Conversions of matrices and quaternions to and from arrays. The name of each function states the order of
 /// the array. Values keep their bits.
 ///
-/// Matrices are created as by `Matrix(T const*)`, with an inverse computed by cofactors, and acquire 2
-/// objects; quaternions acquire 1. Functions that acquire objects pass on the pool's exceptions
+/// Matrices are created as by the constructor of `Matrix` from 16 values, with an inverse computed by
+/// cofactors, and acquire 2 objects; quaternions acquire 1. Functions that acquire objects pass on the pool's
+/// exceptions
 /// (`std::bad_alloc`); the others throw nothing. All are thread-safe for values that no other thread writes.
 /// A matrix or quaternion must not be moved-from.
 ///

@@ -28,9 +28,8 @@ namespace lum::RootFinding {
 /// \param i_function   a pure function: it is called twice at each end before the first iteration
 /// \param i_range      the interval; its ends may be equal
 /// \param i_tolerance  above 0, for the absolute value of the function; a NaN ends the first iteration
-/// \returns the last x, or a quiet NaN if neither product is <= 0: the value is NaN, a zero meets an
-/// infinity,
-///          or values of the same sign at the ends were accepted because their product is too small
+/// \returns the last x, or a quiet NaN if neither product is <= 0: if the value is NaN, if a zero meets an
+///          infinity, or if values of the same sign at the ends were accepted because their product is 0
 /// \throws std::invalid_argument  if the tolerance is 0 or less, if the range is empty, or if the values
 ///          at the ends have the same sign, tested in this order. An empty function throws
 ///          `std::bad_function_call` after the first two tests. Exceptions of the function are passed on.
@@ -39,12 +38,14 @@ LUM_EXPORT double RegulaFalsi(std::function<double(double)> const& i_function, R
 
 /// The result of `RegulaFalsiWithLimit`.
 struct RegulaFalsiResult {
-  double root;  ///< The last estimate if |f| reached the tolerance there, else the end of the bracket with
-                ///< the lesser |f|.
-  Range<double>
-      bracket;      ///< The last bracket. The signs of the function differ at its ends, or one is a zero.
-  int evaluations;  ///< How many times the function was called.
-  bool converged;   ///< Whether |f(root)| <= tolerance.
+  /// The last estimate if |f| reached the tolerance there, else the end of the bracket with the lesser |f|.
+  double root;
+  /// The last bracket. The product of the values at its ends is not above 0.
+  Range<double> bracket;
+  /// How many times the function was called.
+  int evaluations;
+  /// Whether |f(root)| <= tolerance.
+  bool converged;
 };
 
 /// The same search, with a limit. It evaluates each end once, and then the same estimates.
