@@ -5,6 +5,7 @@
 
 #include <bit>
 #include <cstdint>
+#include <future>
 #include <string_view>
 
 #include "Check.h"
@@ -21,6 +22,8 @@ bool Flushes() {
   return bits == 0;
 }
 
+bool FlushesOnANewThread() { return std::async(std::launch::async, Flushes).get(); }
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -28,10 +31,19 @@ int main(int argc, char** argv) {
   std::string_view const expected = argv[1];
   if (expected == "loads") {
     lum::test::Check(!Flushes(), "denormal results are kept before the object is loaded");
+    std::promise<void> loaded;
+    auto older_thread = std::async(std::launch::async, [is_loaded = loaded.get_future()] {
+      is_loaded.wait();
+      return Flushes();
+    });
     lum::test::Check(dlopen(argv[2], RTLD_NOW) != nullptr, "the object is loaded");
+    loaded.set_value();
     lum::test::Check(Flushes(), "denormal results are flushed once the object is loaded");
+    lum::test::Check(FlushesOnANewThread(), "later threads flush them too");
+    lum::test::Check(!older_thread.get(), "older threads keep them");
   } else {
     lum::test::Check(Flushes() == (expected == "flushed"), argv[1]);
+    lum::test::Check(FlushesOnANewThread() == (expected == "flushed"), "as on a new thread");
   }
   return 0;
 }
