@@ -70,7 +70,8 @@ class Tree:
                 sys.exit(f"{test} fails without a mutant:\n{output}")
 
     def judge(self, mutant):
-        """Whether a mutant is found, and by what; survives; or is no mutant, because it does not compile."""
+        """Whether a mutant is found, and by what; survives; times out in some tests and passes the others; or is no
+        mutant, because it does not compile."""
         path = os.path.join(self.root, mutant.file)
         with open(path, encoding="utf-8") as stream:
             original = stream.read()
@@ -80,6 +81,7 @@ class Tree:
         try:
             with open(path, "w", encoding="utf-8") as stream:
                 stream.write(content)
+            timed_out = []
             for test in TESTS[mutant.file]:
                 try:
                     program = self.build(mutant.file, test, content)
@@ -91,9 +93,11 @@ class Tree:
                         sys.exit(f"{test} could not be built:\n{output}")
                     return "no mutant", output
                 status, _ = self.test(program)
-                if status != 0:
-                    return "found", test + (" (timed out)" if status is None else "")
-            return "survived", ""
+                if status is None:
+                    timed_out.append(test)
+                elif status != 0:
+                    return "found", test + (f" (ended by signal {-status})" if status < 0 else "")
+            return ("timed out", ", ".join(timed_out)) if timed_out else ("survived", "")
         finally:
             with open(path, "w", encoding="utf-8") as stream:
                 stream.write(original)
