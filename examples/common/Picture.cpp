@@ -16,7 +16,7 @@ namespace common {
 Picture StretchContrast(std::size_t i_width, std::size_t i_height, std::vector<double> const& i_samples) {
   std::vector<double> inside;
   std::copy_if(i_samples.begin(), i_samples.end(), std::back_inserter(inside),
-               [](double i_sample) { return !std::isnan(i_sample); });
+               [](double i_sample) { return std::isfinite(i_sample); });
   std::sort(inside.begin(), inside.end());
   std::size_t const tail = inside.size() / 200;
   double const dark = inside.empty() ? 0 : inside[tail];

@@ -15,7 +15,8 @@ struct Picture {
   std::vector<std::uint8_t> pixels;
 };
 
-/// Maps samples to grey values. The darkest and the brightest 0.5 % saturate; NaNs are black.
+/// Maps samples to grey values. The darkest and the brightest 0.5 % of the finite ones saturate, and so do
+/// infinities; NaNs are black.
 Picture StretchContrast(std::size_t i_width, std::size_t i_height, std::vector<double> const& i_samples);
 
 /// Writes a PNG file. Throws `std::runtime_error` with a one-line message on failure.

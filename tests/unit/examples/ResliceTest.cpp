@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <limits>
 #include <numbers>
 #include <string>
 #include <vector>
@@ -163,6 +164,14 @@ TEST_F(Reslice, SamplesOutsideTheVolumeAreNaN) {
 TEST_F(Reslice, StretchesTheContrastAndLeavesOutsideBlack) {
   Picture const picture = StretchContrast(2, 2, {10, 30, std::nan(""), 20});
   EXPECT_EQ(picture.pixels, (std::vector<std::uint8_t>{0, 255, 0, 128}));
+}
+
+TEST_F(Reslice, StretchesTheContrastOfTheFiniteSamples) {
+  constexpr double infinity = std::numeric_limits<double>::infinity();
+  Picture const picture = StretchContrast(3, 2, {10, infinity, 30, -infinity, 20, infinity});
+  EXPECT_EQ(picture.pixels, (std::vector<std::uint8_t>{0, 255, 255, 0, 128, 255}));
+  EXPECT_EQ(StretchContrast(2, 1, {infinity, -infinity}).pixels, (std::vector<std::uint8_t>{0, 0}));
+  EXPECT_EQ(StretchContrast(2, 1, {infinity, 7}).pixels, (std::vector<std::uint8_t>{0, 0}));
 }
 
 TEST_F(Reslice, WritesAPicture) {
