@@ -1,5 +1,5 @@
 #include <gtest/gtest.h>
-#include <nifti1_io.h>
+#include <nifti1.h>
 
 #include <algorithm>
 #include <array>
