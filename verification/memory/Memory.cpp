@@ -146,15 +146,6 @@ void LookAtNumerics() {
     Look(result.evaluations);
     Look(result.converged);
   }
-  for (int const limit : {3, 1000}) {
-    auto const parabola = [](double i_x) { return i_x * i_x - 2; };
-    auto const found = lum::RootFinding::RegulaFalsiWithLimit(parabola, {0, 2}, 1e-9, limit);
-    Look(found.root);
-    Look(found.bracket.GetLower());
-    Look(found.bracket.GetUpper());
-    Look(found.evaluations);
-    if (found.converged) ++looked_at;
-  }
   Eigen::Matrix3d matrix;
   matrix << 1, 2, 3, 4, 5, 6, 7, 8, 10;
   for (double const corner : {10.0, 9.0, 1.0 / 0.0}) {
