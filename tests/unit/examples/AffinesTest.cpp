@@ -171,6 +171,7 @@ TEST_F(Affines, TheProgramsSucceedOrEndWithOneLine) {
       EXPECT_EQ(message.find('\n'), std::string::npos) << message;
       EXPECT_EQ(message.find("i_"), std::string::npos) << message << " names a parameter of lum";
       EXPECT_EQ(message.find("::"), std::string::npos) << message << " names a type";
+      EXPECT_EQ(message.find("whole numbers"), std::string::npos) << "a conversion was the first check";
     }
     EXPECT_FALSE(HasTemporaryFile());
     bool const has_mesh = std::filesystem::exists(In("a.ply"));
