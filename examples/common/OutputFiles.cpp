@@ -45,18 +45,18 @@ std::string Convert(std::string i_text, int (*i_convert)(int)) {
   return i_text;
 }
 
-// The names under which libnifti may look for the header or the voxels of a volume.
+// The names that the header and the voxels of a volume may have, for this program or another.
 std::vector<std::string> GetPartsOfVolume(std::string const& i_path) {
   std::string stem = Convert(i_path, &std::tolower);
   if (stem.ends_with(".gz")) stem.resize(stem.size() - 3);
-  for (std::string_view const ending : {".hdr", ".img", ".nii", ".nia"}) {
+  for (std::string_view const ending : {".hdr", ".img", ".nii"}) {
     if (!stem.ends_with(ending)) continue;
     stem.resize(stem.size() - ending.size());
     break;
   }
   stem = i_path.substr(0, stem.size());
   std::vector<std::string> parts;
-  for (std::string const ending : {".hdr", ".img", ".nii", ".nia"}) {
+  for (std::string const ending : {".hdr", ".img", ".nii"}) {
     for (std::string const& all : {ending, ending + ".gz"}) {
       parts.insert(parts.end(), {stem + all, stem + Convert(all, &std::toupper)});
     }
