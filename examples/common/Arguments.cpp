@@ -54,6 +54,14 @@ bool PrintHelp(int i_count, char const* const* ip_words, std::string_view i_help
 
 std::string GetUsage(std::string_view i_help) { return std::string(i_help.substr(0, i_help.find('\n'))); }
 
+void PrintError(std::string_view i_program, std::exception const& i_exception) {
+  std::string line = std::string(i_program) + ": " + i_exception.what();
+  std::replace_if(
+      line.begin(), line.end(), [](unsigned char i_letter) { return i_letter < ' ' || i_letter == 127; },
+      '?');
+  std::fprintf(stderr, "%s\n", line.c_str());
+}
+
 CommandLine::CommandLine(int i_count, char const* const* ip_words,
                          std::initializer_list<std::string_view> i_known) {
   for (int index = 1; index < i_count; ++index) {

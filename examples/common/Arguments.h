@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <exception>
 #include <initializer_list>
 #include <map>
 #include <string>
@@ -24,6 +25,10 @@ bool PrintHelp(int i_count, char const* const* ip_words, std::string_view i_help
 
 /// The first line of the help, which is the message if words are missing or there are too many.
 std::string GetUsage(std::string_view i_help);
+
+/// Prints an error as one line on standard error. Control characters, which words and paths may contain, are
+/// replaced by question marks.
+void PrintError(std::string_view i_program, std::exception const& i_exception);
 
 /// The paths and options of a command line.
 ///

@@ -127,7 +127,7 @@ int main(int i_count, char** ip_words) {
     DrawCube();
     return 0;
   } catch (std::exception const& exception) {
-    std::fprintf(stderr, "cube: %s\n", exception.what());
+    common::PrintError("cube", exception);
     return 1;
   }
 }

@@ -212,7 +212,7 @@ int main(int i_count, char** ip_words) {
     Run(common::CommandLine(i_count, ip_words, {"--level", "--radius"}));
     return 0;
   } catch (std::exception const& exception) {
-    std::fprintf(stderr, "euler: %s\n", exception.what());
+    common::PrintError("euler", exception);
     return 1;
   }
 }

@@ -208,7 +208,7 @@ int main(int i_count, char** ip_words) {
     Run(common::CommandLine(i_count, ip_words, {"--points", "--noise", "--angle", "--seed"}));
     return 0;
   } catch (std::exception const& exception) {
-    std::fprintf(stderr, "registration: %s\n", exception.what());
+    common::PrintError("registration", exception);
     return 1;
   }
 }

@@ -80,7 +80,7 @@ int main(int i_count, char** ip_words) {
     std::cout << picture.GetPath() << ": " << slice.width << " x " << slice.height << " mm\n";
     return 0;
   } catch (std::exception const& exception) {
-    std::cerr << "reslice: " << exception.what() << '\n';
+    common::PrintError("reslice", exception);
     return 1;
   }
 }

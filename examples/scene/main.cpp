@@ -235,7 +235,7 @@ int main(int i_count, char** ip_words) {
     Run(common::CommandLine(i_count, ip_words, {"--nodes", "--frames"}));
     return 0;
   } catch (std::exception const& exception) {
-    std::fprintf(stderr, "scene: %s\n", exception.what());
+    common::PrintError("scene", exception);
     return 1;
   }
 }

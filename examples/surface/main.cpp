@@ -63,7 +63,7 @@ int main(int i_count, char** ip_words) {
   } catch (std::exception const& exception) {
     status = 1;
     if (program) program->Clear();
-    std::cerr << "surface: " << exception.what() << '\n';
+    common::PrintError("surface", exception);
   }
   return status;
 }

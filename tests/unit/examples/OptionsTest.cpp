@@ -35,6 +35,12 @@ TEST_F(OptionsOfReslice, AreNamedInMessages) {
                 {In("refused.png")});
 }
 
+TEST_F(OptionsOfReslice, AreOneLineOfAnErrorWhateverTheyContain) {
+  std::string const output = " " + In("refused.png");
+  ExpectRefusal("'no\nsuch\tfile'" + output, "cannot open no?such?file", {In("refused.png")});
+  ExpectRefusal("'--no\x1b[2Jsuch'" + output, "unknown option --no?[2Jsuch", {In("refused.png")});
+}
+
 TEST_F(OptionsOfSurface, ThatWouldBeIgnoredAreRefused) {
   std::string const mesh = " --mesh " + In("refused.ply");
   std::string const input = WriteVolume<float>("a.nii", DT_FLOAT32, m_straight);
