@@ -143,9 +143,9 @@ void AddSharing() {
       }));
   Add("times the identity" + of, "lum", Repeat([matrix, identity] { return matrix * identity; }));
   Add("times the identity" + of, "R", copy_pair);
-  // The report subtracts the row Translate, which creates the same transform.
   Add("Translate, inverted as a temporary" + of, "lum",
       Repeat([] { return Matrix<T>::Translate(Opaque<T>(1), 2, 3).GetInverse(); }));
+  // The report subtracts the row Translate, which creates the same transform.
   Add("Translate, inverted in place" + of, "lum", Repeat([] {
         auto created = Matrix<T>::Translate(Opaque<T>(1), 2, 3);
         created.Invert();
