@@ -94,8 +94,9 @@ RegulaFalsiResult RegulaFalsiWithLimit(std::function<double(double)> const& i_fu
     if (!bracket.Narrow(x, fx)) break;
     if (std::abs(fx) <= i_tolerance) return {x, {bracket.a, bracket.b}, evaluations, true};
   }
-  auto const [root, value] = std::abs(bracket.fb) < std::abs(bracket.fa) ? std::pair(bracket.b, bracket.fb)
-                                                                         : std::pair(bracket.a, bracket.fa);
+  bool const is_upper_better = std::abs(bracket.fb) < std::abs(bracket.fa) || std::isnan(bracket.fa);
+  auto const [root, value] =
+      is_upper_better ? std::pair(bracket.b, bracket.fb) : std::pair(bracket.a, bracket.fa);
   return {root, {bracket.a, bracket.b}, evaluations, std::abs(value) <= i_tolerance};
 }
 

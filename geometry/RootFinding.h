@@ -38,7 +38,8 @@ LUM_EXPORT double RegulaFalsi(std::function<double(double)> const& i_function, R
 
 /// The result of `RegulaFalsiWithLimit`.
 struct RegulaFalsiResult {
-  /// The last estimate if |f| reached the tolerance there, else the end of the bracket with the lesser |f|.
+  /// The last estimate if |f| reached the tolerance there, else the end of the bracket with the lesser |f|,
+  /// or the end where f is not NaN.
   double root;
   /// The last bracket. The product of the values at its ends is not above 0.
   Range<double> bracket;

@@ -452,6 +452,18 @@ TEST(RootFindingWithLimit, GivesUpBeforeAnEstimateThatIsNoNumber) {
   EXPECT_FALSE(infinite.result.converged);
 }
 
+TEST(RootFindingWithLimit, ReturnsTheEndWithANumber) {
+  for (double const value : {0.5, 0.0}) {
+    for (double const end : {0.0, 1.0}) {
+      LimitedSearch const hole([=](double i_x) { return i_x == end ? nan : value; }, {0, 1}, 1e-9, 100);
+      EXPECT_EQ(hole.result.root, 1 - end);
+      EXPECT_EQ(hole.result.bracket, Range<double>(0, 1));
+      EXPECT_EQ(hole.result.evaluations, 2);
+      EXPECT_EQ(hole.result.converged, value == 0);
+    }
+  }
+}
+
 TEST(RootFindingWithLimit, KeepsItsBracketAtAValueThatIsNoNumber) {
   LimitedSearch const hole([](double i_x) { return i_x == 0.5 ? nan : i_x - 0.5; }, {0, 1}, 1e-9, 100);
   EXPECT_EQ(hole.evaluated, (std::vector<double>{0, 1, 0.5}));
