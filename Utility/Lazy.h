@@ -75,8 +75,7 @@ template <class T>
 T const& Lazy<T>::CreateValue() const {
   std::lock_guard<std::mutex> const lock(m_mutex);
   if (!m_is_created.load(std::memory_order_relaxed)) {
-    m_value.EmplaceResultOf(
-        [this]() -> T { return mp_function != nullptr ? mp_function() : (*m_function)(); });
+    m_value.EmplaceResultOf([this] { return mp_function != nullptr ? mp_function() : (*m_function)(); });
     m_is_created.store(true, std::memory_order_release);
   }
   return *m_value;

@@ -419,6 +419,8 @@ TEST(RootFindingWithLimit, OfTwoReturnsTheRangeAndItsBetterEnd) {
   EXPECT_EQ(search(0, 4).root, 0);
   EXPECT_EQ(search(-4, 2).root, 2);
   EXPECT_EQ(search(0, 2).root, 0) << "the lower end if both are as good";
+  EXPECT_EQ(LimitedSearch([](double i_x) { return 1 - i_x; }, {0, 4}, 1e-12, 2).result.root, 0)
+      << "signs do not count";
   EXPECT_EQ(search(0, 4).bracket, Range<double>(0, 4));
   EXPECT_EQ(search(0, 4).evaluations, 2);
   EXPECT_FALSE(search(0, 4).converged);
