@@ -193,6 +193,7 @@ OutputFiles::OutputFiles(std::vector<std::string> const& i_inputs) {
 OutputFiles::~OutputFiles() {
   m_files.clear();
   for (std::string const& folder : m_folders) rmdir(folder.c_str());
+  if (m_signals) pthread_sigmask(SIG_SETMASK, &*m_signals, nullptr);  // a signal may end the program here
 }
 
 void OutputFiles::AddFolder(std::string const& i_path) {
@@ -215,6 +216,14 @@ OutputFile& OutputFiles::Add(std::string const& i_path) {
   if (is_new) return file;
   m_files.pop_back();
   RefuseToWrite(i_path, known->second);
+}
+
+void OutputFiles::DelaySignals() {
+  sigset_t delayed;
+  sigset_t before;
+  sigemptyset(&delayed);
+  for (int const signal : {SIGHUP, SIGINT, SIGTERM}) sigaddset(&delayed, signal);
+  if (pthread_sigmask(SIG_BLOCK, &delayed, &before) == 0 && !m_signals) m_signals = before;
 }
 
 void OutputFiles::Publish() {

@@ -2,6 +2,7 @@
 
 #include <sys/types.h>
 
+#include <csignal>
 #include <cstdio>
 #include <deque>
 #include <functional>
@@ -75,7 +76,7 @@ class OutputFiles {
   explicit OutputFiles(std::vector<std::string> const& i_inputs = {});
   OutputFiles(OutputFiles const&) = delete;
   OutputFiles& operator=(OutputFiles const&) = delete;
-  /// Removes what has not been published.
+  /// Removes what has not been published, and ends DelaySignals.
   ~OutputFiles();
 
   /// Creates a folder and those above it.
@@ -86,6 +87,9 @@ class OutputFiles {
   /// may be written, if its folder does not exist, or if the file is an input or another output, by whatever
   /// name.
   OutputFile& Add(std::string const& i_path);
+  /// Delays SIGHUP, SIGINT and SIGTERM on this thread until this object is destroyed, so that Ctrl-C leaves
+  /// no temporary file. For programs that do not handle these signals; called right before the first Write.
+  void DelaySignals();
   /// Moves all files to their paths. Each must have been written.
   ///
   /// Throws `std::runtime_error` with a one-line message if a file cannot be moved, or if a path is no longer
@@ -96,6 +100,7 @@ class OutputFiles {
   std::deque<std::string> m_folders;  // created here, inner ones first, and removed unless published
   std::deque<OutputFile> m_files;
   std::map<std::string, std::string> m_known;  // from the identity of a file to a description
+  std::optional<sigset_t> m_signals;           // the mask before DelaySignals
 };
 
 }  // namespace common

@@ -192,6 +192,7 @@ void Run(common::CommandLine const& i_line) {
   lum::TransformPoints(truth.GetInverse(), true_places, source);
 
   Registration const result = Register(source, target, true_places);
+  files.DelaySignals();
   common::WritePlot(
       "Root mean square distance of the points",
       {{"between pairs", "#c05a1c", result.between_pairs}, {"from the truth", "#205a9e", result.from_truth}},

@@ -75,7 +75,9 @@ int main(int i_count, char** ip_words) {
     common::Volume const volume = common::ReadVolume(input);
     reslice::Slice const slice = reslice::PlaceSlice(volume, placement);
     reslice::Samples const samples = reslice::Resample(volume, slice);
-    common::WritePng(common::StretchContrast(slice.width, slice.height, samples), picture);
+    common::Picture const greys = common::StretchContrast(slice.width, slice.height, samples);
+    files.DelaySignals();
+    common::WritePng(greys, picture);
     files.Publish();
     std::cout << picture.GetPath() << ": " << slice.width << " x " << slice.height << " mm\n";
     return 0;

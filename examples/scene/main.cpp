@@ -216,6 +216,7 @@ void Run(common::CommandLine const& i_line) {
   std::size_t const frames = i_line.GetCount("--frames", 100000, 60);
   double const frame_time = UpdateRepeatedly(frames, nodes);
   Drawing const drawing = Draw(nodes);
+  files.DelaySignals();
   common::WritePng(drawing.picture, file);
   files.Publish();
   std::printf("%zu nodes, %zu deep; %zu frames of %.2f ms\n", nodes.size(), nodes.back().depth, frames,

@@ -167,6 +167,26 @@ TEST_P(OutputFilesTest, AnExceptionLeavesNoTemporaryFile) {
   EXPECT_EQ(GetFiles(), (std::map<std::string, std::string>{{"a", "old"}}));
 }
 
+TEST_P(OutputFilesTest, ADelayedSignalLeavesNoTemporaryFile) {
+  auto const write = [&](int i_signal, bool i_is_published) {
+    OutputFiles files;
+    OutputFile& file = files.Add(In("a"));
+    files.DelaySignals();
+    file.Write([&](std::FILE* op_stream) {
+      std::fputs("A", op_stream);
+      std::raise(i_signal);
+    });
+    if (i_is_published) files.Publish();
+  };
+  for (int const signal : {SIGHUP, SIGINT, SIGTERM}) {
+    EXPECT_EXIT(write(signal, false), testing::KilledBySignal(signal), "");
+    EXPECT_TRUE(GetFiles().empty());
+    EXPECT_EXIT(write(signal, true), testing::KilledBySignal(signal), "");
+    EXPECT_EQ(GetFiles(), (std::map<std::string, std::string>{{"a", "A"}}));
+    fs::remove(In("a"));
+  }
+}
+
 // The limit of a file's size takes the part of a full disk.
 TEST_P(OutputFilesTest, AFullDiskLeavesTheOldFile) {
   std::string const old = Put("a", "old");
