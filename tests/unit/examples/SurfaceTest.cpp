@@ -628,10 +628,10 @@ TEST_F(Surface, ReadsVolumes) {
 // While the turntable is drawn, the mesh is written but not yet renamed.
 TEST_F(Surface, CtrlCLeavesNoHalfWrittenFile) {
   for (std::string const signal : {"INT", "TERM"}) {
-    std::string const command = m_program + " --solid sphere --mesh " + In("a.ply") + " --turntable 5000 " +
-                                In("frames") + " >" + In("out") + " 2>" + In("err") + " & while ! ls " +
-                                In("frames") + "/.lum-* >/dev/null 2>&1; do sleep 0.05; done; kill -" +
-                                signal + " $!; wait $!";
+    std::string const command =
+        m_program + " --solid sphere --mesh " + In("a.ply") + " --turntable 5000 " + In("frames") + " >" +
+        In("out") + " 2>" + In("err") + " & while kill -0 $! && ! ls " + In("frames") +
+        "/.lum-* >/dev/null 2>&1; do sleep 0.05; done; kill -" + signal + " $!; wait $!";
     int const status = std::system(command.c_str());  // NOLINT(concurrency-mt-unsafe): one thread
     EXPECT_EQ(WEXITSTATUS(status), 130);
     EXPECT_EQ(ReadText(In("err")), "surface: interrupted\n");
