@@ -1,4 +1,4 @@
-// Long chains of products: how far the inverse that the products carry departs from the transform.
+// Long chains of products: how far the stored inverse departs from the transform.
 
 #include <geometry/Matrix.h>
 

@@ -50,7 +50,10 @@ void Compare(std::string const& i_operation, char const* ip_kind, double i_bound
   double const error = Abs(Exact(static_cast<double>(i_value)) - i_exact).ToDouble();
   worst.bound = i_bound;
   ++worst.inputs;
-  worst.of_terms = std::max(worst.of_terms, error / GetUlp<T>(terms));
+  // The error of a result that is NaN is NaN. It exceeds every bound, but std::max would leave it out.
+  double const ulps = error / GetUlp<T>(terms);
+  worst.of_terms =
+      std::max(worst.of_terms, std::isnan(ulps) ? std::numeric_limits<double>::infinity() : ulps);
   double const exact = std::abs(i_exact.ToDouble());
   if (exact >= terms / 16) worst.of_result = std::max(worst.of_result, error / GetUlp<T>(exact));
 }
