@@ -23,7 +23,7 @@ function(lum_refuse_fast_math)
   set(parts "fast-math|unsafe-math-optimizations|associative-math|reciprocal-math|finite-math-only|no-signed-zeros")
   string(APPEND parts "|no-honor-(nans|infinities)|approx-func|single-precision-constant|fp-model=(fast|aggressive)")
   string(APPEND parts "|denormal-fp-math[a-z0-9-]*=(positive-zero|preserve-sign)")
-  if("${flags}" MATCHES "-Ofast|-mfpmath=[^ ;]*387|-f(${parts})")
+  if("${flags}" MATCHES "-Ofast|-mfpmath=([^ ;]*387|both)|-f(${parts})")
     message(FATAL_ERROR "lum promises the order of its operations and cannot be built with ${CMAKE_MATCH_0}: "
                         "remove fast-math from the compiler flags.")
   endif()
