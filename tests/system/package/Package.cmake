@@ -265,7 +265,7 @@ elseif(CASE STREQUAL "RefusesEveryPartOfFastMathWhenConfiguring")
     flag IN
     ITEMS -Ofast -ffast-math -funsafe-math-optimizations -fassociative-math -freciprocal-math -ffinite-math-only
           -fno-signed-zeros -fsingle-precision-constant -fno-honor-nans -fno-honor-infinities -fapprox-func
-          -ffp-model=fast -mfpmath=387 -fdenormal-fp-math=positive-zero)
+          -ffp-model=fast -mfpmath=387 -mfpmath=both -fdenormal-fp-math=positive-zero)
     foreach(variable IN ITEMS CMAKE_CXX_FLAGS CMAKE_CXX_FLAGS_RELEASE CMAKE_CXX_FLAGS_DEBUG)
       expect_refusal("promises the order of its operations and cannot be built with ${flag}" "${CMAKE_COMMAND}"
                      "-D${variable}=-O2 ${flag}" -DCMAKE_BUILD_TYPE=Release "-DCMAKE_CONFIGURATION_TYPES=Release\;Debug"
