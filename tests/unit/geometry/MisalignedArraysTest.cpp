@@ -38,6 +38,7 @@ class Shifted {
   std::size_t CountDiffering(std::vector<Value> const& i_expected) {
     std::size_t differing = 0;
     for (std::size_t i = 0; i < m_count; ++i) {
+      // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison): bit for bit on purpose
       differing += std::memcmp(At(i), &i_expected[i % i_expected.size()], sizeof(Value)) != 0;
     }
     for (std::size_t i = 0; i < m_start; ++i) differing += m_bytes[i] != 0;
