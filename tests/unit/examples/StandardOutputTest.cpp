@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 #include <map>
 #include <sstream>
 #include <string>
@@ -23,8 +24,8 @@ class EveryProgram : public test::ProgramTest {
     std::istringstream names(PROGRAMS);
     for (std::string name; names >> name;) {
       SCOPED_TRACE(name);
-      std::string const folder = name.starts_with("recipe_") ? "recipes" : name;
-      m_program = Quote(std::string(EXAMPLES_FOLDER) + "/" + folder + "/" + name);
+      std::filesystem::path const folder = name.starts_with("recipe_") ? "recipes" : name;
+      m_program = Quote((EXAMPLES_FOLDER / folder / name).string());
       i_visit(name);
     }
   }
